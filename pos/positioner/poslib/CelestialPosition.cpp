@@ -1,0 +1,76 @@
+#include "CelestialPosition.h"
+
+#include "angles.h"
+
+#include <cmath>
+#include <erfa.h>
+
+namespace pos {
+
+namespace {
+
+/** One milliarcsecond in radians. */
+constexpr double kMilliarcsecond = 4.8481368110953594e-9;
+
+/** A date in two parts whose sum is the Julian Date. */
+struct JulianDate {
+    double jd1 = 0.0;
+    double jd2 = 0.0;
+};
+
+JulianDate ttFromTai(double mjdTai) {
+    JulianDate tt;
+    // The status is always 0: TT − TAI is a constant.
+    static_cast<void>(eraTaitt(kMjdZero, mjdTai, &tt.jd1, &tt.jd2));
+    return tt;
+}
+
+/** Milliarcseconds to radians by way of arcseconds and degrees. */
+double milliarcsecondsToRadians(double mas) {
+    return mas / 1000 / 3600 / 180 * kPi;
+}
+
+} // namespace
+
+CIRS Astrometric::toCirs(double date) const {
+    const JulianDate tt = ttFromTai(date);
+    CIRS place{};
+    double equationOfOrigins = 0.0;
+    eraAtci13(ra, dec, 0.0, 0.0, 0.0, 0.0, tt.jd1, tt.jd2, &place.ra, &place.dec, &equationOfOrigins);
+    return place;
+}
+
+Astrometric CIRS::toAstrometric(double date) const {
+    const JulianDate tt = ttFromTai(date);
+    Astrometric place{};
+    double equationOfOrigins = 0.0;
+    eraAtic13(ra, dec, tt.jd1, tt.jd2, &place.ra, &place.dec, &equationOfOrigins);
+    return place;
+}
+
+std::pair<double, double> ICRS::pmAsRadYr() const {
+    const double cosDec = std::cos(dec);
+    const double raRate = cosDec > kMilliarcsecond ? milliarcsecondsToRadians(pmRa) / cosDec : 0.0;
+    return {raRate, milliarcsecondsToRadians(pmDec)};
+}
+
+Astrometric ICRS::toAstrometric(double date) const {
+    if (!(epoch > 0)) {
+        return {ra, dec};
+    }
+    const JulianDate tt = ttFromTai(date);
+    JulianDate start;
+    eraEpj2jd(epoch, &start.jd1, &start.jd2);
+    const auto [raRate, decRate] = pmAsRadYr();
+    Astrometric place{};
+    double raRateAfter = 0.0;
+    double decRateAfter = 0.0;
+    double parallaxAfter = 0.0;
+    double rvAfter = 0.0;
+    // The status warns of distances and speeds that the routine had to replace; its place is used all the same.
+    static_cast<void>(eraPmsafe(ra, dec, raRate, decRate, parallax, rv, start.jd1, start.jd2, tt.jd1, tt.jd2, &place.ra,
+                                &place.dec, &raRateAfter, &decRateAfter, &parallaxAfter, &rvAfter));
+    return place;
+}
+
+} // namespace pos

@@ -1,0 +1,217 @@
+#include "FocalPlane.h"
+
+#include "PosConfig.h"
+#include "angles.h"
+#include "numberText.h"
+
+#include <QDomDocument>
+#include <cmath>
+#include <limits>
+#include <stdexcept>
+
+namespace pos {
+
+namespace {
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+/** Micrometres. */
+constexpr double kWavelength = 0.6;
+/** Zero of the Celsius scale, kelvin. */
+constexpr double kCelsiusZero = 273.15;
+/** One second of time, radians. */
+constexpr double kHourAngleTolerance = 7.27220521664304e-05;
+/** Sidereal days in a solar day. */
+constexpr double kSiderealRate = 1.00273790934;
+/** An ordinary field takes one or two steps, one within a fraction of a degree of the pole some 15,000. */
+constexpr int kMaxHourAngleSteps = 50000;
+/** A target this near to its wanted place has arrived, mm². */
+constexpr double kPlacementTolerance = 1e-8;
+/** Angles this near to 0 or π count as equal to it. */
+constexpr double kAngleEpsilon = 2.220446049250313e-16;
+
+double squaredDistance(PlateCoordinates a, PlateCoordinates b) {
+    const double dx = a.x - b.x;
+    const double dy = a.y - b.y;
+    return dx * dx + dy * dy;
+}
+
+/** Two angles in ascending order, NaN last. */
+std::pair<double, double> ascending(double a, double b) {
+    return std::isnan(a) || b < a ? std::make_pair(b, a) : std::make_pair(a, b);
+}
+
+} // namespace
+
+FocalPlane::FocalPlane(const PosConfig& config, PlateName plate, Astrometric centre, double positionAngle,
+                       const Conditions& conditions)
+    : centre_(centre), positionAngle_(positionAngle) {
+    FocalPlaneCoordinates::initialise(config);
+    PlateCoordinates::initialise(config, plate);
+    FocalPlaneCoordinates::setRotation(positionAngle);
+    eastLongitude_ = degreesToRadians(config.get<double>("telescope.east_longitude"));
+    latitude_ = degreesToRadians(config.get<double>("telescope.latitude"));
+    height_ = config.get<double>("telescope.height");
+    horizonLimit_ = degreesToRadians(config.get<double>("telescope.horizon_limit"));
+    rotatorOffset_ = degreesToRadians(config.get<double>("telescope.rotator_offset"));
+    setConditions(conditions);
+}
+
+FocalPlane::FocalPlane(const PosConfig& config, PlateName plate, Astrometric centre, double positionAngle,
+                       const Conditions& conditions, double hourAngle)
+    : FocalPlane(config, plate, centre, positionAngle, conditions) {
+    setHourAngle(hourAngle);
+}
+
+void FocalPlane::setFieldCentre(Astrometric centre, double positionAngle) {
+    centre_ = centre;
+    positionAngle_ = wrapAngle(positionAngle);
+    FocalPlaneCoordinates::setRotation(positionAngle);
+    update();
+}
+
+void FocalPlane::setFieldCentre(Astrometric target, PlateCoordinates wanted) {
+    const CIRS targetPlace = target.toCirs(date_);
+    centre_ = target;
+    update();
+    const PlateCoordinates origin = plateFromCirs(centre_.toCirs(date_));
+    PlateCoordinates landed = plateFromCirs(targetPlace);
+    double previousError = std::numeric_limits<double>::infinity();
+    double error = squaredDistance(landed, wanted);
+    while (!(error <= kPlacementTolerance)) {
+        // Written so that NaN ends the solve too, in the first comparison as well.
+        if (!(error < previousError)) {
+            throw std::runtime_error("Field centre not converging");
+        }
+        const PlateCoordinates shifted(origin.x - (wanted.x - landed.x), origin.y - (wanted.y - landed.y));
+        centre_ = xyToCirs(shifted).toAstrometric(date_);
+        update();
+        landed = plateFromCirs(targetPlace);
+        previousError = error;
+        error = squaredDistance(landed, wanted);
+    }
+}
+
+void FocalPlane::setHourAngle(double hourAngle) {
+    for (int steps = 0; !dateAccepted_ || std::fabs(wrapAngle(hourAngle_ - hourAngle)) > kHourAngleTolerance; ++steps) {
+        const double next = date_ - wrapAngle(hourAngle_ - hourAngle) * 12 / kPi / 24 / kSiderealRate;
+        if (!dateAccepted_ || next == date_ || steps == kMaxHourAngleSteps) {
+            throw std::runtime_error("Hour angle not converging at MJD " + fixedText(date_, 2).toStdString());
+        }
+        setDate(next);
+    }
+}
+
+void FocalPlane::setDate(double mjdTai) {
+    date_ = mjdTai;
+    update();
+}
+
+void FocalPlane::setConditions(const Conditions& conditions) {
+    date_ = conditions.epoch;
+    temperature_ = conditions.temperature;
+    pressure_ = conditions.pressure;
+    relativeHumidity_ = conditions.relativeHumidity;
+    update();
+}
+
+Conditions FocalPlane::conditions() const {
+    return {date_, temperature_, pressure_, relativeHumidity_};
+}
+
+void FocalPlane::update() {
+    dateAccepted_ = updateContext();
+    if (!dateAccepted_) {
+        tangentRa_ = tangentDec_ = zenithDistance_ = hourAngle_ = parallacticAngle_ = kNaN;
+        return;
+    }
+    const CIRS centre = centre_.toCirs(date_);
+    observeCentre(centre);
+    if (zenithDistance_ > kPi / 2 - horizonLimit_) {
+        context_.refa = 0.0;
+        context_.refb = 0.0;
+        observeCentre(centre);
+    }
+    parallacticAngle_ = eraHd2pa(hourAngle_, tangentDec_, latitude_);
+}
+
+/** Fills the astrometry context. @return whether the library takes the date */
+bool FocalPlane::updateContext() {
+    double utc1 = kMjdZero;
+    double utc2 = date_;
+    // The library's calendar turns a date that is not finite into undefined integers.
+    if (!std::isfinite(date_) || eraTaiutc(kMjdZero, date_, &utc1, &utc2) < 0) {
+        return false;
+    }
+    double equationOfOrigins = 0.0;
+    // A positive status only says that leap seconds are not known for the date.
+    return eraApco13(utc1, utc2, 0.0, eastLongitude_, latitude_, height_, 0.0, 0.0, pressure_,
+                     temperature_ - kCelsiusZero, relativeHumidity_, kWavelength, &context_, &equationOfOrigins) >= 0;
+}
+
+/** Observes the field centre: the tangent point and where it stands in the sky. */
+void FocalPlane::observeCentre(CIRS centre) {
+    double azimuth = 0.0;
+    eraAtioq(centre.ra, centre.dec, &context_, &azimuth, &zenithDistance_, &hourAngle_, &tangentDec_, &tangentRa_);
+}
+
+/** The library takes the context by a pointer to non-const but only reads it. */
+eraASTROM* FocalPlane::readOnlyContext() const {
+    return const_cast<eraASTROM*>(&context_); // NOLINT(cppcoreguidelines-pro-type-const-cast): see above
+}
+
+StandardCoordinates FocalPlane::cirsToStd(CIRS place) const {
+    double azimuth = 0.0;
+    double zenithDistance = 0.0;
+    double hourAngle = 0.0;
+    double observedRa = 0.0;
+    double observedDec = 0.0;
+    eraAtioq(place.ra, place.dec, readOnlyContext(), &azimuth, &zenithDistance, &hourAngle, &observedDec, &observedRa);
+    StandardCoordinates standard{};
+    if (eraTpxes(observedRa, observedDec, tangentRa_, tangentDec_, &standard.xi, &standard.eta) != 0) {
+        throw std::runtime_error("celestial position not in the tangent plane");
+    }
+    return standard;
+}
+
+CIRS FocalPlane::xyToCirs(PlateCoordinates position) const {
+    const StandardCoordinates standard(static_cast<FocalPlaneCoordinates>(position));
+    double observedRa = 0.0;
+    double observedDec = 0.0;
+    eraTpsts(standard.xi, standard.eta, tangentRa_, tangentDec_, &observedRa, &observedDec);
+    CIRS place{};
+    eraAtoiq("R", observedRa, observedDec, readOnlyContext(), &place.ra, &place.dec);
+    return place;
+}
+
+PlateCoordinates FocalPlane::plateFromCirs(CIRS place) const {
+    return PlateCoordinates(FocalPlaneCoordinates(cirsToStd(place)));
+}
+
+std::pair<double, double> FocalPlane::parallacticToHour(double parallacticAngle) const {
+    const double q = wrapAngle(parallacticAngle);
+    if (std::fabs(q) < kAngleEpsilon) {
+        return latitude_ > tangentDec_ ? std::make_pair(0.0, kPi) : std::make_pair(kPi, kNaN);
+    }
+    if (std::fabs(wrapAngle(q - kPi)) < kAngleEpsilon) {
+        return {tangentDec_ > latitude_ ? 0.0 : kNaN, kNaN};
+    }
+    const double sinQ = std::sin(q);
+    const double cosQ = std::cos(q);
+    const double sinDec = std::sin(tangentDec_);
+    const double k = std::sin(latitude_) * sinQ * std::cos(tangentDec_);
+    const double r = std::sqrt(cosQ * cosQ + (sinQ * sinQ) * (sinDec * sinDec));
+    const double scale = std::cos(latitude_) * r;
+    if (std::fabs(k) > std::fabs(scale)) {
+        return {kNaN, kNaN};
+    }
+    const double a = std::atan2(sinQ * sinDec, cosQ);
+    const double s = std::asin(k / scale);
+    const double h1 = wrapAngle(s - a);
+    const double h2 = wrapAngle(kPi - (s + a));
+    // The field centre is on the side of the meridian that the sign of the parallactic angle tells.
+    const auto keep = [q](double h) { return std::signbit(h) == std::signbit(q) ? h : kNaN; };
+    return ascending(keep(h1), keep(h2));
+}
+
+} // namespace pos

@@ -1,0 +1,183 @@
+/**
+ * @file
+ * One pointing of the telescope, and the projection of the sky onto the plate in use.
+ */
+#ifndef POS_FOCALPLANE_H
+#define POS_FOCALPLANE_H
+
+#include "CelestialPosition.h"
+#include "Conditions.h"
+#include "PlateCoordinates.h"
+
+#include <erfa.h>
+#include <utility>
+
+namespace pos {
+
+class PosConfig;
+
+/**
+ * A field centre, its position angle, the site, the date and the weather, with all that follows from them.
+ *
+ * From sky to plate: CIRS place → observed place (refraction included) → standard coordinates about the observed place
+ * of the field centre → FocalPlaneCoordinates → PlateCoordinates; from plate to sky the same steps backwards. The
+ * wavelength is 0.6 µm; UT1−UTC and polar motion are taken as 0.
+ *
+ * Every setter ends in update(), so that the derived values always match the inputs. The optical model and the plate
+ * geometry are process-wide: each constructor replaces them, and only one pointing can be in use at a time.
+ *
+ * With a date that the astronomy library refuses (not finite, or outside the calendar's range) the derived values are
+ * NaN.
+ */
+class FocalPlane {
+public:
+    /**
+     * Loads the optical model and the plate geometry from the configured focal-plane map and points the telescope.
+     *
+     * @param config site ("telescope.east_longitude", "telescope.latitude", "telescope.height"),
+     *     "telescope.horizon_limit", "telescope.rotator_offset", "telescope.focal_plane_map"
+     * @param plate the plate in use
+     * @param centre field centre at the date of the conditions
+     * @param positionAngle position angle of the field, radians; kept as it is, unwrapped
+     * @param conditions date and weather
+     * @throw std::runtime_error and the configuration's errors, for a missing key or a bad focal-plane map
+     */
+    FocalPlane(const PosConfig& config, PlateName plate, Astrometric centre, double positionAngle,
+               const Conditions& conditions);
+
+    /** As above, then setHourAngle(hourAngle). */
+    FocalPlane(const PosConfig& config, PlateName plate, Astrometric centre, double positionAngle,
+               const Conditions& conditions, double hourAngle);
+
+    /**
+     * Points at a centre.
+     *
+     * @param centre field centre at the present date
+     * @param positionAngle radians; kept wrapped into [−π, π]
+     */
+    void setFieldCentre(Astrometric centre, double positionAngle);
+
+    /**
+     * Points so that a target lands at a wanted position on the plate, to 1e-4 mm. The position angle stays.
+     *
+     * @param target a place at the present date
+     * @param wanted plate position, mm
+     * @throw std::runtime_error "Field centre not converging" when a step does not bring the target nearer, or with
+     * NaN; the model keeps the last trial centre. Also what cirsToStd and xyToCirs throw
+     */
+    void setFieldCentre(Astrometric target, PlateCoordinates wanted);
+
+    /**
+     * Changes the date so that the field centre has an observed hour angle, to one second of time.
+     *
+     * @param hourAngle radians; NaN and the infinities leave the date as it is
+     * @throw std::runtime_error "Hour angle not converging at MJD …" after 50,000 steps, when a step no longer changes
+     *     the date, or when the astronomy library refuses the date
+     */
+    void setHourAngle(double hourAngle);
+
+    /** @param mjdTai MJD, TAI */
+    void setDate(double mjdTai);
+
+    void setConditions(const Conditions& conditions);
+
+    /** Date and weather as they are now. */
+    Conditions conditions() const;
+
+    /** Recomputes everything derived. Below the horizon limit refraction is off, for the centre and all targets. */
+    void update();
+
+    /**
+     * The standard coordinates of a place about the tangent point.
+     *
+     * @throw std::runtime_error "celestial position not in the tangent plane", from 90 degrees off the tangent point on
+     */
+    StandardCoordinates cirsToStd(CIRS place) const;
+
+    /** The place that lands at a position on the plate. Throws when the inverse distortion does not converge. */
+    CIRS xyToCirs(PlateCoordinates position) const;
+
+    /**
+     * The hour angles at which the field centre has a parallactic angle.
+     *
+     * @param parallacticAngle radians, of any turn
+     * @return at most two hour angles in [−π, π] in ascending order; NaN in the second place, or both, where there are
+     *     fewer
+     */
+    std::pair<double, double> parallacticToHour(double parallacticAngle) const;
+
+    Astrometric fieldCentre() const {
+        return centre_;
+    }
+    /** Position angle, radians. */
+    double positionAngle() const {
+        return positionAngle_;
+    }
+    /** Radians. */
+    double eastLongitude() const {
+        return eastLongitude_;
+    }
+    /** Radians. */
+    double latitude() const {
+        return latitude_;
+    }
+    /** Metres above mean sea level. */
+    double height() const {
+        return height_;
+    }
+    /** Offset between parallactic and rotator angle, radians. */
+    double rotatorOffset() const {
+        return rotatorOffset_;
+    }
+    /** MJD, TAI. */
+    double date() const {
+        return date_;
+    }
+    /** Observed declination of the field centre, radians. */
+    double tangentDec() const {
+        return tangentDec_;
+    }
+    /** Observed zenith distance of the field centre, radians. */
+    double zenithDistance() const {
+        return zenithDistance_;
+    }
+    /** Observed hour angle of the field centre, radians. */
+    double hourAngle() const {
+        return hourAngle_;
+    }
+    /** Parallactic angle of the field centre, radians. */
+    double parallacticAngle() const {
+        return parallacticAngle_;
+    }
+
+private:
+    bool updateContext();
+    void observeCentre(CIRS centre);
+    eraASTROM* readOnlyContext() const;
+    PlateCoordinates plateFromCirs(CIRS place) const;
+
+    Astrometric centre_;
+    double positionAngle_;
+    double eastLongitude_ = 0.0;
+    double latitude_ = 0.0;
+    double height_ = 0.0;
+    double rotatorOffset_ = 0.0;
+    double horizonLimit_ = 0.0; ///< elevation below which there is no refraction, radians
+
+    double date_ = 0.0;             ///< MJD, TAI
+    double temperature_ = 0.0;      ///< kelvin
+    double pressure_ = 0.0;         ///< millibar
+    double relativeHumidity_ = 0.0; ///< 0 to 1
+
+    bool dateAccepted_ = false; ///< by the astronomy library
+    eraASTROM context_{};
+    double tangentRa_ = 0.0;  ///< observed right ascension (CIO-based) of the field centre, radians
+    double tangentDec_ = 0.0; ///< observed declination of the field centre, radians
+    double zenithDistance_ = 0.0;
+    double hourAngle_ = 0.0;
+    double parallacticAngle_ = 0.0;
+};
+
+} // namespace pos
+
+#endif

@@ -1,0 +1,74 @@
+/**
+ * @file
+ * Whether, and for how long, a pointing can be observed.
+ */
+#ifndef POS_LIMITSCALC_H
+#define POS_LIMITSCALC_H
+
+#include "PlateCoordinates.h"
+
+#include <utility>
+
+namespace pos {
+
+class FocalPlane;
+class PosConfig;
+
+/**
+ * Horizon and rotator limits of a pointing.
+ *
+ * The rotator angle is offset − parallactic angle + position angle. Angles are radians; degrees in the configuration.
+ */
+class LimitsCalc {
+public:
+    /**
+     * @param config "telescope.rotator_low_limit", "telescope.rotator_high_limit", "telescope.rotator_offset",
+     *     "telescope.optimum_rotator_angle.plate_a", "telescope.optimum_rotator_angle.plate_b", "telescope.latitude"
+     * @param focalPlane the pointing, which must outlive this object
+     * @param largestZenithDistance the field counts as above the horizon while its observed zenith distance is
+     *     smaller, radians
+     * @throw boost::property_tree::ptree_error for a missing or bad key
+     */
+    LimitsCalc(const PosConfig& config, FocalPlane& focalPlane, double largestZenithDistance);
+
+    /** Whether the field centre is now above the horizon limit; false at the limit itself. */
+    bool checkHorizon() const;
+
+    /** Whether the rotator angle, wrapped into [−π, π], is now between its limits; false at a limit itself. */
+    bool checkRotator() const;
+
+    /**
+     * The hour angles around the present one between which the field stays observable.
+     *
+     * The rotator's part is found with the position angle subtracted, whereas checkRotator adds it.
+     *
+     * @return (earliest, latest), radians. (0, 0) for a field that never rises above the horizon limit or is below it
+     *     now. For a field that never sets only the rotator limits it, and both may lie more than π from the present
+     *     hour angle; NaN where the rotator reaches neither limit.
+     */
+    std::pair<double, double> hourAngleLimits() const;
+
+    /**
+     * Gives the pointing the position angle, a whole multiple of 5 degrees, that brings the rotator nearest to its
+     * angle of best image quality: the plate's optimum rotator angle, 0 for VEKO.
+     */
+    void setPositionAngle(PlateName plate);
+
+private:
+    std::pair<double, double> setAndRiseLimits(double horizonHourAngle) const;
+    std::pair<double, double> circumpolarLimits() const;
+    std::pair<double, double> hourAnglesAtRotator(double limit) const;
+
+    FocalPlane& focalPlane_;
+    double largestZenithDistance_;
+    double rotatorLowLimit_;
+    double rotatorHighLimit_;
+    double rotatorOffset_;
+    double optimumPlateA_;
+    double optimumPlateB_;
+    double latitude_;
+};
+
+} // namespace pos
+
+#endif

@@ -1,0 +1,84 @@
+/**
+ * @file
+ * The configuration store: the description of telescope and instrument.
+ */
+#ifndef POS_POSCONFIG_H
+#define POS_POSCONFIG_H
+
+#include <boost/property_tree/ptree.hpp>
+#include <string>
+
+namespace pos {
+
+/**
+ * A tree of named values, read once from a configuration file and then only read.
+ *
+ * Values are addressed by keys whose levels are separated by dots, such as "telescope.latitude". For an XML file the
+ * keys are relative to the root element, whose attributes lie under "<xmlattr>"; for an INFO file they start at the
+ * top of the file.
+ */
+class PosConfig {
+public:
+    /** File formats; a file of any other format is not parsed and yields an empty tree. */
+    enum format : int { INFO = 0, XML = 1 };
+
+    /**
+     * Loads a configuration file.
+     *
+     * The "datamver" of the first XML file loaded in a process becomes pos::datamver.
+     *
+     * @param filename name of the file; a name beginning with ":" is an embedded resource; null means the value of
+     *     the environment variable VANTE_POS_CONFIG
+     * @param fileFormat how to parse the file
+     * @throw std::runtime_error "VANTE_POS_CONFIG environment variable not set"
+     * @throw std::runtime_error "Unable to open config file: " + name
+     * @throw std::runtime_error "data model version mismatch", for an XML file whose root has another "datamver" than
+     *     the one already fixed
+     * @throw boost::property_tree::ptree_error for text that does not parse, or an XML file without "datamver"
+     */
+    PosConfig(const char* filename, format fileFormat);
+
+    /**
+     * Loads a configuration file and checks which version of the program it is written for.
+     *
+     * @param versionKey key of the version in the file
+     * @param expectedVersion the text that must stand there, byte for byte
+     * @param filename as above
+     * @param fileFormat as above
+     * @throw std::runtime_error "config file version mismatch", and whatever the other constructor throws
+     * @throw boost::property_tree::ptree_bad_path for a file without the version key
+     */
+    PosConfig(const std::string& versionKey, const std::string& expectedVersion, const char* filename,
+              format fileFormat);
+
+    /**
+     * The value at a key.
+     *
+     * @throw boost::property_tree::ptree_bad_path for a missing key, with the path in its message
+     * @throw boost::property_tree::ptree_bad_data for a value that is not a T, with the type in its message
+     */
+    template <typename T> T get(const std::string& key) const {
+        return tree_.get<T>(key);
+    }
+
+    /** The value at a key, in degrees in the file, in radians. Throws as get does. */
+    double getAngle(const std::string& key) const;
+
+    /**
+     * The value at a key as a file name.
+     *
+     * @return a name beginning with ":" (an embedded resource) or "/" unchanged; any other as an absolute name, taken
+     *     relative to the configuration file's own folder. Throws as get does.
+     */
+    std::string getFilename(const std::string& key) const;
+
+private:
+    void loadXml(std::istream& text);
+
+    boost::property_tree::ptree tree_;
+    std::string directory_; ///< parent path of the configuration file's name as given
+};
+
+} // namespace pos
+
+#endif

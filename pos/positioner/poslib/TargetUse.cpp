@@ -1,0 +1,35 @@
+#include "TargetUse.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <stdexcept>
+#include <string_view>
+
+namespace pos {
+
+namespace {
+
+/** The letters in the order of TargetUse::Value. */
+constexpr std::array<std::string_view, 6> kLetters = {"T", "C", "G", "S", "E", "R"};
+
+TargetUse::Value parse(const std::string& text) {
+    std::string upper = text;
+    std::transform(upper.begin(), upper.end(), upper.begin(),
+                   [](unsigned char character) { return static_cast<char>(std::toupper(character)); });
+    const auto* const found = std::find(kLetters.begin(), kLetters.end(), upper);
+    if (found == kLetters.end()) {
+        throw std::runtime_error(text + " is not a valid target use");
+    }
+    return static_cast<TargetUse::Value>(found - kLetters.begin());
+}
+
+} // namespace
+
+TargetUse::TargetUse(const std::string& text) : value_(parse(text)) {}
+
+TargetUse::operator std::string() const {
+    return value_ < kLetters.size() ? std::string(kLetters.at(value_)) : std::string();
+}
+
+} // namespace pos

@@ -1,0 +1,46 @@
+/**
+ * @file
+ * The walk over the targets of a field that every reader and writer of a field shares.
+ */
+#ifndef POS_TARGETWALK_H
+#define POS_TARGETWALK_H
+
+#include <QDomElement>
+
+namespace pos {
+
+/**
+ * Visits the target elements of a field in document order, without recursion, entering its groups.
+ *
+ * Elements other than "target" and "group" are passed over with all that they hold. An empty group ends the walk of
+ * its own level: the walk goes on after the group's parent, so that targets behind an empty group are not visited.
+ * The element of a Target step may be removed from its parent before the next step.
+ */
+class TargetWalk {
+public:
+    enum class Step {
+        Target,       ///< element() is a target
+        GroupEntered, ///< the walk went down into a group
+        LevelLeft,    ///< the walk climbed out of a level
+        End           ///< all done
+    };
+
+    explicit TargetWalk(const QDomElement& field);
+
+    Step next();
+
+    /** The element of the last step, when that was Target. */
+    QDomElement element() const {
+        return examined_;
+    }
+
+private:
+    QDomElement examined_;
+    QDomElement parent_;  ///< of the element last examined
+    QDomElement pending_; ///< to be examined next; null at the end of a level
+    int depth_ = 0;       ///< groups entered less levels left
+};
+
+} // namespace pos
+
+#endif

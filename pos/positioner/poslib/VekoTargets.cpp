@@ -1,0 +1,104 @@
+#include "VekoTargets.h"
+
+#include "TargetXML.h"
+#include "Veko.h"
+#include "angles.h"
+#include "xmlKeywords.h"
+
+#include <stdexcept>
+
+namespace pos {
+
+namespace {
+
+/** The middle of the bundle. */
+constexpr std::uint32_t kDefaultScienceFibre = 304;
+
+/** Sets what every target on the plate carries. @param spaxel UTF-8, empty for a target outside the bundle */
+void savePlatePlace(const Veko& veko, QDomElement& element, PlateCoordinates position, const std::string& spaxel) {
+    element.setAttribute(attr::targx, position.x);
+    element.setAttribute(attr::targy, position.y);
+    element.setAttribute(attr::ifuPa, radiansToDegrees(veko.focalPlane.positionAngle()));
+    element.setAttribute(attr::ifuSpaxel, QString::fromStdString(spaxel));
+}
+
+/** The target that a fibre other than the science fibre sees. */
+Target fibreTarget(const Veko& veko, const SatelliteFibre<Veko::VekoCentre>& fibre, const std::string& spaxel,
+                   double epoch) {
+    const FocalPlane& focalPlane = veko.focalPlane;
+    const Astrometric sky = focalPlane.xyToCirs(fibre.platePosition()).toAstrometric(focalPlane.date());
+    Target target;
+    target.position = {sky.ra, sky.dec, epoch, 0.0, 0.0, 0.0, 0.0};
+    target.use = spaxel.starts_with('S') ? TargetUse::S : TargetUse::T;
+    const auto id = static_cast<std::int32_t>(fibre.id);
+    target.fibreid = fibre.status == FibreStatus::Enabled ? id : -id;
+    target.automatic = true;
+    return target;
+}
+
+} // namespace
+
+VekoTargets findVekoTargets(const QDomElement& field) {
+    VekoTargets found;
+    for (QDomElement target = field.firstChildElement(tag::target);
+         !target.isNull() && (found.science.isNull() || found.guide.isNull());
+         target = target.nextSiblingElement(tag::target)) {
+        const QString use = target.attribute(attr::targuse);
+        if (use == QLatin1String("T")) {
+            found.science = target;
+        } else if (use == QLatin1String("G")) {
+            found.guide = target;
+        }
+    }
+    if (found.science.isNull() || found.guide.isNull()) {
+        throw std::runtime_error("No science target in field");
+    }
+    return found;
+}
+
+std::uint32_t scienceFibre(const Target& science) {
+    return science.fibreid == kNoFibre ? kDefaultScienceFibre : static_cast<std::uint32_t>(science.fibreid);
+}
+
+void placeVeko(Veko& veko, const Target& science, std::uint32_t fibre) {
+    FocalPlane& focalPlane = veko.focalPlane;
+    focalPlane.setFieldCentre(science.position.toAstrometric(focalPlane.date()), focalPlane.positionAngle());
+    const auto found = veko.fibres.find(fibre);
+    if (found == veko.fibres.end()) {
+        throw std::runtime_error("fibre assigned to science target does not exist");
+    }
+    const PlateCoordinates wanted(static_cast<FocalPlaneCoordinates>(found->second.platePosition()));
+    focalPlane.setFieldCentre(science.position.toAstrometric(focalPlane.date()), wanted);
+}
+
+Astrometric vekoFieldCentre(const Veko& veko) {
+    return veko.focalPlane.xyToCirs({0.0, 0.0}).toAstrometric(veko.focalPlane.date());
+}
+
+void saveVekoTargets(const Veko& veko, QDomElement field, QDomElement science, std::uint32_t fibre, double epoch) {
+    for (const auto& [id, satellite] : veko.fibres) {
+        if (satellite.status == FibreStatus::Absent) {
+            continue;
+        }
+        const std::string& spaxel = veko.names.at(id);
+        QDomElement element = science;
+        if (id == fibre) {
+            element.setAttribute(attr::fibreid, id);
+        } else {
+            element = saveTargetXML(fibreTarget(veko, satellite, spaxel, epoch), field, science);
+        }
+        savePlatePlace(veko, element, satellite.platePosition(), spaxel);
+        element.setAttribute(attr::configid, id);
+    }
+}
+
+void saveGuideStar(const Veko& veko, QDomElement guide) {
+    const FocalPlane& focalPlane = veko.focalPlane;
+    const Astrometric place = createTargetXML(guide).position.toAstrometric(focalPlane.date());
+    const StandardCoordinates standard = focalPlane.cirsToStd(place.toCirs(focalPlane.date()));
+    savePlatePlace(veko, guide, PlateCoordinates{FocalPlaneCoordinates(standard)}, std::string());
+    guide.setAttribute(attr::fibreid, QString());
+    guide.setAttribute(attr::configid, 0);
+}
+
+} // namespace pos

@@ -1,0 +1,84 @@
+#include "VekoXML.h"
+
+#include "Field.h"
+#include "PosConfig.h"
+#include "Veko.h"
+#include "angles.h"
+#include "xmlKeywords.h"
+#include "xmlStructure.h"
+
+#include <limits>
+#include <stdexcept>
+
+namespace pos {
+
+namespace {
+
+void require(const QDomElement& element, const QString& attribute, const char* who) {
+    if (!element.hasAttribute(attribute)) {
+        throw std::runtime_error(std::string(who) + " has no " + attribute.toStdString() + " attribute");
+    }
+}
+
+double readNumber(const QDomElement& element, const QString& attribute, const char* message) {
+    bool ok = false;
+    const double value = element.attribute(attribute).toDouble(&ok);
+    if (!ok) {
+        throw std::runtime_error(message);
+    }
+    return value;
+}
+
+Veko::VekoCentre readCentre(const QDomElement& root) {
+    constexpr const char* kWho = "plate definition";
+    Veko::VekoCentre centre{};
+    // A missing centre_y is told by the conversion, not by a check of its own.
+    require(root, attr::centreX, kWho);
+    centre.x = readNumber(root, attr::centreX, "plate definition has a bad centre x");
+    centre.y = readNumber(root, attr::centreY, "plate definition has a bad centre y");
+    require(root, attr::orientation, kWho);
+    centre.orientation =
+        degreesToRadians(readNumber(root, attr::orientation, "plate definition has a bad orientation"));
+    return centre;
+}
+
+void readFibre(const QDomElement& element, Veko& veko) {
+    constexpr const char* kWho = "fibre";
+    require(element, attr::id, kWho);
+    bool ok = false;
+    const std::uint32_t id = element.attribute(attr::id).toUInt(&ok);
+    // A target's fibre id is signed: it negates the identifier of a fibre that is not enabled.
+    if (!ok || id > std::numeric_limits<std::int32_t>::max()) {
+        throw std::runtime_error("fibre element has a bad identifier");
+    }
+    require(element, attr::posX, kWho);
+    const double dx = readNumber(element, attr::posX, "fibre element has a bad pos x");
+    require(element, attr::posY, kWho);
+    const double dy = readNumber(element, attr::posY, "fibre element has a bad pos y");
+    require(element, attr::fibreName, kWho);
+    const FibreStatus status = element.hasAttribute(attr::status)
+                                   ? FibreStatus(element.attribute(attr::status).toStdString())
+                                   : FibreStatus(FibreStatus::Enabled);
+    veko.fibres.try_emplace(id, SatelliteFibre<Veko::VekoCentre>{0, id, &veko.centre, dx, dy, status});
+    veko.names.insert_or_assign(id, element.attribute(attr::fibreName).toStdString());
+}
+
+} // namespace
+
+std::unique_ptr<Veko> createVekoXML(const PosConfig& config, const QDomElement& root, const Field& field,
+                                    const Conditions& conditions) {
+    const Veko::VekoCentre centre = readCentre(root);
+    auto veko = std::make_unique<Veko>(centre, FocalPlane(config, VEKO, field.centre, 0.0, conditions));
+    for (QDomElement fibre = root.firstChildElement(tag::fibre); !fibre.isNull();
+         fibre = fibre.nextSiblingElement(tag::fibre)) {
+        readFibre(fibre, *veko);
+    }
+    return veko;
+}
+
+std::unique_ptr<Veko> createVekoXML(const PosConfig& config, const std::string& filename, const Field& field,
+                                    const Conditions& conditions) {
+    return createVekoXML(config, loadXmlFile(filename).documentElement(), field, conditions);
+}
+
+} // namespace pos

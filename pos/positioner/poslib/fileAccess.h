@@ -1,0 +1,36 @@
+/**
+ * @file
+ * Reading whole files, embedded resources included.
+ */
+#ifndef POS_FILEACCESS_H
+#define POS_FILEACCESS_H
+
+#include <QByteArray>
+#include <QIODevice>
+#include <QString>
+#include <optional>
+#include <string>
+
+namespace pos {
+
+/**
+ * A file name in the form that the file classes take.
+ *
+ * @param name the bytes of the name, as the command line or a configuration file gives them
+ * @return the name; nothing where it is empty, holds a NUL, or would not turn back into the same bytes, so that a name
+ *     in another encoding than the process's never stands for a different file
+ */
+std::optional<QString> fileNameFromBytes(const std::string& name);
+
+/**
+ * The whole content of a file. A name beginning with ":" is an embedded resource.
+ *
+ * @param name file name, bytes as given
+ * @param mode QIODevice::Text to turn CRLF into LF, or nothing
+ * @return the content; nothing where the file cannot be opened or not be read to its end
+ */
+std::optional<QByteArray> readFile(const std::string& name, QIODevice::OpenMode mode = {});
+
+} // namespace pos
+
+#endif

@@ -1,0 +1,24 @@
+/**
+ * @file
+ * Numbers as the documents write them.
+ */
+#ifndef POS_NUMBERTEXT_H
+#define POS_NUMBERTEXT_H
+
+#include <QString>
+
+namespace pos {
+
+/**
+ * A number in fixed-point notation, never widened, exact ties rounded away from zero.
+ *
+ * @param value the number
+ * @param decimals how many digits follow the point
+ */
+inline QString fixedText(double value, int decimals) {
+    return QStringLiteral("%1").arg(value, 0, 'f', decimals, QLatin1Char(' '));
+}
+
+} // namespace pos
+
+#endif

@@ -1,0 +1,134 @@
+#include "CommandLine.h"
+
+#include "Pointing.h"
+#include "veko_configure.h"
+
+#include "EmbeddedResources.h"
+#include "PosConfig.h"
+#include "Version.h"
+#include "angles.h"
+
+#include <boost/lexical_cast/try_lexical_convert.hpp>
+#include <cmath>
+#include <iostream>
+#include <stdexcept>
+#include <vector>
+
+namespace pos {
+
+namespace {
+
+namespace po = boost::program_options;
+
+/** The value of an option that must be a finite number; the parser takes "nan" and "inf" for a plain double. */
+struct FiniteNumber {
+    double value;
+};
+
+/** Called by the option parser for a value of this type. */
+void validate(boost::any& target, const std::vector<std::string>& texts, FiniteNumber* /*type*/, int /*overload*/) {
+    po::validators::check_first_occurrence(target);
+    const std::string& text = po::validators::get_single_string(texts);
+    double value = 0.0;
+    if (!boost::conversion::try_lexical_convert(text, value) || !std::isfinite(value)) {
+        throw po::invalid_option_value(text);
+    }
+    target = FiniteNumber{value};
+}
+
+double optionalNumber(const po::variables_map& values, const std::string& option, double absent) {
+    return values.count(option) == 0 ? absent : values[option].as<FiniteNumber>().value;
+}
+
+std::optional<std::string> optionalText(const po::variables_map& values, const std::string& option) {
+    return values.count(option) == 0 ? std::nullopt : std::optional(values[option].as<std::string>());
+}
+
+/** Refuses an argument that belongs to no option; the parser by itself would drop it. */
+void refuseLeftOver(const po::parsed_options& parsed) {
+    const auto leftOver = po::collect_unrecognized(parsed.options, po::include_positional);
+    if (!leftOver.empty()) {
+        throw po::error("the argument '" + leftOver.front() + "' does not belong to any option");
+    }
+}
+
+/** Makes sure that what was asked for has left the program. */
+int finishStandardOutput() {
+    std::cout.flush();
+    if (!std::cout) {
+        throw std::runtime_error("The standard output could not be written");
+    }
+    return 0;
+}
+
+int printVersions() {
+    std::cout << "VANTE veko_configure version " << configure_version << '\n'
+              << "VANTE data model version " << datamver << std::endl;
+    return finishStandardOutput();
+}
+
+} // namespace
+
+po::options_description describeOptions() {
+    po::options_description options("Allowed options");
+    options.add_options()
+        // clang-format off
+        ("config_file,c", po::value<std::string>()->default_value(":/configure.xml"), "name of configuration file")
+        ("epoch", po::value<FiniteNumber>(), "estimated epoch of observation (yr)")
+        ("help,h", "display all the command arguments")
+        ("ha", po::value<FiniteNumber>(), "estimated hour angle of observation (hr)")
+        ("horizon_limit", po::value<FiniteNumber>()->default_value({25}, "25"), "horizon limit (deg)")
+        ("input,i", po::value<std::string>(), "input configuration file name")
+        ("output,o", po::value<std::string>(), "output configuration file name")
+        ("pressure", po::value<FiniteNumber>(), "estimated pressure at time of observation (mBar)")
+        ("version,v", "print version number");
+    // clang-format on
+    return options;
+}
+
+CommandLine parseCommandLine(int argc, const char* const* argv, const po::options_description& options) {
+    const po::parsed_options parsed = po::command_line_parser(argc, argv).options(options).run();
+    refuseLeftOver(parsed);
+    po::variables_map values;
+    po::store(parsed, values);
+    po::notify(values);
+
+    CommandLine commandLine{};
+    commandLine.help = values.count("help") != 0;
+    commandLine.version = values.count("version") != 0;
+    commandLine.configFile = values["config_file"].as<std::string>();
+    commandLine.input = optionalText(values, "input");
+    commandLine.output = optionalText(values, "output");
+    commandLine.hourAngle = optionalNumber(values, "ha", kHourAngleNotGiven);
+    commandLine.epoch = optionalNumber(values, "epoch", kNotGiven);
+    commandLine.pressure = optionalNumber(values, "pressure", kNotGiven);
+    commandLine.zenithDistanceLimit = degreesToRadians(90 - values["horizon_limit"].as<FiniteNumber>().value);
+    return commandLine;
+}
+
+int runCommandLine(int argc, const char* const* argv) {
+    const po::options_description options = describeOptions();
+    const CommandLine commandLine = parseCommandLine(argc, argv, options);
+    if (commandLine.help) {
+        std::cout << options << std::endl;
+        return finishStandardOutput();
+    }
+    const PosConfig config("configure_version", configure_version, commandLine.configFile.c_str(), PosConfig::XML);
+    if (commandLine.version) {
+        return printVersions();
+    }
+    if (!commandLine.input) {
+        std::cerr << "No input file" << std::endl;
+        return 1;
+    }
+    if (!commandLine.output) {
+        std::cerr << "No output file" << std::endl;
+        return 1;
+    }
+    qInitResources_config_files();
+    qInitResources_plate_files();
+    return veko_configure(config, *commandLine.input, *commandLine.output, commandLine.epoch, commandLine.hourAngle,
+                          commandLine.pressure, commandLine.zenithDistanceLimit);
+}
+
+} // namespace pos

@@ -1,0 +1,49 @@
+/**
+ * @file
+ * The command line.
+ */
+#ifndef POS_COMMANDLINE_H
+#define POS_COMMANDLINE_H
+
+#include <boost/program_options.hpp>
+#include <optional>
+#include <string>
+
+namespace pos {
+
+/** What the command line asks for. */
+struct CommandLine {
+    bool help = false;
+    bool version = false;
+    std::string configFile;
+    std::optional<std::string> input;
+    std::optional<std::string> output;
+    double epoch;               ///< Julian epoch, years; 0.0 when not given
+    double hourAngle;           ///< hours; 100.0 when not given
+    double pressure;            ///< millibar; 0.0 when not given
+    double zenithDistanceLimit; ///< radians
+};
+
+/** The options in the order of the help listing. */
+boost::program_options::options_description describeOptions();
+
+/**
+ * Reads the command line.
+ *
+ * @throw boost::program_options::error for an unknown option, a missing or malformed value (one that is not a finite
+ *     number included), or an argument that belongs to no option
+ */
+CommandLine parseCommandLine(int argc, const char* const* argv,
+                             const boost::program_options::options_description& options);
+
+/**
+ * Does what the command line asks for.
+ *
+ * @return the exit status
+ * @throw std::exception for a failure that is to be reported on the error stream
+ */
+int runCommandLine(int argc, const char* const* argv);
+
+} // namespace pos
+
+#endif

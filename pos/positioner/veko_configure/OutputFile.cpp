@@ -1,0 +1,220 @@
+#include "OutputFile.h"
+
+#include "fileAccess.h"
+
+#include <QSaveFile>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <linux/magic.h>
+#include <optional>
+#include <stdexcept>
+#include <sys/stat.h>
+#include <sys/vfs.h>
+#include <unistd.h>
+
+namespace pos {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/** The place that a name leads to. */
+struct Place {
+    fs::path path;            ///< the name behind all symbolic links
+    bool throughProc = false; ///< the path is one of the kernel's links for an open descriptor, not followed
+    bool exists = false;      ///< something is there, even if only behind such a link
+    struct stat status {};    ///< of what is there
+};
+
+/** An open file, closed when the object goes. */
+class Descriptor {
+public:
+    Descriptor(const char* name, int flags) : number_(::open(name, flags | O_CLOEXEC | O_NOCTTY, 0666)) {}
+    ~Descriptor() {
+        if (number_ >= 0) {
+            // What was to be kept has been synchronised.
+            static_cast<void>(::close(number_));
+        }
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    Descriptor(Descriptor&&) = delete;
+    Descriptor& operator=(Descriptor&&) = delete;
+
+    /** Negative where the file could not be opened. */
+    int number() const {
+        return number_;
+    }
+
+private:
+    int number_;
+};
+
+[[noreturn]] void failToOpen() {
+    throw std::runtime_error("File open error: Unable to open output file");
+}
+
+[[noreturn]] void failToWrite(const std::string& name, const std::string& reason) {
+    throw std::runtime_error("File write error: Unable to write output file " + name + ": " + reason);
+}
+
+fs::path folderOf(const fs::path& path) {
+    return path.has_parent_path() ? path.parent_path() : ".";
+}
+
+/** Follows symbolic links one by one, as the kernel does; the file classes would take "x/../y" for "y" on the way. */
+void followLinks(Place& place) {
+    constexpr int kMaxLinks = 40; // the kernel's own limit
+    for (int links = 0; links < kMaxLinks; ++links) {
+        std::error_code error;
+        const fs::path target = fs::read_symlink(place.path, error);
+        if (error) {
+            return;
+        }
+        const fs::path folder = folderOf(place.path);
+        struct statfs fileSystem {};
+        if (::statfs(folder.c_str(), &fileSystem) == 0 && fileSystem.f_type == PROC_SUPER_MAGIC) {
+            place.throughProc = true;
+            return;
+        }
+        place.path = folder / target;
+    }
+}
+
+/** @throw std::runtime_error for a name that can never be opened */
+Place findPlace(const std::string& name) {
+    if (!fileNameFromBytes(name) || name.front() == ':') {
+        failToOpen();
+    }
+    Place place{name};
+    place.exists = ::stat(name.c_str(), &place.status) == 0;
+    if (!place.exists && errno != ENOENT) {
+        failToOpen();
+    }
+    followLinks(place);
+    return place;
+}
+
+/**
+ * Writes at the current offset of an open file, ends the file at a size and makes sure of all that.
+ *
+ * @return the reason of a failure, or nothing
+ */
+std::optional<std::string> writeAll(int file, const QByteArray& content, qint64 size) {
+    for (qint64 written = 0; written < content.size();) {
+        errno = ENOSPC; // for a write that takes nothing and names no reason
+        const ssize_t count = ::write(file, content.constData() + written, size_t(content.size() - written));
+        if (count <= 0) {
+            return std::strerror(errno);
+        }
+        written += count;
+    }
+    // Pipes and devices can be neither cut nor synchronised.
+    if (::ftruncate(file, size) != 0 && errno != EINVAL) {
+        return std::strerror(errno);
+    }
+    if (::fdatasync(file) != 0 && errno != EINVAL && errno != ENOTSUP && errno != EROFS) {
+        return std::strerror(errno);
+    }
+    return std::nullopt;
+}
+
+/** Gives a new file owner, group and mode of the one that it will replace. @return false without the mode */
+bool takeOver(int file, const struct stat& previous) {
+    if (::fchown(file, previous.st_uid, previous.st_gid) != 0) {
+        // Without the privilege the file goes to the user who runs the program, and stays in its group if it can.
+        static_cast<void>(::fchown(file, static_cast<uid_t>(-1), previous.st_gid) == 0);
+    }
+    // Only now, because a change of owner clears some of its bits.
+    return ::fchmod(file, previous.st_mode & ALLPERMS) == 0;
+}
+
+/** Makes or replaces a file in one step. @return false where that cannot be done; then nothing has changed */
+bool replaceFile(const std::string& name, const Place& place, const QByteArray& content) {
+    std::error_code error;
+    const fs::path folder = fs::canonical(folderOf(place.path), error);
+    const std::optional<QString> fileName = fileNameFromBytes(folder / place.path.filename());
+    if (error || !fileName) {
+        return false;
+    }
+    QSaveFile file(*fileName);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
+        return false;
+    }
+    if (place.exists && !takeOver(file.handle(), place.status)) {
+        return false;
+    }
+    if (const auto reason = writeAll(file.handle(), content, content.size())) {
+        failToWrite(name, *reason);
+    }
+    return file.commit();
+}
+
+/** Makes a file where replaceFile() cannot, such as one with the longest of names. */
+void makeFile(const std::string& name, const Place& place, const QByteArray& content) {
+    const Descriptor file(place.path.c_str(), O_WRONLY | O_CREAT | O_EXCL);
+    if (file.number() < 0) {
+        failToOpen();
+    }
+    if (const auto reason = writeAll(file.number(), content, content.size())) {
+        static_cast<void>(::unlink(place.path.c_str()) == 0);
+        failToWrite(name, *reason);
+    }
+}
+
+/** Puts back what writeAll() has changed so far. @return whether the file has its old content again */
+bool putBack(int file, const QByteArray& oldContent) {
+    const off_t overwritten = ::lseek(file, 0, SEEK_CUR);
+    const bool cut = ::lseek(file, 0, SEEK_END) < oldContent.size();
+    // What is still there is not written again: beyond a limit of the file size that would fail.
+    const QByteArray lost = cut ? oldContent : oldContent.left(static_cast<int>(overwritten));
+    return overwritten >= 0 && ::lseek(file, 0, SEEK_SET) == 0 && !writeAll(file, lost, oldContent.size());
+}
+
+/**
+ * Overwrites a regular file in place. It is cut only after the last byte is written, so that on a full disk, or beyond
+ * the limit of file sizes, putting back the old content needs no space.
+ */
+void overwriteFile(const std::string& name, const QByteArray& content) {
+    const std::optional<QByteArray> oldContent = readFile(name);
+    const Descriptor file(name.c_str(), O_WRONLY);
+    if (file.number() < 0) {
+        failToOpen();
+    }
+    if (const auto reason = writeAll(file.number(), content, content.size())) {
+        const bool whole = oldContent && putBack(file.number(), *oldContent);
+        failToWrite(name, *reason + (whole ? "" : "; its old contents could not be put back"));
+    }
+}
+
+/** Writes into a device, a FIFO or the like. */
+void writeAsItIs(const std::string& name, const QByteArray& content) {
+    const Descriptor file(name.c_str(), O_WRONLY);
+    if (file.number() < 0) {
+        failToOpen();
+    }
+    if (const auto reason = writeAll(file.number(), content, content.size())) {
+        failToWrite(name, *reason);
+    }
+}
+
+} // namespace
+
+void writeFile(const std::string& name, const QByteArray& content) {
+    const Place place = findPlace(name);
+    const bool regular = place.exists && S_ISREG(place.status.st_mode);
+    if (!place.throughProc && (regular || !place.exists) && replaceFile(name, place, content)) {
+        return;
+    }
+    if (regular) {
+        overwriteFile(name, content);
+    } else if (place.exists) {
+        writeAsItIs(name, content);
+    } else {
+        makeFile(name, place, content);
+    }
+}
+
+} // namespace pos

@@ -1,0 +1,36 @@
+/**
+ * @file
+ * Writing the output so that it is whole or an error.
+ */
+#ifndef POS_OUTPUTFILE_H
+#define POS_OUTPUTFILE_H
+
+#include <QByteArray>
+#include <string>
+
+namespace pos {
+
+/**
+ * Writes a file whole.
+ *
+ * A missing or regular file is made or replaced in one step once the content is on disk: symbolic links keep pointing
+ * at the file that is replaced or made, other hard links keep the old content, mode and (where permitted) owner and
+ * group are kept. Where that cannot be done, a regular file that can be written is overwritten in place, owner, group
+ * and hard links and all: in a folder that takes no new files, another user's file in a sticky folder, a mount point.
+ * Anything else, such as a device or a FIFO (which waits for its reader), is opened and written as it is. So is a name
+ * under /proc that stands for an open descriptor, such as /dev/stdout; a regular file behind it is overwritten in place
+ * from its start.
+ *
+ * @param name file name, bytes as given
+ * @param content the whole content
+ * @throw std::runtime_error "File open error: Unable to open output file"; an older file is untouched. Names that can
+ *     never be opened: an empty one, one that is not UTF-8, and one that begins with ":" (an embedded resource)
+ * @throw std::runtime_error "File write error: Unable to write output file " + name + ": " + reason. The older file is
+ *     whole; where one was being overwritten in place and its old contents could not be put back, the message ends with
+ *     "; its old contents could not be put back". Where there was no file, there is none
+ */
+void writeFile(const std::string& name, const QByteArray& content);
+
+} // namespace pos
+
+#endif

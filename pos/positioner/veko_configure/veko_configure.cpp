@@ -1,0 +1,138 @@
+#include "veko_configure.h"
+
+#include "OutputFile.h"
+#include "Pointing.h"
+
+#include "CelestialPositionXML.h"
+#include "ConditionsXML.h"
+#include "FieldXML.h"
+#include "FocalPlaneXML.h"
+#include "LimitsCalc.h"
+#include "PosConfig.h"
+#include "TargetXML.h"
+#include "Veko.h"
+#include "VekoTargets.h"
+#include "VekoXML.h"
+#include "Version.h"
+#include "angles.h"
+#include "numberText.h"
+#include "xmlKeywords.h"
+#include "xmlSerialise.h"
+#include "xmlStructure.h"
+
+#include <iostream>
+#include <optional>
+#include <stdexcept>
+
+namespace {
+
+using namespace pos;
+
+/** The document, unless it cannot be loaded; then the error stream has said so. */
+std::optional<QDomDocument> loadDocument(const std::string& input) {
+    try {
+        return loadXmlFile(input);
+    } catch (const std::exception& error) {
+        std::cerr << "Error parsing field definition file: " << error.what() << std::endl;
+        return std::nullopt;
+    }
+}
+
+QDomElement requireConfigureElement(const QDomElement& root) {
+    QDomElement configure = findConfigureElement(root);
+    if (configure.isNull()) {
+        throw std::runtime_error("Configure element not found");
+    }
+    return configure;
+}
+
+void saveHourAngleLimits(std::pair<double, double> limits, QDomDocument document, QDomElement configure) {
+    QDomElement element = findOrCreateChild(document, configure, tag::hourAngleLimits);
+    element.setAttribute(attr::latest, fixedText(radiansToHours(limits.first), 4));
+    element.setAttribute(attr::earliest, fixedText(radiansToHours(limits.second), 4));
+}
+
+/**
+ * Configures the bundle on one field.
+ *
+ * @param observation receives the field centre too; a null element for every field but the first
+ * @param defaultEpoch Julian epoch of generated positions, years
+ */
+void configureField(Veko& veko, const QDomElement& field, const QDomElement& observation, double defaultEpoch) {
+    const VekoTargets targets = findVekoTargets(field);
+    const Target science = createTargetXML(targets.science);
+    const std::uint32_t fibre = scienceFibre(science);
+    placeVeko(veko, science, fibre);
+
+    const Astrometric centre = vekoFieldCentre(veko);
+    saveAstrometricXML(centre, field);
+    saveAstrometricXML(centre, observation);
+
+    saveVekoTargets(veko, field, targets.science, fibre, defaultEpoch);
+    saveGuideStar(veko, targets.guide);
+}
+
+void configureFields(Veko& veko, const QDomElement& root, QDomElement observation, double defaultEpoch) {
+    for (QDomElement field = findFieldElement(root, QDomElement()); !field.isNull();
+         field = findFieldElement(root, field)) {
+        configureField(veko, field, observation, defaultEpoch);
+        observation.clear();
+    }
+}
+
+/** Writes the document. @return the exit status; where it is 1, the error stream has said why */
+int saveDocument(const std::string& output, const QDomDocument& document) {
+    try {
+        writeFile(output, serialiseXml(document));
+        return 0;
+    } catch (const std::runtime_error& error) {
+        std::cerr << error.what() << std::endl;
+        return 1;
+    }
+}
+
+} // namespace
+
+int veko_configure(const PosConfig& config, const std::string& input, const std::string& output, double epoch,
+                   double hourAngle, double pressure, double zenithDistanceLimit) {
+    const auto defaultEpoch = config.get<double>("default_epoch");
+    const std::optional<QDomDocument> loaded = loadDocument(input);
+    if (!loaded) {
+        return 1;
+    }
+    const QDomDocument& document = *loaded;
+    const QDomElement root = document.documentElement();
+    const QDomElement observation = findObservationElement(root);
+    const double positionAngle = degreesToRadians(observation.attribute(attr::pa).toDouble());
+
+    QDomElement configure = requireConfigureElement(root);
+    const QDomElement conditionsElement = findOrCreateConditionsElement(configure);
+    Conditions conditions = createConditionsXML(conditionsElement);
+    const std::optional<double> date = resolveDate(epoch, conditions);
+    if (!date) {
+        std::cerr << "No epoch specified" << std::endl;
+        return 1;
+    }
+    const std::optional<double> wantedHourAngle = resolveHourAngle(hourAngle, conditionsElement);
+    if (!wantedHourAngle) {
+        std::cerr << "Bad hour angle in XML" << std::flush;
+        return 1;
+    }
+    conditions.epoch = *date;
+    conditions.pressure = resolvePressure(pressure, conditions);
+    configure.setAttribute(attr::configureVersion, QString::fromStdString(configure_version));
+
+    const std::unique_ptr<Field> firstField = createFieldXML(findFieldElement(root, QDomElement()));
+    const std::unique_ptr<Veko> veko =
+        createVekoXML(config, config.getFilename("veko_definition"), *firstField, conditions);
+    FocalPlane& focalPlane = veko->focalPlane;
+    pointFocalPlane(focalPlane, positionAngle, *wantedHourAngle);
+    const LimitsCalc limits(config, focalPlane, zenithDistanceLimit);
+    checkLimits(limits);
+
+    saveConditionsXML(focalPlane.conditions(), focalPlane.hourAngle(), document, configure);
+    saveHourAngleLimits(limits.hourAngleLimits(), document, configure);
+    saveFocalPlaneXML(focalPlane, document, configure);
+    configureFields(*veko, root, observation, defaultEpoch);
+    return saveDocument(output, document);
+}
