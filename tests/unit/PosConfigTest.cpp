@@ -1,0 +1,248 @@
+#include "PosConfig.h"
+#include "ProcessWideState.h"
+#include "TemporaryFolder.h"
+#include "Version.h"
+#include "surroundings.h"
+#include "thrown.h"
+
+#include <boost/property_tree/xml_parser.hpp>
+#include <sstream>
+
+using namespace pos;
+
+using boost::property_tree::ptree_bad_data;
+using boost::property_tree::ptree_bad_path;
+using boost::property_tree::xml_parser_error;
+
+namespace {
+
+/** A configuration file on disk and its loading. */
+class PosConfigTest : public ProcessWideState {
+protected:
+    PosConfig load(const std::string& content) const {
+        return {folder_.write("configure.xml", content).c_str(), PosConfig::XML};
+    }
+    PosConfig loadForVersion(const std::string& version, const std::string& content) const {
+        return {"configure_version", version, folder_.write("configure.xml", content).c_str(), PosConfig::XML};
+    }
+    template <typename E = std::runtime_error> std::string refusalOf(const std::string& content) const {
+        return messageOf<E>([&] { load(content); });
+    }
+
+    const TemporaryFolder folder_;
+};
+
+std::string openingFailureOf(const std::string& name) {
+    return messageOf([&] { const PosConfig config(name.c_str(), PosConfig::XML); });
+}
+
+/** What the parser itself says about a text. */
+std::string xmlErrorOf(const std::string& content) {
+    return messageOf<xml_parser_error>([&] {
+        std::istringstream text(content);
+        boost::property_tree::ptree tree;
+        boost::property_tree::read_xml(text, tree);
+    });
+}
+
+} // namespace
+
+TEST_F(PosConfigTest, ProgramVersionIsAConstantAndDataModelVersionStartsEmpty) {
+    EXPECT_EQ(configure_version, "3.3.5");
+    EXPECT_EQ(datamver, "");
+}
+
+TEST_F(PosConfigTest, EmbeddedConfigurationPassesTheVersionCheckAndSetsTheDataModelVersion) {
+    const PosConfig config("configure_version", "3.3.5", ":/configure.xml", PosConfig::XML);
+    EXPECT_EQ(datamver, "8.00");
+    EXPECT_EQ(config.get<std::string>("<xmlattr>.datamver"), "8.00");
+}
+
+TEST_F(PosConfigTest, KeysAreRelativeToTheRootElementWhateverItsName) {
+    const PosConfig config = load("<site datamver='8.00' name='x'><a><b c='3'>2</b></a></site>");
+    EXPECT_EQ(config.get<std::string>("a.b"), "2");
+    EXPECT_EQ(config.get<std::string>("a.b.<xmlattr>.c"), "3");
+    EXPECT_EQ(config.get<std::string>("<xmlattr>.name"), "x");
+    EXPECT_EQ(messageOf<ptree_bad_path>([&] { config.get<std::string>("site.a.b"); }), "No such node (site.a.b)");
+}
+
+TEST_F(PosConfigTest, WhatPrecedesTheRootElementIsSkipped) {
+    const PosConfig config = load("<?xml version='1.0' encoding='UTF-8'?>\n<!-- one -->\n<!DOCTYPE c>\n<!-- two -->\n"
+                                  "<c datamver='8.00'><a>1</a></c>\n<!-- three -->\n");
+    EXPECT_EQ(config.get<double>("a"), 1.0);
+    EXPECT_EQ(datamver, "8.00");
+}
+
+TEST_F(PosConfigTest, FirstOfTwoRootElementsIsTheStore) {
+    const PosConfig config = load("<one datamver='8.00'><a>1</a></one><two datamver='9.00'><a>2</a></two>");
+    EXPECT_EQ(config.get<double>("a"), 1.0);
+    EXPECT_EQ(datamver, "8.00");
+}
+
+TEST_F(PosConfigTest, FirstOfRepeatedElementsAnswers) {
+    EXPECT_EQ(load("<c datamver='8.00'><a>1</a><a>2</a></c>").get<double>("a"), 1.0);
+}
+
+TEST_F(PosConfigTest, CommentsInsideTheRootDoNotDisturbValues) {
+    const PosConfig config = load("<c datamver='8.00'><!-- a --><a><!-- b -->5.5<!-- c --></a></c>");
+    EXPECT_EQ(config.get<double>("a"), 5.5);
+}
+
+TEST_F(PosConfigTest, TextsKeepTheirBlanksAndNumbersIgnoreThem) {
+    const PosConfig config = load("<c datamver='8.00'><a>\n 2.5 \n</a></c>");
+    EXPECT_EQ(config.get<std::string>("a"), "\n 2.5 \n");
+    EXPECT_EQ(config.get<double>("a"), 2.5);
+}
+
+TEST_F(PosConfigTest, FileIsReadAsText) {
+    EXPECT_EQ(load("<c datamver='8.00'><a>1\r\n2</a></c>").get<std::string>("a"), "1\n2");
+}
+
+TEST_F(PosConfigTest, FirstLoadDefinesTheDataModelVersion) {
+    load("<c datamver='7.00'/>");
+    EXPECT_EQ(datamver, "7.00");
+    EXPECT_NO_THROW(load("<c datamver='7.00'/>"));
+    EXPECT_EQ(messageOf([] { const PosConfig config(":/configure.xml", PosConfig::XML); }),
+              "data model version mismatch");
+    EXPECT_EQ(datamver, "7.00");
+}
+
+TEST_F(PosConfigTest, SecondLoadWithAnotherDataModelVersionFails) {
+    const PosConfig embedded(":/configure.xml", PosConfig::XML);
+    EXPECT_EQ(refusalOf("<c datamver='7.00'/>"), "data model version mismatch");
+    EXPECT_EQ(refusalOf("<c datamver='8.0'/>"), "data model version mismatch");
+    EXPECT_EQ(refusalOf("<c datamver=' 8.00'/>"), "data model version mismatch");
+    EXPECT_EQ(refusalOf("<c datamver=''/>"), "data model version mismatch");
+    EXPECT_EQ(datamver, "8.00");
+}
+
+TEST_F(PosConfigTest, EmptyDataModelVersionLeavesTheVersionOpen) {
+    load("<c datamver=''/>");
+    EXPECT_EQ(datamver, "");
+    load("<c datamver='7.00'/>");
+    EXPECT_EQ(datamver, "7.00");
+}
+
+TEST_F(PosConfigTest, FileWithoutDataModelVersionIsRefused) {
+    const std::string missing = "No such node (<xmlattr>.datamver)";
+    EXPECT_EQ(refusalOf<ptree_bad_path>("<c/>"), missing);
+    EXPECT_EQ(refusalOf<ptree_bad_path>("<c><d datamver='8.00'/></c>"), missing);
+    EXPECT_EQ(refusalOf<ptree_bad_path>("<c><datamver>8.00</datamver></c>"), missing);
+    EXPECT_EQ(datamver, "");
+}
+
+TEST_F(PosConfigTest, FileWithoutARootElementHasNoDataModelVersion) {
+    const std::string missing = "No such node (<xmlattr>.datamver)";
+    EXPECT_EQ(refusalOf<ptree_bad_path>(""), missing);
+    EXPECT_EQ(refusalOf<ptree_bad_path>("<!-- nothing but a comment -->"), missing);
+    EXPECT_EQ(refusalOf<ptree_bad_path>("<?xml version='1.0'?>\n"), missing);
+}
+
+TEST_F(PosConfigTest, FileForAnotherProgramVersionIsRefused) {
+    for (const std::string version : {"3.3.4", "3.3.50", "3.3", "", " 3.3.5", "3.3.5\n"}) {
+        const std::string content = "<c datamver='8.00'><configure_version>" + version + "</configure_version></c>";
+        EXPECT_EQ(messageOf([&] { loadForVersion("3.3.5", content); }), "config file version mismatch") << version;
+    }
+}
+
+TEST_F(PosConfigTest, VersionIsTheTextAtTheGivenKey) {
+    const TemporaryFolder folder;
+    const std::string name = folder.write("c.xml", "<c datamver='8.00'><v><w>1.x</w></v></c>");
+    EXPECT_NO_THROW(PosConfig("v.w", "1.x", name.c_str(), PosConfig::XML));
+    EXPECT_NO_THROW(PosConfig("<xmlattr>.datamver", "8.00", name.c_str(), PosConfig::XML));
+    EXPECT_EQ(messageOf([&] { PosConfig("v.w", "1.X", name.c_str(), PosConfig::XML); }),
+              "config file version mismatch");
+}
+
+TEST_F(PosConfigTest, FileWithoutAProgramVersionIsRefused) {
+    EXPECT_EQ(messageOf<ptree_bad_path>([&] { loadForVersion("3.3.5", "<c datamver='8.00'/>"); }),
+              "No such node (configure_version)");
+}
+
+TEST_F(PosConfigTest, DataModelVersionIsFixedAndCheckedBeforeTheProgramVersion) {
+    const std::string content = "<c datamver='7.00'><configure_version>3.3.4</configure_version></c>";
+    EXPECT_EQ(messageOf([&] { loadForVersion("3.3.5", content); }), "config file version mismatch");
+    EXPECT_EQ(datamver, "7.00");
+    datamver = "8.00";
+    EXPECT_EQ(messageOf([&] { loadForVersion("3.3.5", content); }), "data model version mismatch");
+}
+
+TEST_F(PosConfigTest, FileThatCannotBeOpenedIsNamed) {
+    const std::string failure = "Unable to open config file: ";
+    EXPECT_EQ(openingFailureOf("/nonexistent/x.xml"), failure + "/nonexistent/x.xml");
+    EXPECT_EQ(openingFailureOf(":/missing.xml"), failure + ":/missing.xml");
+    EXPECT_EQ(openingFailureOf(folder_.name()), failure + folder_.name());
+    EXPECT_EQ(openingFailureOf(""), failure);
+    EXPECT_EQ(openingFailureOf("\xff.xml"), failure + "\xff.xml");
+}
+
+TEST_F(PosConfigTest, MalformedXmlIsRefusedWithTheParsersMessage) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"<c datamver='8.00'>\n<a", "<unspecified file>(2): expected >"},
+        {"<c datamver='8.00'>", "<unspecified file>(1): unexpected end of data"},
+        {"text", "<unspecified file>(1): expected <"},
+        {"<c datamver=8/>", "<unspecified file>(1): expected ' or \""},
+        {"<!-- comment", "<unspecified file>(1): unexpected end of data"},
+    };
+    for (const auto& [content, message] : rows) {
+        EXPECT_EQ(xmlErrorOf(content), message);
+        EXPECT_EQ(refusalOf<xml_parser_error>(content), message);
+    }
+    EXPECT_EQ(datamver, "");
+}
+
+TEST_F(PosConfigTest, NullNameMeansTheFileOfTheEnvironmentVariable) {
+    const std::string name = folder_.write("env.xml", "<c datamver='8.00'><v>1</v><f>map.xml</f></c>");
+    const EnvironmentVariable variable("VANTE_POS_CONFIG", name);
+    const PosConfig config(nullptr, PosConfig::XML);
+    EXPECT_EQ(config.get<std::string>("v"), "1");
+    EXPECT_EQ(config.getFilename("f"), folder_.path("map.xml"));
+    EXPECT_NO_THROW(PosConfig("v", "1", nullptr, PosConfig::XML));
+    EXPECT_EQ(messageOf([] { PosConfig("v", "2", nullptr, PosConfig::XML); }), "config file version mismatch");
+}
+
+TEST_F(PosConfigTest, EnvironmentVariableMayNameAnEmbeddedResource) {
+    const EnvironmentVariable variable("VANTE_POS_CONFIG", ":/configure.xml");
+    EXPECT_EQ(PosConfig(nullptr, PosConfig::XML).get<double>("default_epoch"), 2016.0);
+}
+
+TEST_F(PosConfigTest, NullNameWithoutTheEnvironmentVariableFails) {
+    const EnvironmentVariable variable("VANTE_POS_CONFIG", std::nullopt);
+    const std::string expected = "VANTE_POS_CONFIG environment variable not set";
+    EXPECT_EQ(messageOf([] { const PosConfig config(nullptr, PosConfig::XML); }), expected);
+    EXPECT_EQ(messageOf([] { const PosConfig config(nullptr, PosConfig::INFO); }), expected);
+    EXPECT_EQ(messageOf([] { const PosConfig config("v", "1", nullptr, PosConfig::XML); }), expected);
+}
+
+TEST_F(PosConfigTest, EnvironmentVariableWithoutAFileFails) {
+    const EnvironmentVariable missing("VANTE_POS_CONFIG", "/nonexistent/x.xml");
+    EXPECT_EQ(messageOf([] { const PosConfig config(nullptr, PosConfig::XML); }),
+              "Unable to open config file: /nonexistent/x.xml");
+    const EnvironmentVariable empty("VANTE_POS_CONFIG", "");
+    EXPECT_EQ(messageOf([] { const PosConfig config(nullptr, PosConfig::XML); }), "Unable to open config file: ");
+}
+
+TEST_F(PosConfigTest, EnvironmentVariableIsIgnoredWhenANameIsGiven) {
+    const EnvironmentVariable variable("VANTE_POS_CONFIG", "/nonexistent/x.xml");
+    EXPECT_NO_THROW(PosConfig(":/configure.xml", PosConfig::XML));
+    EXPECT_EQ(openingFailureOf(""), "Unable to open config file: ");
+}
+
+TEST_F(PosConfigTest, MissingKeyIsNamed) {
+    const PosConfig config(":/configure.xml", PosConfig::XML);
+    EXPECT_EQ(messageOf<ptree_bad_path>([&] { config.get<double>("telescope.nothing"); }),
+              "No such node (telescope.nothing)");
+    EXPECT_EQ(messageOf<ptree_bad_path>([&] { config.getAngle("nothing.at.all"); }), "No such node (nothing.at.all)");
+    EXPECT_EQ(messageOf<ptree_bad_path>([&] { config.getFilename("nothing"); }), "No such node (nothing)");
+    EXPECT_EQ(messageOf<ptree_bad_path>([&] { config.get<std::string>("Telescope"); }), "No such node (Telescope)");
+}
+
+TEST_F(PosConfigTest, ValueThatIsNotANumberNamesTheType) {
+    const PosConfig config = load("<c datamver='8.00'><a>x</a><b>1.5x</b><c/><d>1,5</d><e>1 2</e></c>");
+    // "d" is the compiler's name of double.
+    const std::string expected = "conversion of data to type \"d\" failed";
+    for (const std::string key : {"a", "b", "c", "d", "e"}) {
+        EXPECT_EQ(messageOf<ptree_bad_data>([&] { config.get<double>(key); }), expected) << key;
+        EXPECT_EQ(messageOf<ptree_bad_data>([&] { config.getAngle(key); }), expected) << key;
+    }
+}
