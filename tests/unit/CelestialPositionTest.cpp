@@ -1,0 +1,209 @@
+#include "CelestialPosition.h"
+#include "Conditions.h"
+#include "tolerances.h"
+
+#include <cmath>
+#include <erfa.h>
+#include <gtest/gtest.h>
+#include <limits>
+#include <vector>
+
+using namespace pos;
+
+namespace {
+
+constexpr double kPiText = 3.141592653589793;
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+/** One milliarcsecond, radians: the cosine of the declination below which a place counts as the pole. */
+constexpr double kPoleCosine = 4.8481368110953594e-9;
+
+/** A date on the TAI scale whose TT in days differs from it in more than the last bit. */
+constexpr double kDate = 57754.375;
+
+/** TT of a date as the library takes it: 2400000.5 and the MJD, plus 32.184 s. */
+struct TerrestrialTime {
+    double first = 0.0;
+    double second = 0.0;
+
+    explicit TerrestrialTime(double mjdTai) {
+        EXPECT_EQ(eraTaitt(2400000.5, mjdTai, &first, &second), 0);
+        // The library adds the seconds to the smaller part.
+        EXPECT_NEAR(((first - 2400000.5) + (second - mjdTai)) * 86400.0, 32.184, 1e-4);
+    }
+};
+
+/** Proper motions of the bright and near stars, as catalogues give them. */
+const std::vector<ICRS> kStars = {
+    {4.69, 0.08, 2000.0, -798.58, 10328.12, 0.5469, -110.5}, // fast, near, approaching
+    {1.77, -0.29, 2016.0, -546.01, -1223.07, 0.37921, -5.5}, // bright
+    {0.66, 1.5578, 2000.0, 44.48, -11.85, 0.00754, -16.4},   // less than a degree from the pole
+    {3.1, -1.2, 1991.25, -3781.0, 769.0, 0.7687, -22.4},     // south
+    {-0.5, 0.4, 2015.5, 3.0, -4.0, 0.0, 0.0},                // no known distance; right ascension below 0
+};
+
+} // namespace
+
+TEST(CelestialPosition, FieldsStandInTheOrderOfTheCatalogue) {
+    const ICRS star{1, 2, 3, 4, 5, 6, 7};
+    EXPECT_EQ(star.ra, 1);
+    EXPECT_EQ(star.dec, 2);
+    EXPECT_EQ(star.epoch, 3);
+    EXPECT_EQ(star.pmRa, 4);
+    EXPECT_EQ(star.pmDec, 5);
+    EXPECT_EQ(star.parallax, 6);
+    EXPECT_EQ(star.rv, 7);
+    const Conditions conditions{1, 2, 3, 4};
+    EXPECT_EQ(conditions.epoch, 1);
+    EXPECT_EQ(conditions.temperature, 2);
+    EXPECT_EQ(conditions.pressure, 3);
+    EXPECT_EQ(conditions.relativeHumidity, 4);
+}
+
+TEST(CelestialPosition, ProperMotionInRightAscensionLosesItsCosine) {
+    // One arcsecond a year on the sky at 60 degrees is two arcseconds a year of right ascension.
+    const auto [raRate, decRate] = ICRS{0.0, kPiText / 3, 2000.0, 1000.0, -2000.0, 0.0, 0.0}.pmAsRadYr();
+    const double arcsecond = 4.84813681109536e-6; // radians, as published
+    EXPECT_NEAR(raRate, 2 * arcsecond, 1e-18);
+    EXPECT_NEAR(decRate, -2 * arcsecond, 1e-18);
+}
+
+TEST(CelestialPosition, ProperMotionIsConvertedInTheStatedOrder) {
+    for (const ICRS& star : kStars) {
+        const auto [raRate, decRate] = star.pmAsRadYr();
+        EXPECT_EQ(raRate, star.pmRa / 1000 / 3600 / 180 * kPiText / std::cos(star.dec));
+        EXPECT_EQ(decRate, star.pmDec / 1000 / 3600 / 180 * kPiText);
+    }
+}
+
+TEST(CelestialPosition, ProperMotionInRightAscensionIsDroppedAtThePoles) {
+    for (const double pole : {kPiText / 2, -kPiText / 2}) {
+        const auto [raRate, decRate] = ICRS{1.0, pole, 2000.0, 1000.0, 500.0, 0.0, 0.0}.pmAsRadYr();
+        EXPECT_EQ(raRate, 0.0);
+        EXPECT_EQ(decRate, 500.0 / 1000 / 3600 / 180 * kPiText);
+    }
+}
+
+TEST(CelestialPosition, ThePoleEndsAMilliarcsecondFromIt) {
+    for (const double side : {1.0, -1.0}) {
+        const double within = side * (kPiText / 2 - 4.84e-9);
+        const double outside = side * (kPiText / 2 - 4.86e-9);
+        ASSERT_LT(std::cos(within), kPoleCosine);
+        ASSERT_GT(std::cos(outside), kPoleCosine);
+        EXPECT_EQ((ICRS{0.0, within, 2000.0, 1.0, 0.0, 0.0, 0.0}.pmAsRadYr().first), 0.0);
+        // One milliarcsecond a year at one milliarcsecond (4.848e-9 rad) of distance is about a radian a year.
+        EXPECT_NEAR((ICRS{0.0, outside, 2000.0, 1.0, 0.0, 0.0, 0.0}.pmAsRadYr().first), 4.8481368 / 4.86, 1e-6);
+    }
+}
+
+TEST(CelestialPosition, WithoutAnEpochNoSpaceMotionIsApplied) {
+    for (const double epoch : {0.0, -0.0, -2000.0, kNaN}) {
+        const Astrometric place = ICRS{7.5, -1.9, epoch, 1e6, -1e6, 0.7, 300.0}.toAstrometric(kDate);
+        EXPECT_EQ(place.ra, 7.5) << epoch;
+        EXPECT_EQ(place.dec, -1.9) << epoch;
+    }
+}
+
+TEST(CelestialPosition, ThePositionMovesByItsProperMotion) {
+    // 17 years from J2000.0 to J2017.0 (JD 2457754.25 TT) at 0.1" a year northwards and 0.2" westwards.
+    const double arcsecond = 4.84813681109536e-6;
+    const ICRS star{2.0, 0.5, 2000.0, -200.0, 100.0, 0.0, 0.0};
+    const Astrometric place = star.toAstrometric(57753.75);
+    const double tolerance = arcsecond / 10000; // the path is a great circle
+    EXPECT_NEAR(place.dec - star.dec, 1.7 * arcsecond, tolerance);
+    EXPECT_NEAR((place.ra - star.ra) * std::cos(0.5), -3.4 * arcsecond, tolerance);
+}
+
+TEST(CelestialPosition, SpaceMotionIsTheLibrarysFromTheEpochToTerrestrialTime) {
+    const TerrestrialTime tt(kDate);
+    for (const ICRS& star : kStars) {
+        double start1 = 0.0;
+        double start2 = 0.0;
+        eraEpj2jd(star.epoch, &start1, &start2);
+        const double raRate = star.pmRa / 1000 / 3600 / 180 * kPiText / std::cos(star.dec);
+        const double decRate = star.pmDec / 1000 / 3600 / 180 * kPiText;
+        Astrometric expected{};
+        double unused[4] = {};
+        eraPmsafe(star.ra, star.dec, raRate, decRate, star.parallax, star.rv, start1, start2, tt.first, tt.second,
+                  &expected.ra, &expected.dec, &unused[0], &unused[1], &unused[2], &unused[3]);
+        const Astrometric place = star.toAstrometric(kDate);
+        EXPECT_EQ(place.ra, expected.ra) << star.ra;
+        EXPECT_EQ(place.dec, expected.dec) << star.ra;
+    }
+}
+
+TEST(CelestialPosition, WarningsOfTheSpaceMotionAreIgnored) {
+    const TerrestrialTime tt(kDate);
+    struct Row {
+        double parallax;
+        double rv;
+        int status;
+    };
+    // 1: the distance was replaced; 2: the speed was set to zero; 3: both.
+    for (const Row& row : std::vector<Row>{{-1.0, 10.0, 1}, {0.5, 4e5, 2}, {-1.0, -4e5, 3}}) {
+        Astrometric expected{};
+        double unused[4] = {};
+        ASSERT_EQ(eraPmsafe(1.0, 0.5, 0.0, 0.0, row.parallax, row.rv, 2400000.5, 51544.5, tt.first, tt.second,
+                            &expected.ra, &expected.dec, &unused[0], &unused[1], &unused[2], &unused[3]),
+                  row.status);
+        const Astrometric place = ICRS{1.0, 0.5, 2000.0, 0.0, 0.0, row.parallax, row.rv}.toAstrometric(kDate);
+        EXPECT_EQ(place.ra, expected.ra) << row.status;
+        EXPECT_EQ(place.dec, expected.dec) << row.status;
+    }
+}
+
+TEST(CelestialPosition, TheApparentPlaceIsTheLibrarysWithoutSpaceMotion) {
+    for (const double date : {kDate, 0.0, -678955.5, 2457389.0}) {
+        const TerrestrialTime tt(date);
+        for (const Astrometric& place : std::vector<Astrometric>{{0.0, 0.0}, {1.0, 0.5}, {6.2, -1.5}, {7.5, 1.9}}) {
+            CIRS expected{};
+            double equationOfOrigins = 0.0;
+            eraAtci13(place.ra, place.dec, 0.0, 0.0, 0.0, 0.0, tt.first, tt.second, &expected.ra, &expected.dec,
+                      &equationOfOrigins);
+            const CIRS apparent = place.toCirs(date);
+            EXPECT_EQ(apparent.ra, expected.ra) << date;
+            EXPECT_EQ(apparent.dec, expected.dec) << date;
+        }
+    }
+}
+
+TEST(CelestialPosition, TheAstrometricPlaceIsTheLibrarys) {
+    for (const double date : {kDate, 0.0, -678955.5, 2457389.0}) {
+        const TerrestrialTime tt(date);
+        for (const CIRS& place : std::vector<CIRS>{{0.0, 0.0}, {1.0, 0.5}, {6.2, -1.5}, {7.5, 1.9}}) {
+            Astrometric expected{};
+            double equationOfOrigins = 0.0;
+            eraAtic13(place.ra, place.dec, tt.first, tt.second, &expected.ra, &expected.dec, &equationOfOrigins);
+            const Astrometric astrometric = place.toAstrometric(date);
+            EXPECT_EQ(astrometric.ra, expected.ra) << date;
+            EXPECT_EQ(astrometric.dec, expected.dec) << date;
+        }
+    }
+}
+
+TEST(CelestialPosition, TheApparentPlaceOfJ2000DiffersByNoMoreThanAberrationAndNutation) {
+    // At J2000.0 nothing has precessed: annual aberration (20.5") and nutation (17") are what is left.
+    const CIRS apparent = Astrometric{1.0, 0.5}.toCirs(51544.5);
+    const double arcsecond = 4.84813681109536e-6;
+    EXPECT_NEAR(apparent.dec, 0.5, 40 * arcsecond);
+    EXPECT_NEAR(apparent.ra, 1.0, 40 * arcsecond);
+    EXPECT_NE(apparent.dec, 0.5);
+}
+
+TEST(CelestialPosition, ApparentAndAstrometricPlaceAreInverse) {
+    for (double ra = 0.1; ra < 6.28; ra += 0.6) {
+        for (const double dec : {-1.4, -0.7, 0.0, 0.5, 1.2}) {
+            const Astrometric back = Astrometric{ra, dec}.toCirs(kDate).toAstrometric(kDate);
+            EXPECT_NEAR((back.ra - ra) * std::cos(dec), 0.0, kMicroarcsecond) << ra << ' ' << dec;
+            EXPECT_NEAR(back.dec, dec, kMicroarcsecond) << ra << ' ' << dec;
+        }
+    }
+}
+
+TEST(CelestialPosition, DatesThatAreNoNumbersComeToAnEnd) {
+    EXPECT_TRUE(std::isnan((Astrometric{1.0, 0.5}.toCirs(kNaN).ra)));
+    EXPECT_TRUE(std::isnan((CIRS{1.0, 0.5}.toAstrometric(kNaN).ra)));
+    const Astrometric still = ICRS{1.0, 0.5, 0.0, 1.0, 1.0, 1.0, 1.0}.toAstrometric(kNaN);
+    EXPECT_EQ(still.ra, 1.0);
+    EXPECT_EQ(still.dec, 0.5);
+}

@@ -1,0 +1,347 @@
+#include "FocalPlaneCoordinates.h"
+#include "ProcessWideState.h"
+#include "TemporaryFolder.h"
+#include "telescope.h"
+#include "thrown.h"
+#include "tolerances.h"
+#include "xml.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+
+using namespace pos;
+
+namespace {
+
+class FocalPlaneCoordinatesTest : public ProcessWideState {};
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+/** One degree of field angle in the embedded map: 202.841 + 3.0191 - 0.0995944 mm. */
+constexpr double kRadiusAtOneDegree = 205.7605056;
+/** The embedded map's focal length, mm. */
+constexpr double kFocalLength = 11724.24;
+
+/** The embedded map's polynomial, degrees to mm. */
+double polynomial(double theta) {
+    return 202.841 * theta + 3.0191 * std::pow(theta, 3) - 0.0995944 * std::pow(theta, 5);
+}
+
+/** A map with this attribute text on its root and below. */
+QDomDocument map(const std::string& root, const std::string& coefficients) {
+    return parseDocument("<focal_plane_map " + root + "><optical_axis/><distortion_coefficients " + coefficients +
+                         "/></focal_plane_map>");
+}
+
+/** The position of a point of the tangent plane before rotation, mm. */
+std::pair<double, double> project(double xi, double eta) {
+    return FocalPlaneCoordinates(0, 0).project(xi, eta);
+}
+
+std::pair<double, double> unproject(double x, double y) {
+    return FocalPlaneCoordinates(0, 0).unproject(x, y);
+}
+
+} // namespace
+
+TEST_F(FocalPlaneCoordinatesTest, TheOpticalAxisMapsToTheOriginBothWays) {
+    const FocalPlaneCoordinates origin(StandardCoordinates{0.0, 0.0});
+    EXPECT_EQ(origin.x, 0.0);
+    EXPECT_EQ(origin.y, 0.0);
+    const StandardCoordinates back(FocalPlaneCoordinates(0.0, 0.0));
+    EXPECT_EQ(back.xi, 0.0);
+    EXPECT_EQ(back.eta, 0.0);
+}
+
+TEST_F(FocalPlaneCoordinatesTest, OneDegreeNorthLiesAtTheSumOfTheCoefficients) {
+    const FocalPlaneCoordinates north(StandardCoordinates{0.0, rad(1.0)});
+    EXPECT_NEAR(north.x, 0.0, kPlateToleranceMm);
+    EXPECT_NEAR(north.y, kRadiusAtOneDegree, kPlateToleranceMm);
+}
+
+TEST_F(FocalPlaneCoordinatesTest, OneDegreeEastLiesTowardsNegativeX) {
+    const FocalPlaneCoordinates east(StandardCoordinates{rad(1.0), 0.0});
+    EXPECT_NEAR(east.x, -kRadiusAtOneDegree, kPlateToleranceMm);
+    EXPECT_NEAR(east.y, 0.0, kPlateToleranceMm);
+}
+
+TEST_F(FocalPlaneCoordinatesTest, ThePolynomialIsOfTheFieldAngleInDegrees) {
+    for (const double degrees : {0.01, 0.3, 0.7, 1.0, 1.2}) {
+        // Along the direction (3, 4) / 5; project takes xi as it comes, unreflected.
+        const auto [x, y] = project(rad(degrees) * 0.6, rad(degrees) * 0.8);
+        EXPECT_NEAR(x, 0.6 * polynomial(degrees), kPlateToleranceMm) << degrees;
+        EXPECT_NEAR(y, 0.8 * polynomial(degrees), kPlateToleranceMm) << degrees;
+    }
+}
+
+TEST_F(FocalPlaneCoordinatesTest, ProjectionIsLinearBelowANanoradian) {
+    // The focal length per radian and c1 per degree differ by nearly one per cent.
+    const auto [x, y] = project(0.6e-9, -0.7e-9);
+    EXPECT_EQ(x, kFocalLength * 0.6e-9);
+    EXPECT_EQ(y, kFocalLength * -0.7e-9);
+    const double atTheEdge = project(0.0, 1e-9).second;
+    EXPECT_NEAR(atTheEdge, 202.841 * 180e-9 / kTestPi, 1e-18);
+    EXPECT_NE(atTheEdge, kFocalLength * 1e-9);
+}
+
+TEST_F(FocalPlaneCoordinatesTest, TheResidualAndTheSlopeAreThoseOfThePolynomial) {
+    const FocalPlaneCoordinates any(1.0, 2.0);
+    EXPECT_NEAR(any.func(5.0, 1.0), kRadiusAtOneDegree - 5.0, kPlateToleranceMm);
+    // At 2 degrees: 405.682 + 24.1528 - 3.1870208 mm; 202.841 + 36.2292 - 7.967552 mm/degree.
+    EXPECT_NEAR(any.func(0.0, 2.0), 426.6477792, kPlateToleranceMm);
+    EXPECT_NEAR(any.derivFunc(2.0), 231.102648, kPlateToleranceMm);
+    EXPECT_EQ(any.derivFunc(0.0), 202.841);
+}
+
+TEST_F(FocalPlaneCoordinatesTest, AQuarterTurnBringsNorthToPositiveX) {
+    FocalPlaneCoordinates::setRotation(kTestPi / 2);
+    const FocalPlaneCoordinates north(StandardCoordinates{0.0, rad(1.0)});
+    EXPECT_NEAR(north.x, kRadiusAtOneDegree, kPlateToleranceMm);
+    EXPECT_NEAR(north.y, 0.0, kPlateToleranceMm);
+    const FocalPlaneCoordinates east(StandardCoordinates{rad(1.0), 0.0});
+    EXPECT_NEAR(east.x, 0.0, kPlateToleranceMm);
+    EXPECT_NEAR(east.y, kRadiusAtOneDegree, kPlateToleranceMm);
+    const StandardCoordinates back(north);
+    EXPECT_NEAR(back.xi, 0.0, kAngleTolerance);
+    EXPECT_NEAR(back.eta, rad(1.0), kAngleTolerance);
+}
+
+TEST_F(FocalPlaneCoordinatesTest, TheRotationUsesTheCosineOfTheAngleAndTheSineOfItsNegative) {
+    for (const double angle : {0.3, -2.5, 4.0, 100.0}) {
+        FocalPlaneCoordinates::setRotation(angle);
+        const auto [px, py] = project(-0.004, 0.011);
+        const FocalPlaneCoordinates place(StandardCoordinates{0.004, 0.011});
+        EXPECT_EQ(place.x, std::cos(angle) * px - std::sin(-angle) * py) << angle;
+        EXPECT_EQ(place.y, std::cos(angle) * py + std::sin(-angle) * px) << angle;
+
+        const FocalPlaneCoordinates given(31.0, -17.0);
+        const auto [xi, eta] = unproject(std::cos(angle) * 31.0 + std::sin(-angle) * -17.0,
+                                         std::cos(angle) * -17.0 - std::sin(-angle) * 31.0);
+        const StandardCoordinates back(given);
+        EXPECT_EQ(back.xi, -xi) << angle;
+        EXPECT_EQ(back.eta, eta) << angle;
+    }
+}
+
+TEST_F(FocalPlaneCoordinatesTest, SkyToFocalPlaneRoundTripsOverTheField) {
+    FocalPlaneCoordinates::setRotation(0.7);
+    FocalPlaneCoordinates::setFocalLength(11800.0);
+    for (double xi = -0.02; xi <= 0.02; xi += 0.0025) {
+        for (double eta = -0.02; eta <= 0.02; eta += 0.0025) {
+            const StandardCoordinates back(FocalPlaneCoordinates(StandardCoordinates{xi, eta}));
+            EXPECT_NEAR(back.xi, xi, kFieldAngleTolerance);
+            EXPECT_NEAR(back.eta, eta, kFieldAngleTolerance);
+            const FocalPlaneCoordinates given(xi * 1e4, eta * 1e4);
+            const FocalPlaneCoordinates again{StandardCoordinates(given)};
+            EXPECT_NEAR(again.x, given.x, kPlateToleranceMm);
+            EXPECT_NEAR(again.y, given.y, kPlateToleranceMm);
+        }
+    }
+}
+
+TEST_F(FocalPlaneCoordinatesTest, TheLastStepOfTheInverseIsApplied) {
+    // The step within the tolerance still removes an error of up to 1e-12 degrees; only rounding is left.
+    for (const double degrees : {0.5, 0.8, 1.0, 1.2}) {
+        const double eta = unproject(0.0, polynomial(degrees)).second;
+        EXPECT_NEAR(eta * 180 / kTestPi, degrees, 5e-15) << degrees;
+    }
+}
+
+TEST_F(FocalPlaneCoordinatesTest, AStartWithinTheToleranceIsKeptAsItIs) {
+    // A straight line that misses the start value of one degree by 5e-11 degrees, half the tolerance.
+    const double perDegree = kFocalLength * kTestPi / 180;
+    FocalPlaneCoordinates::setDistortion(perDegree * (1 + 5e-11), 0.0, 0.0);
+    EXPECT_NEAR(unproject(0.0, perDegree).second * 180 / kTestPi, 1.0, 1e-14);
+    // By ten times as much: the line's own root is found.
+    FocalPlaneCoordinates::setDistortion(perDegree * (1 + 5e-10), 0.0, 0.0);
+    EXPECT_NEAR(unproject(0.0, perDegree).second * 180 / kTestPi, 1.0 - 5e-10, 1e-14);
+}
+
+TEST_F(FocalPlaneCoordinatesTest, TheInverseStartsFromTheFocalLengthInUse) {
+    // 200a - 50a^3 = 93.75 has the roots 0.5 and (-25 +- sqrt(38125)) / 100. With a quarter
+    // of the focal length the start value lies beyond the maximum of the curve and leads to the second.
+    FocalPlaneCoordinates::setDistortion(200.0, -50.0, 0.0);
+    EXPECT_NEAR(unproject(0.0, 93.75).second * 180 / kTestPi, 0.5, 1e-12);
+    FocalPlaneCoordinates::setFocalLength(kFocalLength / 4);
+    EXPECT_NEAR(unproject(0.0, 93.75 / 4).second * 180 / kTestPi, (-25 + std::sqrt(38125.0)) / 100, 1e-12);
+}
+
+TEST_F(FocalPlaneCoordinatesTest, ANearlyVanishingRadiusIsTheOpticalAxis) {
+    const auto [xi, eta] = unproject(0.6e-10, 0.7e-10);
+    EXPECT_EQ(xi, 0.0);
+    EXPECT_EQ(eta, 0.0);
+    // So near to the axis the start value, the radius by the focal length, is within the tolerance.
+    EXPECT_NEAR(unproject(0.0, 2e-10).second, 2e-10 / kFocalLength, 1e-26);
+    // The radius is taken at the nominal focal length.
+    FocalPlaneCoordinates::setFocalLength(kFocalLength * 4);
+    EXPECT_EQ(unproject(0.0, 2e-10).second, 0.0);
+}
+
+TEST_F(FocalPlaneCoordinatesTest, DoublingTheFocalLengthDoublesEveryRadius) {
+    const auto [x, y] = project(0.003, -0.012);
+    const auto linear = project(0.0, 0.5e-9).second;
+    FocalPlaneCoordinates::setFocalLength(2 * FocalPlaneCoordinates::focalLength());
+    EXPECT_EQ(project(0.003, -0.012), std::make_pair(2 * x, 2 * y));
+    EXPECT_EQ(project(0.0, 0.5e-9).second, 2 * linear);
+    EXPECT_EQ(FocalPlaneCoordinates::focalLength(), 2 * kFocalLength);
+    EXPECT_EQ(FocalPlaneCoordinates::nominalFocalLength(), kFocalLength);
+    const auto [xi, eta] = unproject(2 * x, 2 * y);
+    EXPECT_NEAR(xi, 0.003, kAngleTolerance);
+    EXPECT_NEAR(eta, -0.012, kAngleTolerance);
+}
+
+TEST_F(FocalPlaneCoordinatesTest, SaveAndRestoreKeepTheModelButNotTheRotation) {
+    FocalPlaneCoordinates::setRotation(kTestPi / 2);
+    const FocalPlaneCoordinates::params saved = FocalPlaneCoordinates::save();
+    EXPECT_EQ(saved.focalLength, kFocalLength);
+    EXPECT_EQ(saved.c1, 202.841);
+    EXPECT_EQ(saved.c3, 3.0191);
+    EXPECT_EQ(saved.c5, -0.0995944);
+    const FocalPlaneCoordinates before(StandardCoordinates{0.004, 0.011});
+    FocalPlaneCoordinates::restore(saved);
+    const FocalPlaneCoordinates unchanged(StandardCoordinates{0.004, 0.011});
+    EXPECT_EQ(unchanged.x, before.x);
+    EXPECT_EQ(unchanged.y, before.y);
+
+    FocalPlaneCoordinates::setFocalLength(5000.0);
+    FocalPlaneCoordinates::setDistortion(1.0, 2.0, 3.0);
+    FocalPlaneCoordinates::setRotation(0.0);
+    FocalPlaneCoordinates::restore(saved);
+    EXPECT_EQ(FocalPlaneCoordinates::focalLength(), kFocalLength);
+    EXPECT_EQ(FocalPlaneCoordinates::nominalFocalLength(), kFocalLength);
+    // The model is back, the rotation of 0 stays.
+    EXPECT_NEAR(FocalPlaneCoordinates(StandardCoordinates{0.0, rad(1.0)}).y, kRadiusAtOneDegree, kPlateToleranceMm);
+}
+
+TEST_F(FocalPlaneCoordinatesTest, AnObjectKeepsItsNumbersAndConvertsWithTheModelOfTheMoment) {
+    const FocalPlaneCoordinates place(0.0, kRadiusAtOneDegree);
+    FocalPlaneCoordinates::setRotation(kTestPi / 2);
+    EXPECT_EQ(place.y, kRadiusAtOneDegree);
+    const StandardCoordinates seen(place);
+    EXPECT_NEAR(seen.xi, rad(1.0), kAngleTolerance);
+    EXPECT_NEAR(seen.eta, 0.0, kAngleTolerance);
+}
+
+TEST_F(FocalPlaneCoordinatesTest, TheMapGivesFocalLengthAndCoefficientsAndResetsTheRotation) {
+    FocalPlaneCoordinates::setRotation(1.0);
+    FocalPlaneCoordinates::setFocalLength(1.0);
+    FocalPlaneCoordinates::initialise(map("focal_length='5000'", "c1='100' c3='10' c5='1'"));
+    EXPECT_EQ(FocalPlaneCoordinates::focalLength(), 5000.0);
+    EXPECT_EQ(FocalPlaneCoordinates::nominalFocalLength(), 5000.0);
+    const FocalPlaneCoordinates north(StandardCoordinates{0.0, rad(1.0)});
+    EXPECT_EQ(north.x, 0.0);
+    EXPECT_NEAR(north.y, 111.0, kPlateToleranceMm);
+}
+
+TEST_F(FocalPlaneCoordinatesTest, TheSeventhCoefficientHasNoEffectWhateverItsText) {
+    for (const std::string c7 : {"", "c7='1000'", "c7='none'"}) {
+        FocalPlaneCoordinates::initialise(map("focal_length='5000'", "c1='100' c3='10' c5='1' " + c7));
+        EXPECT_NEAR(project(0.0, rad(1.0)).second, 111.0, kPlateToleranceMm) << c7;
+    }
+}
+
+TEST_F(FocalPlaneCoordinatesTest, AMapBelowAnotherDocumentElementIsFound) {
+    FocalPlaneCoordinates::initialise(parseDocument(
+        "<maps focal_length='1'><other/><focal_plane_map focal_length='5000'>"
+        "<distortion_coefficients c1='100' c3='10' c5='1'/></focal_plane_map>"
+        "<focal_plane_map focal_length='7'><distortion_coefficients c1='1' c3='1' c5='1'/></focal_plane_map></maps>"));
+    EXPECT_EQ(FocalPlaneCoordinates::focalLength(), 5000.0);
+    EXPECT_NEAR(project(0.0, rad(1.0)).second, 111.0, kPlateToleranceMm);
+}
+
+TEST_F(FocalPlaneCoordinatesTest, ABadFocalLengthIsRefused) {
+    for (const std::string root : {"", "focal_length=''", "focal_length='11 724'", "focal_length='11724,24'"}) {
+        const QDomDocument bad = map(root, "c1='100' c3='10' c5='1'");
+        EXPECT_EQ(messageOf([&] { FocalPlaneCoordinates::initialise(bad); }), "Bad focal length in focal plane map");
+    }
+    const QDomDocument none = parseDocument("<maps><map focal_length='5000'/></maps>");
+    EXPECT_EQ(messageOf([&] { FocalPlaneCoordinates::initialise(none); }), "Bad focal length in focal plane map");
+}
+
+TEST_F(FocalPlaneCoordinatesTest, ABadCoefficientIsRefused) {
+    for (const std::string coefficients :
+         {"", "c3='10' c5='1'", "c1='100' c5='1'", "c1='100' c3='10'", "c1='x' c3='10' c5='1'", "c1='100' c3='' c5='1'",
+          "c1='100' c3='10' c5='1mm'"}) {
+        const QDomDocument bad = map("focal_length='5000'", coefficients);
+        EXPECT_EQ(messageOf([&] { FocalPlaneCoordinates::initialise(bad); }), "Bad coefficient in focal plane map")
+            << coefficients;
+    }
+    const QDomDocument none = parseDocument("<focal_plane_map focal_length='5000'/>");
+    EXPECT_EQ(messageOf([&] { FocalPlaneCoordinates::initialise(none); }), "Bad coefficient in focal plane map");
+}
+
+TEST_F(FocalPlaneCoordinatesTest, WhatWasReadBeforeAFailureStaysStored) {
+    FocalPlaneCoordinates::setRotation(kTestPi / 2);
+    messageOf([] { FocalPlaneCoordinates::initialise(map("focal_length='5000'", "c1='100' c3='10' c5='bad'")); });
+    EXPECT_EQ(FocalPlaneCoordinates::nominalFocalLength(), 5000.0);
+    const FocalPlaneCoordinates::params stored = FocalPlaneCoordinates::save();
+    EXPECT_EQ(stored.c1, 100.0);
+    EXPECT_EQ(stored.c3, 10.0);
+    EXPECT_EQ(stored.c5, 0.0); // what a text that is no number converts to
+    // The steps after the failure were not reached: focal length in use and rotation are the old ones.
+    EXPECT_EQ(stored.focalLength, kFocalLength);
+    EXPECT_GT(FocalPlaneCoordinates(StandardCoordinates{0.0, rad(1.0)}).x, 100.0);
+
+    messageOf([] { FocalPlaneCoordinates::initialise(map("focal_length='bad'", "c1='7' c3='7' c5='7'")); });
+    EXPECT_EQ(FocalPlaneCoordinates::nominalFocalLength(), 0.0);
+    EXPECT_EQ(FocalPlaneCoordinates::save().c1, 100.0);
+    EXPECT_EQ(FocalPlaneCoordinates::focalLength(), kFocalLength);
+
+    messageOf([] { FocalPlaneCoordinates::initialise(map("focal_length='6000'", "c1='7' c3='bad' c5='7'")); });
+    EXPECT_EQ(FocalPlaneCoordinates::save().c1, 7.0);
+    EXPECT_EQ(FocalPlaneCoordinates::save().c3, 0.0);
+    EXPECT_EQ(FocalPlaneCoordinates::save().c5, 0.0); // from the first map, not the 7 of this one
+}
+
+TEST_F(FocalPlaneCoordinatesTest, TheConfigurationNamesTheMap) {
+    const TemporaryFolder folder;
+    TelescopeSettings telescope;
+    telescope.focalPlaneMap =
+        folder.write("map.xml", "<focal_plane_map datamver='8.00' focal_length='5000'>"
+                                "<distortion_coefficients c1='100' c3='10' c5='1'/></focal_plane_map>");
+    FocalPlaneCoordinates::initialise(telescopeConfig(telescope));
+    EXPECT_EQ(FocalPlaneCoordinates::focalLength(), 5000.0);
+
+    FocalPlaneCoordinates::initialise(telescopeConfig());
+    EXPECT_EQ(FocalPlaneCoordinates::focalLength(), kFocalLength);
+}
+
+TEST_F(FocalPlaneCoordinatesTest, AMapThatCannotBeOpenedIsTheLoadersError) {
+    TelescopeSettings telescope;
+    telescope.focalPlaneMap = ":/no_such_map.xml";
+    const PosConfig config = telescopeConfig(telescope);
+    EXPECT_EQ(messageOf([&] { FocalPlaneCoordinates::initialise(config); }), ":/no_such_map.xml could not be opened");
+}
+
+TEST_F(FocalPlaneCoordinatesTest, AnInverseThatConvergesSlowlyIsNotCutShort) {
+    // On a^3 each step of a far start takes a third off: from 1e102 down to 1 degree in some 580 steps.
+    FocalPlaneCoordinates::setDistortion(0.0, 1.0, 0.0);
+    FocalPlaneCoordinates::setFocalLength(1e-100);
+    EXPECT_NEAR(unproject(0.0, 1e-100 / kFocalLength).second * 180 / kTestPi, 1.0, 1e-12);
+}
+
+TEST_F(FocalPlaneCoordinatesTest, AnInverseThatDoesNotConvergeEndsWithAnError) {
+    const std::string prefix = "Inverse distortion not converging at a radius of ";
+    EXPECT_EQ(messageOf([] { unproject(kNaN, 0.0); }), prefix + "nan mm");
+    EXPECT_EQ(messageOf([] { unproject(0.0, kNaN); }), prefix + "nan mm");
+    EXPECT_EQ(messageOf([] { unproject(kInfinity, 0.0); }), prefix + "inf mm");
+    EXPECT_EQ(messageOf([] { static_cast<void>(StandardCoordinates(FocalPlaneCoordinates(kNaN, 1.0))); }),
+              prefix + "nan mm");
+    // A curve without any slope, and one that is no number.
+    FocalPlaneCoordinates::setDistortion(0.0, 0.0, 0.0);
+    EXPECT_EQ(messageOf([] { unproject(3.0, 4.0); }), prefix + "5.000 mm");
+    FocalPlaneCoordinates::setDistortion(kNaN, 0.0, 0.0);
+    EXPECT_EQ(messageOf([] { unproject(3.0, 4.0); }), prefix + "5.000 mm");
+    // The radius is told at the nominal focal length.
+    FocalPlaneCoordinates::setFocalLength(2 * kFocalLength);
+    EXPECT_EQ(messageOf([] { unproject(3.0, 4.0); }), prefix + "2.500 mm");
+}
+
+TEST_F(FocalPlaneCoordinatesTest, AnInverseThatGoesInCirclesEndsWithAnError) {
+    // The textbook cycle of Newton's iteration: on 2a - a^3 = 2 it goes from 0 to 1 and back, and draws in what starts
+    // near 0. The curve is not monotonic.
+    FocalPlaneCoordinates::setDistortion(2.0, -1.0, 0.0);
+    EXPECT_EQ(messageOf([] { unproject(0.0, 2.0); }), "Inverse distortion not converging at a radius of 2.000 mm");
+}

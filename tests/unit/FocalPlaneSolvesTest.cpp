@@ -1,0 +1,319 @@
+#include "FocalPlane.h"
+#include "ProcessWideState.h"
+#include "telescope.h"
+#include "thrown.h"
+#include "tolerances.h"
+
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <gtest/gtest.h>
+#include <limits>
+#include <vector>
+
+using namespace pos;
+
+namespace {
+
+class FocalPlaneSolvesTest : public ProcessWideState {};
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr Astrometric kCentre{1.0, 0.5};
+const std::string kNotConverging = "Field centre not converging";
+const std::string kNotInThePlane = "celestial position not in the tangent plane";
+
+/** The last Julian Date that the library's calendar takes, as an MJD. */
+constexpr double kEndOfTheCalendar = 1e9 - 2400000.5;
+
+FocalPlane pointing(Astrometric centre = kCentre, double positionAngle = 0.0) {
+    return {telescopeConfig(), VEKO, centre, positionAngle, kWinterNight};
+}
+
+double wrapped(double angle) {
+    const double rest = std::fmod(angle, 2 * kTestPi);
+    return std::fabs(rest) > kTestPi ? rest - std::copysign(2 * kTestPi, angle) : rest;
+}
+
+/** The hour-angle solve by setting dates one after the other. @return the number of steps */
+int stepToHourAngle(FocalPlane& focalPlane, double h) {
+    int steps = 0;
+    while (std::fabs(wrapped(focalPlane.hourAngle() - h)) > 7.27220521664304e-05) {
+        const double date = focalPlane.conditions().epoch;
+        focalPlane.setDate(date - wrapped(focalPlane.hourAngle() - h) * 12 / kTestPi / 24 / 1.00273790934);
+        ++steps;
+    }
+    return steps;
+}
+
+PlateCoordinates plateOf(const FocalPlane& focalPlane, CIRS place) {
+    return PlateCoordinates(FocalPlaneCoordinates(focalPlane.cirsToStd(place)));
+}
+
+double squaredDistance(PlateCoordinates a, PlateCoordinates b) {
+    return (a.x - b.x) * (a.x - b.x) + (a.y - b.y) * (a.y - b.y);
+}
+
+std::string twoDecimals(double value) {
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%.2f", value);
+    return text.data();
+}
+
+/** The field-centre solve by setting centres one after the other. @return the number of centres tried */
+int stepToFieldCentre(FocalPlane& focalPlane, Astrometric target, PlateCoordinates wanted) {
+    const double date = focalPlane.conditions().epoch;
+    const double positionAngle = focalPlane.positionAngle();
+    const CIRS t = target.toCirs(date);
+    focalPlane.setFieldCentre(target, positionAngle);
+    const PlateCoordinates p0 = plateOf(focalPlane, target.toCirs(date));
+    PlateCoordinates p = plateOf(focalPlane, t);
+    int steps = 0;
+    while (squaredDistance(p, wanted) > 1e-8) {
+        const PlateCoordinates q(p0.x - (wanted.x - p.x), p0.y - (wanted.y - p.y));
+        focalPlane.setFieldCentre(focalPlane.xyToCirs(q).toAstrometric(date), positionAngle);
+        p = plateOf(focalPlane, t);
+        ++steps;
+    }
+    return steps;
+}
+
+/** A map with shifted plates of which two are turned. */
+std::string shiftedMap() {
+    return "<focal_plane_map datamver='8.00' focal_length='11724.24'><optical_axis>"
+           "<PLATE_A x0='1.25' y0='-2.5' r0='3'/><PLATE_B x0='0' y0='0' r0='0'/><VEKO x0='-4' y0='5' r0='30'/>"
+           "</optical_axis><distortion_coefficients c1='202.841' c3='3.0191' c5='-0.0995944'/></focal_plane_map>";
+}
+
+} // namespace
+
+TEST_F(FocalPlaneSolvesTest, TheHourAngleIsReachedToASecondOfTime) {
+    for (const Astrometric& centre : std::vector<Astrometric>{{1.0, 0.5}, {4.0, -0.3}, {2.0, 1.5}}) {
+        for (const double h : {0.0, 1.5, -1.5, 3.1, -3.1, kTestPi, 4.0, -10.0}) {
+            FocalPlane focalPlane = pointing(centre);
+            focalPlane.setHourAngle(h);
+            EXPECT_LE(std::fabs(wrapped(focalPlane.hourAngle() - h)), kSecondOfTime) << centre.ra << ' ' << h;
+            EXPECT_LE(std::fabs(focalPlane.conditions().epoch - kWinterNight.epoch), 0.51) << centre.ra << ' ' << h;
+        }
+    }
+}
+
+TEST_F(FocalPlaneSolvesTest, AnHourOfHourAngleTakesAnHourOfSiderealTime) {
+    // Six hours further west: a quarter of a sidereal day of 86164.0905 s. Refraction would take part, so no air.
+    FocalPlane focalPlane(telescopeConfig(), VEKO, kCentre, 0.0, kAirlessNight);
+    focalPlane.setHourAngle(-kTestPi / 4);
+    const double before = focalPlane.conditions().epoch;
+    focalPlane.setHourAngle(kTestPi / 4);
+    EXPECT_NEAR((focalPlane.conditions().epoch - before) * 86400.0, 86164.0905 / 4, 2.0);
+}
+
+TEST_F(FocalPlaneSolvesTest, TheDatesOfTheHourAngleSolveFollowTheirFormula) {
+    for (const Astrometric& centre : std::vector<Astrometric>{{1.0, 0.5}, {4.0, -0.3}, {2.0, 1.55}}) {
+        for (const double h : {0.0, 1.5, -3.1, 4.0}) {
+            FocalPlane stepped = pointing(centre);
+            EXPECT_GT(stepToHourAngle(stepped, h), 0);
+            FocalPlane solved = pointing(centre);
+            solved.setHourAngle(h);
+            EXPECT_EQ(solved.conditions().epoch, stepped.conditions().epoch);
+            EXPECT_EQ(solved.hourAngle(), stepped.hourAngle());
+        }
+    }
+}
+
+TEST_F(FocalPlaneSolvesTest, AnHourAngleWithinASecondIsLeftAsItIs) {
+    FocalPlane focalPlane = pointing();
+    const double now = focalPlane.hourAngle();
+    for (const double h : {now, now + 0.99 * kSecondOfTime, now - 0.99 * kSecondOfTime, now + 2 * kTestPi}) {
+        focalPlane.setHourAngle(h);
+        EXPECT_EQ(focalPlane.conditions().epoch, kWinterNight.epoch);
+    }
+    focalPlane.setHourAngle(now + 1.01 * kSecondOfTime);
+    EXPECT_GT(focalPlane.conditions().epoch, kWinterNight.epoch);
+}
+
+TEST_F(FocalPlaneSolvesTest, TheConstructorWithAnHourAngleSolvesForIt) {
+    FocalPlane solved = pointing(kCentre, 0.3);
+    solved.setHourAngle(-1.25);
+    const FocalPlane constructed(telescopeConfig(), VEKO, kCentre, 0.3, kWinterNight, -1.25);
+    EXPECT_EQ(constructed.conditions().epoch, solved.conditions().epoch);
+    EXPECT_EQ(constructed.hourAngle(), solved.hourAngle());
+    EXPECT_EQ(constructed.positionAngle(), 0.3);
+}
+
+TEST_F(FocalPlaneSolvesTest, TheHourAngleSolveKeepsTheWeather) {
+    FocalPlane focalPlane = pointing();
+    focalPlane.setHourAngle(1.0);
+    EXPECT_EQ(focalPlane.conditions().temperature, kWinterNight.temperature);
+    EXPECT_EQ(focalPlane.conditions().pressure, kWinterNight.pressure);
+    EXPECT_EQ(focalPlane.conditions().relativeHumidity, kWinterNight.relativeHumidity);
+}
+
+TEST_F(FocalPlaneSolvesTest, NearTheCelestialPoleTheSolveTakesThousandsOfStepsAndIsNotCutShort) {
+    // Refraction moves the place by more than its distance from the pole: the solve creeps.
+    const Astrometric centre = CIRS{1.0, rad(90.0 - 0.01)}.toAstrometric(57389.0);
+    const FocalPlane start(telescopeConfig(), VEKO, centre, 0.0, {57389.0, 283.15, 770.0, 0.2});
+    FocalPlane stepped = start;
+    EXPECT_GT(stepToHourAngle(stepped, 1.5), 5000);
+    FocalPlane solved = start;
+    solved.setHourAngle(1.5);
+    EXPECT_EQ(solved.conditions().epoch, stepped.conditions().epoch);
+    EXPECT_NEAR(solved.hourAngle(), 1.5, kSecondOfTime);
+}
+
+TEST_F(FocalPlaneSolvesTest, AJulianDateTypedAsTheEpochEndsWithAnError) {
+    // The year 2457389: precession formulae of our time turn faster than the Earth there.
+    double zero = 0.0;
+    double date = 0.0;
+    eraEpj2jd(2457389.0, &zero, &date);
+    FocalPlane focalPlane(telescopeConfig(), VEKO, kCentre, 0.0, {date, 283.15, 770.0, 0.2});
+    const std::string message = messageOf([&] { focalPlane.setHourAngle(0.0); });
+    EXPECT_EQ(message, "Hour angle not converging at MJD " + twoDecimals(focalPlane.conditions().epoch));
+    EXPECT_NEAR(focalPlane.conditions().epoch, date, 50000.0);
+}
+
+TEST_F(FocalPlaneSolvesTest, ADateThatTheLibraryRefusesEndsTheHourAngleSolveAtOnce) {
+    struct Row {
+        double date;
+        std::string text;
+    };
+    for (const Row& row : std::vector<Row>{{1e10, "10000000000.00"},
+                                           {-3e6, "-3000000.00"},
+                                           {kEndOfTheCalendar + 1.0, "997600000.50"},
+                                           {kNaN, "nan"},
+                                           {std::numeric_limits<double>::infinity(), "inf"},
+                                           {-std::numeric_limits<double>::infinity(), "-inf"}}) {
+        FocalPlane focalPlane(telescopeConfig(), VEKO, kCentre, 0.0, {row.date, 283.15, 770.0, 0.2});
+        EXPECT_TRUE(std::isnan(focalPlane.hourAngle()));
+        EXPECT_TRUE(std::isnan(focalPlane.zenithDistance()));
+        EXPECT_TRUE(std::isnan(focalPlane.tangentDec()));
+        EXPECT_TRUE(std::isnan(focalPlane.parallacticAngle()));
+        EXPECT_EQ(messageOf([&] { focalPlane.setHourAngle(0.0); }), "Hour angle not converging at MJD " + row.text);
+    }
+}
+
+TEST_F(FocalPlaneSolvesTest, ADateThatIsRefusedOnTheWayEndsTheHourAngleSolve) {
+    // The last date that the library takes, to a hundredth of a day.
+    double accepted = kEndOfTheCalendar - 10.0;
+    double utc1 = 0.0;
+    double utc2 = 0.0;
+    while (eraTaiutc(2400000.5, accepted + 0.01, &utc1, &utc2) >= 0) {
+        accepted += 0.01;
+    }
+    FocalPlane focalPlane(telescopeConfig(), VEKO, kCentre, 0.0, {accepted, 283.15, 770.0, 0.2});
+    ASSERT_FALSE(std::isnan(focalPlane.hourAngle()));
+    // An hour angle of one radian ahead lies 0.16 days later, where nothing can be computed.
+    const double next = accepted + 1.0 * 12 / kTestPi / 24 / 1.00273790934;
+    const std::string message = messageOf([&] { focalPlane.setHourAngle(focalPlane.hourAngle() + 1.0); });
+    EXPECT_EQ(message, "Hour angle not converging at MJD " + twoDecimals(focalPlane.conditions().epoch));
+    EXPECT_NEAR(focalPlane.conditions().epoch, next, 1e-6);
+    EXPECT_TRUE(std::isnan(focalPlane.hourAngle()));
+}
+
+TEST_F(FocalPlaneSolvesTest, AGoodDateMakesARefusedOneGood) {
+    FocalPlane focalPlane(telescopeConfig(), VEKO, kCentre, 0.0, {kNaN, 283.15, 770.0, 0.2});
+    focalPlane.setDate(kWinterNight.epoch);
+    const FocalPlane fresh = pointing();
+    EXPECT_EQ(focalPlane.hourAngle(), fresh.hourAngle());
+    EXPECT_EQ(focalPlane.zenithDistance(), fresh.zenithDistance());
+    // What was computed for a good date is not left standing for a refused one.
+    focalPlane.setDate(1e10);
+    EXPECT_TRUE(std::isnan(focalPlane.hourAngle()));
+    EXPECT_EQ(messageOf([&] { focalPlane.cirsToStd({1.0, 0.5}); }), kNotInThePlane);
+}
+
+TEST_F(FocalPlaneSolvesTest, DatesBeforeLeapSecondsAreTakenWithTheLibrarysWarning) {
+    FocalPlane focalPlane(telescopeConfig(), VEKO, kCentre, 0.0, {-678955.5, 283.15, 770.0, 0.2});
+    focalPlane.setHourAngle(0.0);
+    EXPECT_NEAR(focalPlane.hourAngle(), 0.0, kSecondOfTime);
+}
+
+TEST_F(FocalPlaneSolvesTest, NumbersThatAreNoneEndTheHourAngleSolveWithoutAStep) {
+    // A comparison with NaN is false: the loop has nothing to do.
+    FocalPlane focalPlane = pointing();
+    focalPlane.setHourAngle(kNaN);
+    EXPECT_EQ(focalPlane.conditions().epoch, kWinterNight.epoch);
+    FocalPlane nowhere = pointing({kNaN, 0.5});
+    nowhere.setHourAngle(0.0);
+    EXPECT_EQ(nowhere.conditions().epoch, kWinterNight.epoch);
+}
+
+TEST_F(FocalPlaneSolvesTest, TheTargetLandsWhereItIsWanted) {
+    FocalPlane focalPlane = pointing({1.3, 0.1}, 0.9);
+    for (const auto& [x, y] : std::vector<std::pair<double, double>>{{0, 0}, {0, -20}, {150, 90}, {-200, -180}}) {
+        focalPlane.setFieldCentre(kCentre, PlateCoordinates(x, y));
+        const PlateCoordinates landed = plateOf(focalPlane, kCentre.toCirs(kWinterNight.epoch));
+        EXPECT_LE(std::sqrt(squaredDistance(landed, {x, y})), kPlacementToleranceMm);
+        EXPECT_EQ(focalPlane.positionAngle(), 0.9);
+        EXPECT_EQ(focalPlane.conditions().epoch, kWinterNight.epoch);
+    }
+}
+
+TEST_F(FocalPlaneSolvesTest, ATargetWantedInTheNorthPutsTheCentreSouthOfIt) {
+    FocalPlane focalPlane = pointing();
+    focalPlane.setHourAngle(0.0);
+    focalPlane.setFieldCentre(kCentre, PlateCoordinates(0.0, 205.7605056));
+    EXPECT_NEAR(focalPlane.fieldCentre().dec, 0.5 - rad(1.0), rad(0.01));
+    // Positive x is west: the centre lies east of a target that is wanted there.
+    focalPlane.setFieldCentre(kCentre, PlateCoordinates(205.7605056, 0.0));
+    EXPECT_NEAR(focalPlane.fieldCentre().ra, 1.0 + rad(1.0) / std::cos(0.5), rad(0.02));
+}
+
+TEST_F(FocalPlaneSolvesTest, TheCentresOfTheSolveFollowTheirFormula) {
+    const TemporaryFolder folder;
+    TelescopeSettings telescope;
+    telescope.focalPlaneMap = folder.write("map.xml", shiftedMap());
+    for (const PlateName plate : {PLATE_A, VEKO}) {
+        for (const auto& [x, y] : std::vector<std::pair<double, double>>{{0, 0}, {3, -20}, {150, 90}, {-210, 160}}) {
+            const FocalPlane start(telescopeConfig(telescope), plate, {1.3, 0.1}, 0.9, kWinterNight);
+            FocalPlane stepped = start;
+            EXPECT_GT(stepToFieldCentre(stepped, kCentre, {x, y}), 0);
+            FocalPlane solved = start;
+            solved.setFieldCentre(kCentre, PlateCoordinates(x, y));
+            EXPECT_EQ(solved.fieldCentre().ra, stepped.fieldCentre().ra);
+            EXPECT_EQ(solved.fieldCentre().dec, stepped.fieldCentre().dec);
+            EXPECT_EQ(solved.hourAngle(), stepped.hourAngle());
+        }
+    }
+}
+
+TEST_F(FocalPlaneSolvesTest, ATargetThatIsThereAlreadyIsPointedAt) {
+    const TemporaryFolder folder;
+    TelescopeSettings telescope;
+    telescope.focalPlaneMap = folder.write("map.xml", shiftedMap());
+    FocalPlane focalPlane(telescopeConfig(telescope), VEKO, {1.3, 0.1}, 0.9, kWinterNight);
+    // Pointed at itself, a target lies at the optical axis: (-4, 5) on this plate. A tenth of a micrometre is let be.
+    for (const double off : {0.0, 0.99e-4, -0.99e-4}) {
+        focalPlane.setFieldCentre(Astrometric{1.3, 0.1}, 0.9);
+        focalPlane.setFieldCentre(kCentre, PlateCoordinates(-4.0 + off, 5.0));
+        EXPECT_EQ(focalPlane.fieldCentre().ra, kCentre.ra) << off;
+        EXPECT_EQ(focalPlane.fieldCentre().dec, kCentre.dec) << off;
+    }
+    focalPlane.setFieldCentre(kCentre, PlateCoordinates(-4.0, 5.0 + 1.01e-4));
+    EXPECT_NE(focalPlane.fieldCentre().dec, kCentre.dec);
+}
+
+TEST_F(FocalPlaneSolvesTest, APlaceFarOffThePlateDoesNotConverge) {
+    FocalPlane focalPlane = pointing({1.3, 0.1});
+    EXPECT_EQ(messageOf([&] { focalPlane.setFieldCentre(kCentre, PlateCoordinates(5000.0, 0.0)); }), kNotConverging);
+    // The model keeps the trial centre that brought no improvement, and all that follows from it.
+    EXPECT_NE(focalPlane.fieldCentre().ra, kCentre.ra);
+    EXPECT_NE(focalPlane.fieldCentre().ra, 1.3);
+    const ObservedPlace seen =
+        libraryObserved(libraryCirs(focalPlane.fieldCentre(), kWinterNight.epoch), libraryContext({}, kWinterNight));
+    EXPECT_EQ(focalPlane.hourAngle(), seen.hourAngle);
+}
+
+TEST_F(FocalPlaneSolvesTest, AWantedPlaceThatIsNoNumberDoesNotConverge) {
+    FocalPlane focalPlane = pointing({1.3, 0.1});
+    for (const PlateCoordinates& wanted : {PlateCoordinates(kNaN, 0.0), PlateCoordinates(0.0, kNaN)}) {
+        EXPECT_EQ(messageOf([&] { focalPlane.setFieldCentre(kCentre, wanted); }), kNotConverging);
+        EXPECT_EQ(focalPlane.fieldCentre().ra, kCentre.ra);
+    }
+}
+
+TEST_F(FocalPlaneSolvesTest, WithATargetOrADateThatIsNoneNothingCanBeProjected) {
+    FocalPlane focalPlane = pointing();
+    const PlateCoordinates wanted(0.0, -20.0);
+    EXPECT_EQ(messageOf([&] { focalPlane.setFieldCentre(Astrometric{kNaN, 0.5}, wanted); }), kNotInThePlane);
+    focalPlane.setDate(1e10);
+    EXPECT_EQ(messageOf([&] { focalPlane.setFieldCentre(kCentre, wanted); }), kNotInThePlane);
+}
