@@ -1,0 +1,128 @@
+#include "Mount.h"
+#include "outputRun.h"
+#include "privilege.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+using Names = std::set<std::string>;
+
+class WrittenOrError : public OutputRun {};
+
+} // namespace
+
+TEST_F(WrittenOrError, FullDiskLeavesNoNewFile) {
+    const Mount disk = Mount::small(folder_.path("out"), "64k");
+    REQUIRE_PRIVILEGE(disk.mounted(), "the right to mount");
+    expectEnd(run("out.xml"), 1, notWritten("out.xml", "No space left on device"));
+    EXPECT_EQ(outputs(), Names());
+}
+
+TEST_F(WrittenOrError, FullDiskLeavesTheOlderFileWhole) {
+    const Mount disk = Mount::small(folder_.path("out"), "64k");
+    REQUIRE_PRIVILEGE(disk.mounted(), "the right to mount");
+    for (const std::string& old : {std::string("old"), std::string(50'000, 'o')}) {
+        write("out.xml", old);
+        expectEnd(run("out.xml"), 1, notWritten("out.xml", "No space left on device"));
+        EXPECT_EQ(readBytes(path("out.xml")), old);
+        EXPECT_EQ(outputs(), Names({"out.xml"}));
+    }
+}
+
+TEST_F(WrittenOrError, FullDiskLeavesAFileThatIsOverwrittenInPlaceWhole) {
+    const Mount disk = Mount::small(folder_.path("out"), "64k");
+    REQUIRE_PRIVILEGE(disk.mounted(), "the right to mount");
+    // Behind a descriptor, the file cannot be replaced.
+    for (const std::string& old : {std::string("old"), std::string(50'000, 'o')}) {
+        write("out.xml", old);
+        expectEnd(run("/dev/fd/9", {}, "9<>out.xml"), 1, notWritten("/dev/fd/9", "No space left on device"));
+        EXPECT_EQ(readBytes(path("out.xml")), old);
+        EXPECT_EQ(outputs(), Names({"out.xml"}));
+    }
+}
+
+TEST_F(WrittenOrError, FileSizeLimitIsAnErrorAndNoSignal) {
+    expectEnd(run("out.xml", limitedTo(8)), 1, notWritten("out.xml", "File too large"));
+    EXPECT_EQ(outputs(), Names());
+    const std::string old(20'000, 'o');
+    write("out.xml", old);
+    fs::create_symlink("out.xml", path("link"));
+    expectEnd(run("link", limitedTo(8)), 1, notWritten("link", "File too large"));
+    EXPECT_EQ(readBytes(path("out.xml")), old);
+    EXPECT_EQ(outputs(), Names({"link", "out.xml"}));
+}
+
+TEST_F(WrittenOrError, InputAndOutputCanBeOneFile) {
+    write("field.xml", kPlainField);
+    const std::vector<std::string> names = {"-i", path("field.xml"), "-o", path("field.xml")};
+    ProgramOptions options;
+    options.wrapper = limitedTo(8);
+    expectEnd(runVekoConfigure(names, options), 1, notWritten(path("field.xml"), "File too large"));
+    EXPECT_EQ(readBytes(path("field.xml")), kPlainField);
+    expectEnd(runVekoConfigure(names), 0, "");
+    EXPECT_EQ(readBytes(path("field.xml")), expected_);
+    EXPECT_EQ(outputs(), Names({"field.xml"}));
+}
+
+TEST_F(WrittenOrError, UnopenableTargetGivesTheOneMessage) {
+    write("file.xml", "old");
+    fs::create_directory(path("folder"));
+    for (const std::string name : {"", "folder", "missing/out.xml", "missing/", "file.xml/", ":/configure.xml"}) {
+        expectEnd(run(name), 1, kNotOpened);
+        EXPECT_EQ(outputs(), Names({"file.xml", "folder"})) << name;
+    }
+    EXPECT_EQ(readBytes(path("file.xml")), "old");
+}
+
+TEST_F(WrittenOrError, StandardOutputTakesTheDocumentAndNothingElse) {
+    const ProgramResult plain = run("/dev/stdout");
+    EXPECT_EQ(plain.status, 0);
+    EXPECT_EQ(plain.err, "");
+    EXPECT_EQ(plain.out, expected_);
+    const ProgramResult piped = run("/dev/stdout", {}, "| cat");
+    EXPECT_EQ(piped.err, "");
+    EXPECT_EQ(piped.out, expected_);
+    const ProgramResult substituted = run("/proc/self/fd/1", {}, "> file.xml");
+    expectEnd(substituted, 0, "");
+    EXPECT_EQ(readBytes(path("file.xml")), expected_);
+}
+
+TEST_F(WrittenOrError, PipeThatNobodyReadsIsAnErrorAndNoSignal) {
+    const std::vector<std::string> closedPipe = {"bash", "-c",
+                                                 "exec 3> >(exec true); wait $!; exec \"$0\" \"$@\" >&3 3>&-"};
+    expectEnd(run("/dev/stdout", closedPipe), 1, notWritten("/dev/stdout", "Broken pipe"));
+}
+
+TEST_F(WrittenOrError, ClosedStandardOutputCannotBeOpened) {
+    expectEnd(run("/dev/stdout", {}, ">&-"), 1, kNotOpened);
+}
+
+TEST_F(WrittenOrError, FileBehindTheStandardOutputGetsItsOldContentBack) {
+    const std::string old(20'000, 'o');
+    write("log", old);
+    expectEnd(run("/dev/stdout", limitedTo(8), ">> log"), 1, notWritten("/dev/stdout", "File too large"));
+    EXPECT_EQ(readBytes(path("log")), old);
+}
+
+TEST_F(WrittenOrError, FifoPassesTheDocumentOnAndStaysAFifo) {
+    ASSERT_EQ(::mkfifo(path("fifo").c_str(), 0600), 0);
+    expectEnd(run("fifo", {"bash", "-c", "cat fifo > received.xml & \"$0\" \"$@\" && wait $!"}), 0, "");
+    EXPECT_EQ(readBytes(path("received.xml")), expected_);
+    EXPECT_TRUE(S_ISFIFO(statusOf(path("fifo")).st_mode));
+    EXPECT_EQ(outputs(), Names({"fifo", "received.xml"}));
+}
+
+TEST_F(WrittenOrError, DevicesStayDevices) {
+    const bool made = ::mknod(path("null").c_str(), S_IFCHR | 0666, makedev(1, 3)) == 0 &&
+                      ::mknod(path("full").c_str(), S_IFCHR | 0666, makedev(1, 7)) == 0;
+    REQUIRE_PRIVILEGE(made && runCommand({"cat", path("null")}).status == 0, "the right to make and use device nodes");
+    expectEnd(run("null"), 0, "");
+    expectEnd(run("full"), 1, notWritten("full", "No space left on device"));
+    EXPECT_EQ(statusOf(path("null")).st_rdev, makedev(1, 3));
+    EXPECT_EQ(statusOf(path("full")).st_rdev, makedev(1, 7));
+    EXPECT_EQ(outputs(), Names({"full", "null"}));
+}

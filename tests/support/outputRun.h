@@ -1,0 +1,84 @@
+#ifndef POS_TESTS_OUTPUTRUN_H
+#define POS_TESTS_OUTPUTRUN_H
+
+#include "Program.h"
+#include "TemporaryFolder.h"
+#include "outputFolder.h"
+#include "plainField.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/stat.h>
+#include <vector>
+
+/** Whole runs in a folder of their own, with all that they need in it, so that another user can perform them too. */
+class OutputRun : public testing::Test {
+protected:
+    OutputRun() {
+        std::filesystem::copy_file(vekoConfigureExecutable(), folder_.path("program"));
+        folder_.write("in.xml", kPlainField);
+        permit("", 0755);
+        permit("in.xml", 0644);
+        permit("program", 0755);
+        std::filesystem::create_directory(folder_.path("out"));
+        const ProgramResult undisturbed = runVekoConfigure({"-i", folder_.path("in.xml"), "-o", path("expected.xml")});
+        EXPECT_EQ(undisturbed.status, 0) << undisturbed.err;
+        expected_ = readBytes(path("expected.xml"));
+        std::filesystem::remove(path("expected.xml"));
+        EXPECT_EQ(expected_.substr(expected_.size() - 17), "</configuration>\n");
+    }
+
+    /** The name of a file in the folder of the output. */
+    std::string path(const std::string& file) const {
+        return folder_.path("out/" + file);
+    }
+    std::string write(const std::string& file, const std::string& content) const {
+        return folder_.write("out/" + file, content);
+    }
+    void permit(const std::string& file, mode_t mode) const {
+        EXPECT_EQ(::chmod(folder_.path(file).c_str(), mode), 0) << file;
+    }
+    void give(const std::string& file, uid_t user, gid_t group) const {
+        EXPECT_EQ(::chown(folder_.path(file).c_str(), user, group), 0) << file;
+    }
+    std::set<std::string> outputs() const {
+        return entriesOf(folder_.path("out"));
+    }
+
+    /** A run with this output name, in the folder of the output, behind a command that ends in running the program. */
+    ProgramResult run(const std::string& output, std::vector<std::string> wrapper = {},
+                      const std::string& redirection = "") const {
+        ProgramOptions options;
+        options.folder = folder_.path("out");
+        options.wrapper = std::move(wrapper);
+        options.shellRedirection = redirection;
+        options.environment = environment_;
+        return runCommand({folder_.path("program"), "-i", folder_.path("in.xml"), "-o", output}, options);
+    }
+
+    const TemporaryFolder folder_;
+    std::string expected_;                 ///< what an undisturbed run writes
+    std::vector<std::string> environment_; ///< settings for every run
+};
+
+/** Expects that a program has ended by itself, with this status and this message, and has said nothing else. */
+inline void expectEnd(const ProgramResult& result, int status, const std::string& message) {
+    EXPECT_EQ(result.status, status);
+    EXPECT_EQ(result.signal, 0);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, message);
+}
+
+inline const std::string kNotOpened = "File open error: Unable to open output file\n";
+
+inline std::string notWritten(const std::string& name, const std::string& reason) {
+    return "File write error: Unable to write output file " + name + ": " + reason + "\n";
+}
+
+/** A command that lets no file of a program grow beyond so many KiB; the output has over 100. */
+inline std::vector<std::string> limitedTo(int kibibytes) {
+    return {"bash", "-c", "ulimit -f " + std::to_string(kibibytes) + "; exec \"$0\" \"$@\""};
+}
+
+#endif

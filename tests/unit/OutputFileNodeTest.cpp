@@ -1,0 +1,245 @@
+#include "Mount.h"
+#include "OutputFile.h"
+#include "outputFolder.h"
+#include "privilege.h"
+#include "thrown.h"
+
+#include <fcntl.h>
+#include <future>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+using namespace pos;
+
+namespace {
+
+namespace fs = std::filesystem;
+using Names = std::set<std::string>;
+
+/** More than a pipe holds. */
+const QByteArray kContent(300'000, 'n');
+
+/** A file of the test's own, open until the object goes, and the names that the kernel gives to it meanwhile. */
+class OpenFile {
+public:
+    OpenFile(const std::string& name, int flags) : number_(::open(name.c_str(), flags | O_CLOEXEC, 0600)) {
+        EXPECT_GE(number_, 0) << name;
+    }
+    ~OpenFile() {
+        ::close(number_);
+    }
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+    OpenFile(OpenFile&&) = delete;
+    OpenFile& operator=(OpenFile&&) = delete;
+
+    int number() const {
+        return number_;
+    }
+    std::string procName() const {
+        return "/proc/self/fd/" + std::to_string(number_);
+    }
+    std::string devName() const {
+        return "/dev/fd/" + std::to_string(number_);
+    }
+
+private:
+    int number_;
+};
+
+/** Reads all that is written into a FIFO, in the background, starting when a writer has come. */
+std::future<std::string> readInBackground(const std::string& fifo) {
+    return std::async(std::launch::async, [fifo] { return readBytes(fifo); });
+}
+
+/** Makes a copy of a device of the kernel's memory driver. @return whether that is permitted, here and now */
+bool makeMemoryDevice(const std::string& name, unsigned int minor) {
+    if (::mknod(name.c_str(), S_IFCHR | 0666, makedev(1, minor)) != 0) {
+        return false;
+    }
+    const int file = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
+    ::close(file);
+    return file >= 0;
+}
+
+constexpr unsigned int kNull = 3;
+constexpr unsigned int kFull = 7;
+
+void expectMemoryDevice(const std::string& name, unsigned int minor) {
+    const struct stat status = statusOf(name);
+    EXPECT_TRUE(S_ISCHR(status.st_mode));
+    EXPECT_EQ(status.st_rdev, makedev(1, minor));
+}
+
+} // namespace
+
+TEST(OutputFileNode, FifoPassesEverythingOnAndStaysAFifo) {
+    const TemporaryFolder folder;
+    const std::string fifo = folder.path("fifo");
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    fs::create_symlink("fifo", folder.path("link"));
+    for (const std::string name : {"fifo", "link"}) {
+        std::future<std::string> received = readInBackground(fifo);
+        writeFile(folder.path(name), kContent);
+        EXPECT_TRUE(received.get() == kContent.toStdString()) << name;
+        EXPECT_TRUE(S_ISFIFO(statusOf(fifo).st_mode)) << name;
+    }
+    EXPECT_EQ(entriesOf(folder.name()), Names({"fifo", "link"}));
+}
+
+TEST(OutputFileNode, FifoWhoseReaderLeavesIsAnErrorAndStaysAFifo) {
+    const TemporaryFolder folder;
+    const std::string fifo = folder.path("fifo");
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    std::future<void> reader = std::async(std::launch::async, [&] {
+        const OpenFile file(fifo, O_RDONLY);
+        char firstByte = 0;
+        EXPECT_EQ(::read(file.number(), &firstByte, 1), 1);
+    });
+    EXPECT_EQ(messageOf([&] { writeFile(fifo, kContent); }),
+              "File write error: Unable to write output file " + fifo + ": Broken pipe");
+    reader.get();
+    EXPECT_TRUE(S_ISFIFO(statusOf(fifo).st_mode));
+    EXPECT_EQ(entriesOf(folder.name()), Names({"fifo"}));
+}
+
+TEST(OutputFileNode, DeviceTakesTheContentAndStaysADevice) {
+    const TemporaryFolder folder;
+    REQUIRE_PRIVILEGE(makeMemoryDevice(folder.path("null"), kNull), "the right to make and use device nodes");
+    fs::create_symlink("null", folder.path("link"));
+    writeFile(folder.path("null"), kContent);
+    writeFile(folder.path("link"), kContent);
+    expectMemoryDevice(folder.path("null"), kNull);
+    EXPECT_EQ(entriesOf(folder.name()), Names({"link", "null"}));
+}
+
+TEST(OutputFileNode, FullDeviceIsAnErrorAndStaysADevice) {
+    const TemporaryFolder folder;
+    const std::string full = folder.path("full");
+    REQUIRE_PRIVILEGE(makeMemoryDevice(full, kFull), "the right to make and use device nodes");
+    for (const QByteArray& content : {kContent, QByteArray("x")}) {
+        EXPECT_EQ(messageOf([&] { writeFile(full, content); }),
+                  "File write error: Unable to write output file " + full + ": No space left on device");
+    }
+    expectMemoryDevice(full, kFull);
+    EXPECT_EQ(entriesOf(folder.name()), Names({"full"}));
+}
+
+TEST(OutputFileNode, SocketCannotBeOpenedAndStaysASocket) {
+    const TemporaryFolder folder;
+    const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    struct sockaddr_un address {};
+    address.sun_family = AF_UNIX;
+    folder.path("socket").copy(static_cast<char*>(address.sun_path), sizeof address.sun_path - 1);
+    ASSERT_EQ(::bind(socket, reinterpret_cast<struct sockaddr*>(&address), sizeof address), 0);
+    EXPECT_EQ(messageOf([&] { writeFile(folder.path("socket"), kContent); }),
+              "File open error: Unable to open output file");
+    ::close(socket);
+    EXPECT_TRUE(S_ISSOCK(statusOf(folder.path("socket")).st_mode));
+}
+
+TEST(OutputFileNode, PipeBehindADescriptorTakesTheContent) {
+    const TemporaryFolder folder;
+    for (const bool throughLink : {false, true}) {
+        int ends[2] = {};
+        ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+        std::future<std::string> received =
+            std::async(std::launch::async, [&] { return readBytes("/dev/fd/" + std::to_string(ends[0])); });
+        std::string name = "/proc/self/fd/" + std::to_string(ends[1]);
+        if (throughLink) {
+            fs::create_symlink(name, folder.path("link"));
+            name = folder.path("link");
+        }
+        writeFile(name, kContent);
+        ::close(ends[1]);
+        EXPECT_TRUE(received.get() == kContent.toStdString());
+        ::close(ends[0]);
+    }
+    EXPECT_EQ(entriesOf(folder.name()), Names({"link"}));
+}
+
+TEST(OutputFileNode, FileBehindADescriptorIsOverwrittenInPlace) {
+    for (const std::string& old : {std::string(), std::string("old"), std::string(500'000, 'o')}) {
+        const TemporaryFolder folder;
+        const std::string name = folder.write("out.xml", old);
+        fs::create_hard_link(name, folder.path("other.xml"));
+        ASSERT_EQ(::chmod(name.c_str(), 0640), 0);
+        const ino_t inode = statusOf(name).st_ino;
+        const OpenFile file(name, O_RDWR);
+        fs::create_symlink(file.procName(), folder.path("link"));
+        for (const std::string& alias : {file.procName(), file.devName(), folder.path("link")}) {
+            folder.write("out.xml", old);
+            writeFile(alias, kContent);
+            EXPECT_TRUE(folder.read("out.xml") == kContent.toStdString()) << alias;
+            EXPECT_TRUE(folder.read("other.xml") == kContent.toStdString()) << alias;
+        }
+        EXPECT_EQ(statusOf(name).st_ino, inode);
+        EXPECT_EQ(modeOf(name), 0640u);
+        EXPECT_EQ(entriesOf(folder.name()), Names({"link", "other.xml", "out.xml"}));
+    }
+}
+
+TEST(OutputFileNode, FileThatIsOverwrittenInPlaceGetsItsOldContentBack) {
+    for (const std::string& old : {std::string(), std::string("old"), std::string(2000, 'o'), std::string(9000, 'o')}) {
+        const TemporaryFolder folder;
+        const OpenFile file(folder.write("out.xml", old), O_RDWR);
+        const std::string message = messageOf([&] {
+            const FileSizeLimit limit(1000);
+            writeFile(file.procName(), QByteArray(3000, 'n'));
+        });
+        EXPECT_EQ(message, "File write error: Unable to write output file " + file.procName() + ": File too large");
+        EXPECT_EQ(folder.read("out.xml"), old);
+        EXPECT_EQ(entriesOf(folder.name()), Names({"out.xml"}));
+    }
+}
+
+TEST(OutputFileNode, DeletedFileBehindADescriptorGetsTheContentAndNoName) {
+    const TemporaryFolder folder;
+    const OpenFile file(folder.write("out.xml", "old"), O_RDWR);
+    fs::remove(folder.path("out.xml"));
+    writeFile(file.procName(), kContent);
+    EXPECT_TRUE(readBytes(file.procName()) == kContent.toStdString());
+    EXPECT_EQ(entriesOf(folder.name()), Names());
+}
+
+TEST(OutputFileNode, DescriptorOfAFolderCannotBeOpened) {
+    const TemporaryFolder folder;
+    const OpenFile file(folder.name(), O_RDONLY | O_DIRECTORY);
+    EXPECT_EQ(messageOf([&] { writeFile(file.procName(), kContent); }), "File open error: Unable to open output file");
+    EXPECT_EQ(entriesOf(folder.name()), Names());
+}
+
+TEST(OutputFileNode, OwnerGroupAndModeOfTheFileAreKept) {
+    REQUIRE_PRIVILEGE(isRoot(), "root");
+    // A change of owner clears the set-id bits.
+    for (const mode_t mode : {0644U, 0660U, 06755U}) {
+        const TemporaryFolder folder;
+        const std::string name = folder.write("out.xml", "old");
+        ASSERT_EQ(::chown(name.c_str(), 65534, 1), 0);
+        ASSERT_EQ(::chmod(name.c_str(), mode), 0);
+        writeFile(name, kContent);
+        const struct stat status = statusOf(name);
+        EXPECT_EQ(status.st_uid, 65534u);
+        EXPECT_EQ(status.st_gid, 1u);
+        EXPECT_EQ(modeOf(name), mode);
+    }
+}
+
+TEST(OutputFileNode, MountPointIsOverwrittenInPlace) {
+    const TemporaryFolder folder;
+    const std::string point = folder.write("point.xml", "below the mount");
+    const std::string file = folder.write("file.xml", std::string(500'000, 'o'));
+    {
+        const Mount mount = Mount::file(file, point);
+        REQUIRE_PRIVILEGE(mount.mounted(), "the right to mount");
+        writeFile(point, kContent);
+        EXPECT_TRUE(readBytes(point) == kContent.toStdString());
+    }
+    EXPECT_TRUE(readBytes(file) == kContent.toStdString());
+    EXPECT_EQ(readBytes(point), "below the mount");
+    EXPECT_EQ(entriesOf(folder.name()), Names({"file.xml", "point.xml"}));
+}

@@ -1,0 +1,239 @@
+#include "OutputFile.h"
+#include "outputFolder.h"
+#include "thrown.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+using namespace pos;
+using testing::PrintToString;
+
+namespace {
+
+namespace fs = std::filesystem;
+using Names = std::set<std::string>;
+
+const QByteArray kContent = "<?xml version='1.0'?>\n<new/>\n";
+
+/** Sets the mask of permissions that new files do not get, until the object goes. */
+class FileModeMask {
+public:
+    explicit FileModeMask(mode_t mask) : before_(::umask(mask)) {}
+    ~FileModeMask() {
+        ::umask(before_);
+    }
+    FileModeMask(const FileModeMask&) = delete;
+    FileModeMask& operator=(const FileModeMask&) = delete;
+    FileModeMask(FileModeMask&&) = delete;
+    FileModeMask& operator=(FileModeMask&&) = delete;
+
+private:
+    mode_t before_;
+};
+
+/** Writes the content under a name and expects a file to hold it then. */
+void writeAndExpectIn(const std::string& file, const std::string& name) {
+    writeFile(name, kContent);
+    EXPECT_EQ(readBytes(file), kContent.toStdString());
+    EXPECT_TRUE(S_ISREG(statusOf(file).st_mode));
+}
+
+/** What is thrown when over a limit of 1000 bytes per file 3000 bytes are written under a name. */
+std::string messageBeyondTheLimit(const std::string& name) {
+    return messageOf([&] {
+        const FileSizeLimit limit(1000);
+        writeFile(name, QByteArray(3000, 'n'));
+    });
+}
+
+} // namespace
+
+TEST(OutputFile, MakesAMissingFile) {
+    const TemporaryFolder folder;
+    writeAndExpectIn(folder.path("out.xml"), folder.path("out.xml"));
+    EXPECT_EQ(entriesOf(folder.name()), Names({"out.xml"}));
+}
+
+TEST(OutputFile, ReplacesAShorterAndALongerFile) {
+    for (const std::string& old : {std::string(), std::string("old"), std::string(300'000, 'o')}) {
+        const TemporaryFolder folder;
+        const std::string name = folder.write("out.xml", old);
+        writeAndExpectIn(name, name);
+        EXPECT_EQ(entriesOf(folder.name()), Names({"out.xml"}));
+    }
+}
+
+TEST(OutputFile, WritesEveryByteOfAnyContent) {
+    const TemporaryFolder folder;
+    QByteArray everyByte;
+    for (int byte = 0; byte < 1'000'000; ++byte) {
+        everyByte.append(static_cast<char>(byte % 251));
+    }
+    for (const QByteArray& content : {QByteArray(), QByteArray("\0\r\n\0", 4), everyByte}) {
+        writeFile(folder.path("out.xml"), content);
+        EXPECT_TRUE(folder.read("out.xml") == content.toStdString()) << content.size();
+    }
+}
+
+TEST(OutputFile, KeepsTheModeOfTheFileWhateverTheMask) {
+    const FileModeMask mask(077);
+    for (const mode_t mode : {0600U, 0640U, 0644U, 0664U, 0666U, 0755U, 0222U, 02664U}) {
+        const TemporaryFolder folder;
+        const std::string name = folder.write("out.xml", "old");
+        ASSERT_EQ(::chmod(name.c_str(), mode), 0);
+        writeFile(name, kContent);
+        EXPECT_EQ(modeOf(name), mode) << std::oct << mode;
+    }
+}
+
+TEST(OutputFile, MaskShapesTheModeOfANewFile) {
+    const std::vector<std::pair<mode_t, mode_t>> rows = {{0, 0666}, {022, 0644}, {027, 0640}, {077, 0600}};
+    for (const auto& [mask, mode] : rows) {
+        const TemporaryFolder folder;
+        const FileModeMask guard(mask);
+        writeFile(folder.path("out.xml"), kContent);
+        EXPECT_EQ(modeOf(folder.path("out.xml")), mode) << std::oct << mask;
+        // The longest name that a file can have leaves no room for that of a temporary file.
+        writeFile(folder.path(std::string(255, 'n')), kContent);
+        EXPECT_EQ(modeOf(folder.path(std::string(255, 'n'))), mode) << std::oct << mask;
+    }
+}
+
+TEST(OutputFile, OtherHardLinksKeepTheOldContent) {
+    const TemporaryFolder folder;
+    const std::string name = folder.write("out.xml", "old");
+    fs::create_hard_link(name, folder.path("other.xml"));
+    writeAndExpectIn(name, name);
+    EXPECT_EQ(folder.read("other.xml"), "old");
+    EXPECT_EQ(entriesOf(folder.name()), Names({"other.xml", "out.xml"}));
+}
+
+TEST(OutputFile, SymbolicLinksStayAndTheFileBehindThemIsReplaced) {
+    const TemporaryFolder folder;
+    const std::string file = folder.write("data/file.xml", "old");
+    fs::create_directory(folder.path("links"));
+    fs::create_symlink("../data/file.xml", folder.path("links/relative"));
+    fs::create_symlink(file, folder.path("absolute"));
+    fs::create_symlink("links/relative", folder.path("chain"));
+    for (const std::string link : {"links/relative", "absolute", "chain"}) {
+        folder.write("data/file.xml", "old");
+        writeAndExpectIn(file, folder.path(link));
+        EXPECT_TRUE(S_ISLNK(statusOf(folder.path(link)).st_mode)) << link;
+        EXPECT_EQ(entriesOf(folder.path("data")), Names({"file.xml"})) << link;
+        EXPECT_EQ(entriesOf(folder.path("links")), Names({"relative"})) << link;
+    }
+}
+
+TEST(OutputFile, LinkToNothingStaysAndTheFileThatItNamesIsMade) {
+    const TemporaryFolder folder;
+    const std::string file = folder.path("data/file.xml");
+    fs::create_directory(folder.path("data"));
+    fs::create_directory(folder.path("links"));
+    fs::create_symlink("../data/file.xml", folder.path("links/relative"));
+    fs::create_symlink(file, folder.path("absolute"));
+    fs::create_symlink("links/relative", folder.path("chain"));
+    for (const std::string link : {"links/relative", "absolute", "chain"}) {
+        fs::remove(file);
+        writeAndExpectIn(file, folder.path(link));
+        EXPECT_TRUE(S_ISLNK(statusOf(folder.path(link)).st_mode)) << link;
+        EXPECT_EQ(entriesOf(folder.path("data")), Names({"file.xml"})) << link;
+        EXPECT_EQ(entriesOf(folder.path("links")), Names({"relative"})) << link;
+    }
+}
+
+TEST(OutputFile, LinkBehindALinkedFolderLeadsFromTheRealFolder) {
+    const TemporaryFolder folder;
+    fs::create_directories(folder.path("real/deep"));
+    fs::create_symlink("../file.xml", folder.path("real/deep/out.xml"));
+    // "shown/deep/../file.xml" is real/file.xml, not shown/file.xml.
+    folder.write("shown/file.xml", "precious");
+    fs::create_symlink(folder.path("real/deep"), folder.path("shown/deep"));
+    for (const std::string old : {"missing", "old"}) {
+        if (old != "missing") {
+            folder.write("real/file.xml", old);
+        }
+        writeAndExpectIn(folder.path("real/file.xml"), folder.path("shown/deep/out.xml"));
+        EXPECT_EQ(folder.read("shown/file.xml"), "precious");
+        EXPECT_EQ(entriesOf(folder.path("real/deep")), Names({"out.xml"}));
+    }
+}
+
+TEST(OutputFile, StepBackFromALinkedFolderLeadsToTheRealParent) {
+    const TemporaryFolder folder;
+    fs::create_directories(folder.path("real/deep"));
+    folder.write("shown/file.xml", "precious");
+    fs::create_symlink(folder.path("real/deep"), folder.path("shown/deep"));
+    writeAndExpectIn(folder.path("real/file.xml"), folder.path("shown/deep/../file.xml"));
+    writeAndExpectIn(folder.path("real/file.xml"), folder.path("shown/deep/../file.xml"));
+    EXPECT_EQ(folder.read("shown/file.xml"), "precious");
+    EXPECT_EQ(entriesOf(folder.path("shown")), Names({"deep", "file.xml"}));
+    EXPECT_EQ(entriesOf(folder.path("real")), Names({"deep", "file.xml"}));
+}
+
+TEST(OutputFile, NameThatCannotBeOpenedIsAnErrorAndChangesNothing) {
+    const TemporaryFolder folder;
+    const std::string file = folder.write("file.xml", "old");
+    fs::create_directory(folder.path("folder"));
+    fs::create_symlink("loop2", folder.path("loop1"));
+    fs::create_symlink("loop1", folder.path("loop2"));
+    fs::create_symlink("made/", folder.path("to-a-missing-folder"));
+    fs::create_symlink("folder", folder.path("to-a-folder"));
+    fs::create_symlink("file.xml/", folder.path("to-a-file-as-a-folder"));
+    const Names before = entriesOf(folder.name());
+    for (const std::string& name : {
+             std::string(),
+             folder.path("folder"),
+             folder.path("folder/"),
+             folder.path("folder/."),
+             folder.path("missing/"),
+             folder.path("missing/."),
+             folder.path("missing/.."),
+             folder.path("missing/out.xml"),
+             folder.path("file.xml/"),
+             folder.path("file.xml/out.xml"),
+             folder.path("loop1"),
+             folder.path("loop1/out.xml"),
+             folder.path("to-a-folder"),
+             folder.path("to-a-missing-folder"),
+             folder.path("to-a-file-as-a-folder"),
+             folder.path(std::string(256, 'n')),
+             folder.path(std::string(5000, '/') + "out.xml"),
+             file + std::string(1, '\0'),
+             std::string("/proc/self/fd/9999999"),
+         }) {
+        EXPECT_EQ(messageOf([&] { writeFile(name, kContent); }), "File open error: Unable to open output file")
+            << PrintToString(name);
+        EXPECT_EQ(entriesOf(folder.name()), before) << PrintToString(name);
+        EXPECT_EQ(entriesOf(folder.path("folder")), Names()) << PrintToString(name);
+        EXPECT_EQ(readBytes(file), "old") << PrintToString(name);
+    }
+}
+
+TEST(OutputFile, ContentThatDoesNotFitLeavesTheOlderFileWhole) {
+    const std::string longest(255, 'n');
+    for (const std::string& name : {std::string("out.xml"), longest}) {
+        for (const std::string& old : {std::string("old"), std::string(5000, 'o')}) {
+            const TemporaryFolder folder;
+            folder.write(name, old);
+            ASSERT_EQ(::chmod(folder.path(name).c_str(), 0640), 0);
+            EXPECT_EQ(messageBeyondTheLimit(folder.path(name)),
+                      "File write error: Unable to write output file " + folder.path(name) + ": File too large");
+            EXPECT_EQ(folder.read(name), old);
+            EXPECT_EQ(modeOf(folder.path(name)), 0640u);
+            EXPECT_EQ(entriesOf(folder.name()), Names({name}));
+        }
+    }
+}
+
+TEST(OutputFile, ContentThatDoesNotFitMakesNoFile) {
+    const TemporaryFolder folder;
+    fs::create_symlink("linked.xml", folder.path("link"));
+    for (const std::string& name : {std::string("out.xml"), std::string("link"), std::string(255, 'n')}) {
+        EXPECT_EQ(messageBeyondTheLimit(folder.path(name)),
+                  "File write error: Unable to write output file " + folder.path(name) + ": File too large");
+        EXPECT_EQ(entriesOf(folder.name()), Names({"link"}));
+    }
+}
