@@ -1,0 +1,321 @@
+#include "TemporaryFolder.h"
+#include "angles.h"
+#include "configuredDocument.h"
+#include "fieldDefinition.h"
+#include "tolerances.h"
+#include "xml.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <set>
+
+// Whole runs with the embedded configuration: one field, several, and what a field may hold besides its two targets.
+
+namespace {
+
+using Attributes = std::map<std::string, std::string>;
+
+/** The fibres of the embedded bundle in ascending identifier, from the file that is embedded. */
+std::map<int, Attributes> bundleFibres() {
+    const QDomDocument bundle = parseDocument(readBytes(POS_SOURCE_FOLDER "/pos/positioner/resources/VEKO.xml"));
+    std::map<int, Attributes> fibres;
+    for (const QDomElement& fibre : children(bundle.documentElement(), "fibre")) {
+        fibres[std::stoi(text(fibre, "id"))] = attributes(fibre);
+    }
+    return fibres;
+}
+
+QDomElement fieldOf(const QDomDocument& document, std::size_t index = 0) {
+    return elements(document, "field").at(index);
+}
+
+/** The targets of a field that the run has generated. */
+std::vector<QDomElement> generatedTargets(const QDomElement& field) {
+    std::vector<QDomElement> generated;
+    for (const QDomElement& target : children(field, "target")) {
+        if (text(target, "automatic") == "1") {
+            generated.push_back(target);
+        }
+    }
+    return generated;
+}
+
+/** The names of a field's own targets, with their configure target ids, in document order. */
+std::vector<std::string> namesWithIds(const QDomElement& field) {
+    std::vector<std::string> names;
+    for (const QDomElement& target : elements(field, "target")) {
+        if (text(target, "automatic") != "1") {
+            names.push_back(text(target, "targname") + " " + text(target, "configid"));
+        }
+    }
+    return names;
+}
+
+constexpr int kFibres = 603;
+constexpr int kMiddleFibre = 304;
+
+} // namespace
+
+TEST(ConfigurationRun, WritesOneTargetForEveryFibreOfTheBundle) {
+    const QDomDocument output = configured(FieldDefinition().text());
+    std::map<int, QDomElement> targets;
+    for (const QDomElement& target : children(fieldOf(output), "target")) {
+        if (text(target, "targuse") != "G") {
+            EXPECT_TRUE(targets.emplace(std::stoi(text(target, "configid")), target).second);
+        }
+    }
+    const std::map<int, Attributes> fibres = bundleFibres();
+    ASSERT_EQ(fibres.size(), static_cast<std::size_t>(kFibres));
+    ASSERT_EQ(targets.size(), fibres.size());
+    std::set<int> broken;
+    int sky = 0;
+    for (const auto& [id, fibre] : fibres) {
+        const QDomElement target = targets.at(id);
+        const bool enabled = fibre.at("status") == "enabled";
+        const bool isSky = fibre.at("fibre_name").front() == 'S';
+        EXPECT_EQ(text(target, "fibreid"), std::to_string(enabled ? id : -id));
+        EXPECT_EQ(text(target, "ifu_spaxel"), fibre.at("fibre_name")) << id;
+        EXPECT_EQ(text(target, "targuse"), isSky ? "S" : "T") << id;
+        EXPECT_NEAR(number(target, "targx"), std::stod(fibre.at("pos_x")), kPlateToleranceMm) << id;
+        EXPECT_NEAR(number(target, "targy"), std::stod(fibre.at("pos_y")), kPlateToleranceMm) << id;
+        sky += isSky ? 1 : 0;
+        if (!enabled) {
+            broken.insert(id);
+        }
+    }
+    EXPECT_EQ(sky, 56);
+    EXPECT_EQ(broken, (std::set<int>{160, 504, 573}));
+}
+
+TEST(ConfigurationRun, AppendsTheNewTargetsInAscendingFibreOrderAfterTheFieldsOwn) {
+    const QDomDocument output = configured(FieldDefinition().text());
+    std::vector<int> ids;
+    for (const QDomElement& target : children(fieldOf(output), "target")) {
+        ids.push_back(std::stoi(text(target, "configid")));
+    }
+    std::vector<int> expected = {kMiddleFibre, 0};
+    for (int id = 1; id <= kFibres; ++id) {
+        if (id != kMiddleFibre) {
+            expected.push_back(id);
+        }
+    }
+    EXPECT_EQ(ids, expected);
+}
+
+TEST(ConfigurationRun, PutsTheScienceTargetOnTheMiddleFibreWithoutTouchingItsOtherAttributes) {
+    const QDomDocument output = configured(FieldDefinition().text());
+    EXPECT_EQ(attributes(children(fieldOf(output), "target").at(0)), (Attributes{{"targname", "Galaxy"},
+                                                                                 {"targuse", "T"},
+                                                                                 {"targra", "150.10000000"},
+                                                                                 {"targdec", "20.10000000"},
+                                                                                 {"fibreid", "304"},
+                                                                                 {"targx", "0"},
+                                                                                 {"targy", "-20"},
+                                                                                 {"ifu_pa", "0"},
+                                                                                 {"ifu_spaxel", "C14"},
+                                                                                 {"configid", "304"}}));
+}
+
+TEST(ConfigurationRun, GivesTheGuideStarItsPlatePositionAndNoFibre) {
+    const QDomDocument output = configured(FieldDefinition().text());
+    const QDomElement guide = children(fieldOf(output), "target").at(1);
+    Attributes written = attributes(guide);
+    EXPECT_TRUE(written.count("targx") == 1 && written.count("targy") == 1);
+    // The star is 0.1 degrees north of the science target, which is at (0, -20): up by about the plate scale.
+    EXPECT_NEAR(number(guide, "targx"), 0.0, 0.2);
+    EXPECT_NEAR(number(guide, "targy"), -20.0 + 20.3, 0.1);
+    written.erase("targx");
+    written.erase("targy");
+    EXPECT_EQ(written, (Attributes{{"targname", "Star"},
+                                   {"targuse", "G"},
+                                   {"targra", "150.10000000"},
+                                   {"targdec", "20.20000000"},
+                                   {"fibreid", ""},
+                                   {"ifu_pa", "0"},
+                                   {"ifu_spaxel", ""},
+                                   {"configid", "0"}}));
+}
+
+TEST(ConfigurationRun, MakesGeneratedTargetsAsCopiesOfTheScienceTarget) {
+    const std::string science =
+        targetXml("T", "Galaxy", "150.10000000", "20.10000000",
+                  R"(targsrvy="deep" targprio="7.5" cname="C1" targcat="cat" targclass="GALAXY" targprog="p" targid="i"
+                     targparal="5" targpmra="3.2" targpmdec="-4" targrv="12" own="kept")",
+                  R"(<photometry mag_g="15.1"/><note>of the user</note>)");
+    const QDomDocument output = configured(documentWithFields({fieldXml(science + guideStarXml())}));
+    const std::vector<QDomElement> generated = generatedTargets(fieldOf(output));
+    ASSERT_EQ(generated.size(), 602U);
+    for (const QDomElement& target : generated) {
+        Attributes written = attributes(target);
+        for (const char* own :
+             {"targra", "targdec", "fibreid", "targx", "targy", "ifu_spaxel", "configid", "targuse"}) {
+            EXPECT_EQ(written.erase(own), 1U) << own;
+        }
+        EXPECT_EQ(written, (Attributes{{"targname", "Galaxy"},
+                                       {"targsrvy", "deep"},
+                                       {"targprio", "7.5"},
+                                       {"cname", "C1"},
+                                       {"targcat", "cat"},
+                                       {"targclass", "GALAXY"},
+                                       {"targprog", "p"},
+                                       {"targid", "i"},
+                                       {"targparal", "0"},
+                                       {"targpmra", "0"},
+                                       {"targpmdec", "0"},
+                                       {"targrv", "12"},
+                                       {"own", "kept"},
+                                       {"automatic", "1"},
+                                       {"targepoch", "2016.00"},
+                                       {"ifu_pa", "0"}}));
+        EXPECT_EQ(treeText(target.firstChild()), "<photometry mag_g='15.1'>\n");
+        EXPECT_EQ(treeText(target.lastChild()), "<note>\n [3 #text] of the user\n");
+    }
+}
+
+TEST(ConfigurationRun, FillsInWhatTheScienceTargetLacksOnGeneratedTargetsOnly) {
+    const QDomDocument output = configured(FieldDefinition().text());
+    for (const QDomElement& target : generatedTargets(fieldOf(output))) {
+        Attributes written = attributes(target);
+        EXPECT_EQ(written["targname"], "Galaxy");
+        EXPECT_EQ(written["targsrvy"], "");
+        EXPECT_EQ(written["targprio"], "1");
+        EXPECT_EQ(written["cname"], "%%%");
+        EXPECT_EQ(written["targcat"], "");
+        EXPECT_EQ(written["targclass"], text(target, "targuse") == "S" ? "" : "UNKNOWN");
+        EXPECT_EQ(written["targprog"], "");
+        EXPECT_EQ(written["targid"], "");
+    }
+}
+
+TEST(ConfigurationRun, UsesTheFibreThatTheScienceTargetCarries) {
+    const struct {
+        std::string attribute;
+        std::string fibreid;
+        std::string spaxel;
+        double y;
+    } cases[] = {{R"(fibreid="1")", "1", "C01", -17.501},
+                 {R"(fibreid="160")", "160", "C07", -18.654},
+                 {R"(fibreid="%%%")", "304", "C14", -20.0},
+                 {R"(fibreid="")", "304", "C14", -20.0}};
+    for (const auto& [attribute, fibreid, spaxel, y] : cases) {
+        SCOPED_TRACE(attribute);
+        const QDomDocument output =
+            configured(documentWithFields({fieldXml(scienceTargetXml(attribute) + guideStarXml())}));
+        const QDomElement science = children(fieldOf(output), "target").at(0);
+        // The identifier is not negated here, not even that of the broken fibre 160.
+        EXPECT_EQ(text(science, "fibreid"), fibreid);
+        EXPECT_EQ(text(science, "configid"), fibreid);
+        EXPECT_EQ(text(science, "ifu_spaxel"), spaxel);
+        EXPECT_NEAR(number(science, "targx"), 0.0, kPlateToleranceMm);
+        EXPECT_NEAR(number(science, "targy"), y, kPlateToleranceMm);
+        EXPECT_EQ(generatedTargets(fieldOf(output)).size(), 602U);
+    }
+}
+
+TEST(ConfigurationRun, WritesTheSameFieldCentreIntoTheFieldAndTheObservation) {
+    const QDomDocument output = configured(FieldDefinition().text());
+    const QDomElement field = fieldOf(output);
+    const QDomElement observation = onlyElement(output, "observation");
+    for (const char* attribute : {"RA_d", "Dec_d"}) {
+        EXPECT_EQ(text(observation, attribute), text(field, attribute));
+        EXPECT_THAT(text(field, attribute), testing::MatchesRegex("[0-9]+\\.[0-9]{6}"));
+    }
+    // With the target 20 mm below it, the centre is 20 mm / 202.84 mm/degree north of the target.
+    EXPECT_NEAR(number(field, "RA_d"), 150.1, 0.001);
+    EXPECT_NEAR(number(field, "Dec_d"), 20.1 + 20.0 / 202.84, 0.0005);
+}
+
+TEST(ConfigurationRun, ConfiguresEveryFieldAndWritesOnlyTheFirstCentreIntoTheObservation) {
+    const QDomDocument output = configured(documentWithFields({ordinaryFieldXml(), secondFieldXml()}));
+    const QDomElement first = fieldOf(output, 0);
+    const QDomElement second = fieldOf(output, 1);
+    const QDomElement observation = onlyElement(output, "observation");
+    EXPECT_EQ(text(observation, "RA_d") + text(observation, "Dec_d"), text(first, "RA_d") + text(first, "Dec_d"));
+    EXPECT_NEAR(number(second, "RA_d"), 150.2, 0.001);
+    EXPECT_NEAR(number(second, "Dec_d"), 21.1 + 20.0 / 202.84, 0.0005);
+    for (const QDomElement& field : {first, second}) {
+        EXPECT_EQ(generatedTargets(field).size(), 602U);
+        EXPECT_EQ(text(children(field, "target").at(0), "ifu_spaxel"), "C14");
+        EXPECT_EQ(text(children(field, "target").at(1), "configid"), "0");
+        EXPECT_NEAR(number(children(field, "target").at(1), "targy"), -20.0 + 20.3, 0.1);
+    }
+    EXPECT_EQ(text(generatedTargets(first).front(), "targname"), "Galaxy");
+    EXPECT_EQ(text(generatedTargets(second).front(), "targname"), "Galaxy 2");
+}
+
+TEST(ConfigurationRun, ConfiguresARepeatedFieldAsItDidTheFirstTime) {
+    const QDomDocument once = configured(FieldDefinition().text());
+    const QDomDocument thrice =
+        configured(documentWithFields({ordinaryFieldXml(), secondFieldXml(), ordinaryFieldXml()}));
+    EXPECT_EQ(treeText(fieldOf(thrice, 0)), treeText(fieldOf(once)));
+    EXPECT_EQ(treeText(fieldOf(thrice, 2)), treeText(fieldOf(once)));
+}
+
+TEST(ConfigurationRun, DoesNotHoldLaterFieldsToTheLimitsOfTheFirst) {
+    // 12 hours away from the first field, and so below the horizon.
+    const std::string opposite = R"(<field RA_d="330.000000" Dec_d="-20.000000">)" +
+                                 targetXml("T", "Galaxy", "330.10000000", "-20.10000000") +
+                                 targetXml("G", "Star", "330.10000000", "-20.20000000") + "</field>";
+    const QDomDocument output = configured(documentWithFields({ordinaryFieldXml(), opposite}));
+    EXPECT_EQ(generatedTargets(fieldOf(output, 1)).size(), 602U);
+}
+
+TEST(ConfigurationRun, TakesTheLastScienceTargetBeforeTheGuideStarIsSeen) {
+    const std::string other = targetXml("T", "Other", "150.15000000", "20.15000000");
+    const QDomDocument later = configured(documentWithFields({fieldXml(scienceTargetXml() + other + guideStarXml())}));
+    EXPECT_EQ(namesWithIds(fieldOf(later)), (std::vector<std::string>{"Galaxy 2", "Other 304", "Star 0"}));
+    EXPECT_EQ(text(generatedTargets(fieldOf(later)).front(), "targname"), "Other");
+
+    const QDomDocument stopped =
+        configured(documentWithFields({fieldXml(scienceTargetXml() + guideStarXml() + other)}));
+    EXPECT_EQ(namesWithIds(fieldOf(stopped)), (std::vector<std::string>{"Galaxy 304", "Star 0", "Other 4"}));
+}
+
+TEST(ConfigurationRun, NumbersTheOtherTargetsOfTheFirstFieldOnly) {
+    const std::string fields = targetXml("C", "Cal", "150.3000000", "20.3000000", R"(configid="2")") + "<group>" +
+                               targetXml("S", "Blank", "150.4000000", "20.3000000") + "<group>" +
+                               targetXml("T", "Grouped", "150.5000000", "20.3000000") + "</group></group>" +
+                               scienceTargetXml() + guideStarXml(R"(configid="77")") +
+                               R"(<avoidance_list><mask RA_d="150.300000" Dec_d="20.300000" radius="4.5"/>
+                                  <mask RA_d="150.400000" Dec_d="20.300000"/></avoidance_list>)";
+    const QDomDocument output = configured(documentWithFields({fieldXml(fields), fieldXml(fields)}));
+    // 2 is taken: the targets without an id get 3, 4 and 5 in document order; then the science target gets its fibre's
+    // and the guide star 0.
+    EXPECT_EQ(namesWithIds(fieldOf(output, 0)),
+              (std::vector<std::string>{"Cal 2", "Blank 3", "Grouped 4", "Galaxy 304", "Star 0"}));
+    EXPECT_EQ(namesWithIds(fieldOf(output, 1)),
+              (std::vector<std::string>{"Cal 2", "Blank (absent)", "Grouped (absent)", "Galaxy 304", "Star 0"}));
+    for (const QDomElement& field : elements(output, "field")) {
+        EXPECT_EQ(treeText(onlyElement(field, "avoidance_list")),
+                  "<avoidance_list>\n <mask Dec_d='20.300000' RA_d='150.300000' radius='4.5'>\n"
+                  " <mask Dec_d='20.300000' RA_d='150.400000'>\n");
+        const std::vector<QDomElement> groups = elements(field, "group");
+        ASSERT_EQ(groups.size(), 2U);
+        EXPECT_EQ(children(groups.at(0), "target").size(), 1U);
+        EXPECT_EQ(children(groups.at(1), "target").size(), 1U);
+        EXPECT_EQ(generatedTargets(field).size(), 602U);
+    }
+}
+
+TEST(ConfigurationRun, ReadsAMissingOrUnreadablePositionAngleAsZero) {
+    const struct {
+        std::string attribute;
+        double degrees;
+    } cases[] = {{"", 0.0}, {R"(pa="abc")", 0.0}, {R"(pa="")", 0.0}, {R"(pa="30")", 30.0}, {R"(pa="370")", 10.0}};
+    for (const auto& [attribute, degrees] : cases) {
+        SCOPED_TRACE(attribute);
+        const QDomDocument output = configured(documentWithObservation(attribute));
+        for (const QDomElement& target : elements(output, "target")) {
+            EXPECT_NEAR(pos::degreesToRadians(number(target, "ifu_pa")), pos::degreesToRadians(degrees),
+                        kAngleTolerance);
+        }
+    }
+}
+
+TEST(ConfigurationRun, TakesAnObservationAsTheDocumentElement) {
+    const QDomDocument output =
+        configured(R"(<observation datamver="8.00"><configure><conditions epoch="2024.5"/></configure><fields>)" +
+                   ordinaryFieldXml() + "</fields></observation>");
+    EXPECT_EQ(generatedTargets(fieldOf(output)).size(), 602U);
+    EXPECT_EQ(text(output.documentElement(), "RA_d"), text(fieldOf(output), "RA_d"));
+}

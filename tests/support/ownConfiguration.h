@@ -1,0 +1,32 @@
+#ifndef POS_TESTS_OWNCONFIGURATION_H
+#define POS_TESTS_OWNCONFIGURATION_H
+
+#include "TemporaryFolder.h"
+
+#include <string>
+
+/**
+ * A configuration on disk in parts, each of which a test may replace: the site and limits of the embedded one, with
+ * data files of its own beside it, and a data model version of its own.
+ */
+struct OwnConfiguration {
+    std::string datamver = "9.50";
+    std::string configureVersion = "<configure_version>3.3.5</configure_version>";
+    std::string defaultEpoch = "<default_epoch>2000.0</default_epoch>";
+    std::string mapName = "data/map.xml";
+    std::string vekoDefinition = "<veko_definition>data/bundle.xml</veko_definition>";
+    /** Attributes of the optical axes. */
+    std::string plateA = R"(x0="0" y0="0" r0="0")";
+    std::string plateB = R"(x0="0" y0="0" r0="0")";
+    std::string veko = R"(x0="0" y0="0" r0="0")";
+    std::string mapAttributes = R"(focal_length="11724.24")";
+    std::string distortion = R"(c1="202.841" c3="3.0191" c5="-0.0995944" c7="0.0")";
+    /** Attributes of the bundle, without its data model version. */
+    std::string bundle = R"(centre_x="0" centre_y="0" orientation="0")";
+    std::string fibres = R"(<fibre id="304" pos_x="0" pos_y="0" fibre_name="C14"/>)";
+
+    /** Writes configuration and data files into the folder. @return the name of the configuration file */
+    std::string write(const TemporaryFolder& folder) const;
+};
+
+#endif
