@@ -1,0 +1,242 @@
+/**
+ * The whole way between catalogue and plate against tests/golden/, where astropy's frames and plain vector algebra
+ * went the same way. The tables' heads say how they were made.
+ */
+#include "FocalPlane.h"
+#include "FocalPlaneCoordinates.h"
+#include "PosConfig.h"
+#include "ProcessWideState.h"
+#include "TemporaryFolder.h"
+#include "angles.h"
+#include "table.h"
+#include "tolerances.h"
+
+#include <QDomDocument>
+#include <cmath>
+#include <functional>
+
+using namespace pos;
+
+namespace {
+
+const std::string kGolden = std::string(POS_SOURCE_FOLDER) + "/tests/golden/";
+
+/**
+ * A configuration and its focal-plane map in a folder, for one row of sites.csv. The rotation of the plate VEKO is in
+ * force for every plate, so that of another has no effect. @return the configuration's name
+ */
+std::string writeConfiguration(const TemporaryFolder& folder, const TableRow& site) {
+    const auto element = [&](const std::string& name, const std::string& column) {
+        return "<" + name + ">" + site.text(column) + "</" + name + ">";
+    };
+    const auto attribute = [&](const std::string& name, const std::string& column) {
+        return " " + name + "=\"" + site.text(column) + "\"";
+    };
+    const std::string turn = attribute("r0", "r0_deg");
+    const std::string plateA = attribute("x0", "plate_a_x0") + attribute("y0", "plate_a_y0");
+    const std::string veko = attribute("x0", "veko_x0") + attribute("y0", "veko_y0");
+    const std::string coefficients = attribute("c1", "c1") + attribute("c3", "c3") + attribute("c5", "c5");
+    folder.write(site.text("site") + "_map.xml",
+                 "<focal_plane_map datamver=\"8.00\" focal_length=\"11724.24\">"
+                 "<optical_axis><PLATE_A" +
+                     plateA + " r0=\"-33\"/><PLATE_B x0=\"9\" y0=\"9\" r0=\"9\"/><VEKO" + veko + turn +
+                     "/></optical_axis><distortion_coefficients" + coefficients + "/></focal_plane_map>");
+    return folder.write(site.text("site") + ".xml",
+                        "<configure datamver=\"8.00\"><telescope>" + element("east_longitude", "east_longitude_deg") +
+                            element("latitude", "latitude_deg") + element("height", "height_m") +
+                            element("horizon_limit", "horizon_limit_deg") + "<rotator_offset>0</rotator_offset>" +
+                            "<focal_plane_map>" + site.text("site") + "_map.xml</focal_plane_map>" +
+                            "</telescope></configure>");
+}
+
+/** Speed of a point of the equator as the Earth turns, over the speed of light. */
+constexpr double kTurningSpeed = 465.1 / 299792458;
+/** Radius of a field of 1 degree, mm, in which the chain is to agree within kFieldToleranceMm. */
+constexpr double kFieldRadiusMm = 210.0;
+
+double altitudeDeg(const TableRow& pointing) {
+    return 90 - radiansToDegrees(pointing.number("zd_resting"));
+}
+
+/** Distance of two nearby places, radians. */
+double onSky(double ra, double dec, double otherRa, double otherDec) {
+    return std::hypot(wrapAngle(ra - otherRa) * std::cos(dec), dec - otherDec);
+}
+
+ICRS cataloguePlace(const TableRow& row) {
+    return {row.number("ra"),     row.number("dec"),      row.number("epoch"), row.number("pm_ra"),
+            row.number("pm_dec"), row.number("parallax"), row.number("rv")};
+}
+
+/** How far a catalogue place moves up to the date, radians. */
+double motion(const TableRow& row, double mjdTai) {
+    const double epoch = row.number("epoch");
+    const double years = epoch > 0 ? 2000 + (mjdTai - 51544.5) / 365.25 - epoch : 0;
+    return std::fabs(years) * std::hypot(row.number("pm_ra"), row.number("pm_dec")) * 1e3 * kMicroarcsecond;
+}
+
+/** How well two programs can agree on a place with space motion, radians. */
+double spaceMotionTolerance(const TableRow& row, double mjdTai) {
+    return kSpaceMotionTolerance +
+           (row.number("parallax") > 0 ? 0 : kRelativeMotionWithoutParallax * motion(row, mjdTai));
+}
+
+double distanceMm(PlateCoordinates a, const TableRow& row, const std::string& observer) {
+    return std::hypot(a.x - row.number("x_" + observer), a.y - row.number("y_" + observer));
+}
+
+/** Where the row's catalogue place lands. */
+PlateCoordinates landed(const FocalPlane& plane, const TableRow& row) {
+    const Astrometric place = cataloguePlace(row).toAstrometric(plane.date());
+    return PlateCoordinates(FocalPlaneCoordinates(plane.cirsToStd(place.toCirs(plane.date()))));
+}
+
+/** Worst and rms disagreement by altitude of the field centre. */
+class Disagreements {
+public:
+    void add(double altitude, double disagreement) {
+        Band& band = bands_[altitude < 5 ? 0 : altitude < 10 ? 5 : altitude < 20 ? 10 : altitude < 30 ? 20 : 30];
+        ++band.count;
+        band.worst = std::max(band.worst, std::fabs(disagreement));
+        band.sumOfSquares += disagreement * disagreement;
+    }
+    /** Leaves them in the test's report (--gtest_output=xml), in a unit. */
+    void report(const std::string& kind, double unit) const {
+        for (const auto& [lowest, band] : bands_) {
+            const std::string name = kind + "_from_" + std::to_string(lowest) + "_degrees_";
+            testing::Test::RecordProperty(name + "count", band.count);
+            testing::Test::RecordProperty(name + "worst", std::to_string(band.worst / unit));
+            testing::Test::RecordProperty(name + "rms",
+                                          std::to_string(std::sqrt(band.sumOfSquares / band.count) / unit));
+        }
+    }
+
+private:
+    struct Band {
+        int count = 0;
+        double worst = 0.0;
+        double sumOfSquares = 0.0;
+    };
+    std::map<int, Band> bands_;
+};
+
+constexpr std::size_t kFewestPositions = 500;
+constexpr double kNanometre = 1e-6; // mm
+constexpr double kPicometre = 1e-9; // mm
+
+class IndependentChainTest : public ProcessWideState {
+protected:
+    using Visit = std::function<void(const FocalPlane&, const TableRow& pointing, const TableRow& row)>;
+
+    /** Visits every row of a table with the library pointed as the row's pointing says. */
+    void forEach(const std::string& table, const Visit& visit) {
+        const TemporaryFolder folder;
+        std::map<std::string, std::string> configurations;
+        for (const TableRow& site : readTable(kGolden + "sites.csv")) {
+            configurations[site.text("site")] = writeConfiguration(folder, site);
+        }
+        const std::vector<TableRow> rows = readTable(kGolden + table);
+        for (const TableRow& pointing : readTable(kGolden + "pointings.csv")) {
+            SCOPED_TRACE("pointing " + pointing.text("pointing"));
+            const PosConfig config(configurations.at(pointing.text("site")).c_str(), PosConfig::XML);
+            const FocalPlane plane(config, pointing.text("plate") == "VEKO" ? VEKO : PLATE_A,
+                                   {pointing.number("centre_ra"), pointing.number("centre_dec")},
+                                   degreesToRadians(pointing.number("pa_deg")),
+                                   {pointing.number("mjd_tai"), pointing.number("temperature_k"),
+                                    pointing.number("pressure_mbar"), pointing.number("humidity")});
+            for (const TableRow& row : rows) {
+                if (row.text("pointing") == pointing.text("pointing")) {
+                    visit(plane, pointing, row);
+                    ++visited_;
+                }
+            }
+        }
+        EXPECT_EQ(visited_, rows.size());
+    }
+    std::size_t visited_ = 0;
+};
+
+} // namespace
+
+TEST_F(IndependentChainTest, FieldCentreIsObservedWhereTheChainObservesIt) {
+    forEach("pointings.csv", [](const FocalPlane& plane, const TableRow& pointing, const TableRow& row) {
+        EXPECT_LT(onSky(plane.hourAngle(), plane.tangentDec(), row.number("ha_resting"), row.number("dec_resting")),
+                  kDateResolution);
+        EXPECT_NEAR(plane.zenithDistance(), pointing.number("zd_resting"), kDateResolution);
+    });
+}
+
+TEST_F(IndependentChainTest, SpaceMotionLeadsWhereTheChainIsLed) {
+    forEach("places.csv", [](const FocalPlane& plane, const TableRow&, const TableRow& row) {
+        const Astrometric place = cataloguePlace(row).toAstrometric(plane.date());
+        EXPECT_LE(onSky(place.ra, place.dec, row.number("at_date_ra"), row.number("at_date_dec")),
+                  spaceMotionTolerance(row, plane.date()));
+    });
+    EXPECT_GE(visited_, kFewestPositions);
+}
+
+TEST_F(IndependentChainTest, CataloguePlacesLandWhereTheChainPutsThem) {
+    Disagreements disagreements;
+    forEach("places.csv", [&](const FocalPlane& plane, const TableRow& pointing, const TableRow& row) {
+        const double distance = distanceMm(landed(plane, row), row, "resting");
+        const double motionMm = spaceMotionTolerance(row, plane.date()) * kSteepestPlateScale;
+        EXPECT_LE(distance, kChainToleranceMm + motionMm);
+        if (row.number("parallax") > 0) {
+            disagreements.add(altitudeDeg(pointing), distance);
+        }
+    });
+    disagreements.report("picometres", kPicometre);
+    EXPECT_GE(visited_, kFewestPositions);
+}
+
+// The model takes the aberration of the Earth's centre for that of the telescope. What the telescope's own speed adds
+// stretches the field by the ratio of that speed to that of light, and moves the tangent point, from which north is
+// another direction the nearer the pole.
+TEST_F(IndependentChainTest, OnlyTheSpeedOfTheTurningEarthIsMissing) {
+    Disagreements disagreements;
+    int inTheField = 0;
+    forEach("places.csv", [&](const FocalPlane& plane, const TableRow& pointing, const TableRow& row) {
+        const double radius = std::hypot(row.number("x_resting"), row.number("y_resting"));
+        const double motionMm = spaceMotionTolerance(row, plane.date()) * kSteepestPlateScale;
+        const double distance = distanceMm(landed(plane, row), row, "turning");
+        EXPECT_LE(distance, radius * kTurningSpeed * (1 + std::tan(std::fabs(plane.tangentDec()))) + motionMm);
+        if (std::fabs(plane.tangentDec()) < kPi / 4 && radius < kFieldRadiusMm && row.number("parallax") > 0) {
+            disagreements.add(altitudeDeg(pointing), distance);
+            if (altitudeDeg(pointing) > 30) {
+                EXPECT_LE(distance, kFieldToleranceMm);
+                ++inTheField;
+            }
+        }
+    });
+    disagreements.report("nanometres_to_45_degrees_of_declination", kNanometre);
+    EXPECT_GT(inTheField, 100);
+}
+
+TEST_F(IndependentChainTest, PlatePositionsSeeThePlacesThatAstropySaysTheySee) {
+    forEach("way_back.csv", [](const FocalPlane& plane, const TableRow&, const TableRow& row) {
+        const Astrometric place = plane.xyToCirs({row.number("x"), row.number("y")}).toAstrometric(plane.date());
+        EXPECT_LT(onSky(place.ra, place.dec, row.number("ra_library"), row.number("dec_library")), kMicroarcsecond);
+    });
+    EXPECT_GE(visited_, kFewestPositions);
+}
+
+// The way there inverted numerically. The astronomy library takes refraction off by an approximation that is the worse
+// the lower the field.
+TEST_F(IndependentChainTest, PlatePositionsSeeThePlacesThatLandThere) {
+    Disagreements disagreements;
+    int unrefracted = 0;
+    forEach("way_back.csv", [&](const FocalPlane& plane, const TableRow& pointing, const TableRow& row) {
+        const Astrometric place = plane.xyToCirs({row.number("x"), row.number("y")}).toAstrometric(plane.date());
+        const double distance = onSky(place.ra, place.dec, row.number("ra_resting"), row.number("dec_resting"));
+        if (pointing.text("refracted") == "0") {
+            ++unrefracted;
+            EXPECT_LT(distance, kMicroarcsecond);
+            return;
+        }
+        disagreements.add(altitudeDeg(pointing), distance);
+        EXPECT_LT(distance, refractionInverseTolerance(altitudeDeg(pointing)));
+    });
+    disagreements.report("microarcseconds", kMicroarcsecond);
+    EXPECT_GE(visited_, kFewestPositions);
+    EXPECT_GT(unrefracted, 100);
+}
