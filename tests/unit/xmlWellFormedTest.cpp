@@ -255,3 +255,15 @@ TEST_F(XmlWithEntities, ExternalDocumentTypesAreNeverRead) {
         EXPECT_EQ(messageOf([&] { loadXmlFile(name); }), name + " is not valid XML") << content;
     }
 }
+
+TEST(XmlWellFormed, DeclaredDefaultsThatBlowASmallDocumentUpAreRefused) {
+    const auto document = [](int elements) {
+        QByteArray text = "<!DOCTYPE r [<!ATTLIST z d CDATA \"" + QByteArray(50'000, 'x') + "\">]><r>";
+        for (int i = 0; i < elements; ++i) {
+            text += "<z/>";
+        }
+        return text + "</r>";
+    };
+    EXPECT_TRUE(isWellFormedXml(document(100)));
+    EXPECT_FALSE(isWellFormedXml(document(2'000)));
+}

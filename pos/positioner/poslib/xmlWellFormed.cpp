@@ -1,6 +1,7 @@
 #include "xmlWellFormed.h"
 
 #include <QTextCodec>
+#include <cstring>
 #include <expat.h>
 #include <memory>
 #include <new>
@@ -15,11 +16,20 @@ using ParserOwner = std::unique_ptr<std::remove_pointer_t<XML_Parser>, decltype(
 /** The registered number of the encoding UTF-8. */
 constexpr int kMibUtf8 = 106;
 
+/**
+ * Attributes that the document type declares with a default value come with every element, and the parser's own limit
+ * on entities does not count them. Up to this many bytes, and this many times the document, they pass.
+ */
+constexpr qint64 kSmallExpansion = 8 * 1024 * 1024;
+constexpr qint64 kMaxExpansionFactor = 10;
+
 /** What the handlers know about the place where the parser stands. */
 struct ParserState {
     XML_Parser parser = nullptr;
     int depth = 0;
-    bool isUtf8Alias = false; ///< the declared encoding is UTF-8 under a name that the parser does not know
+    qint64 attributeBytes = 0;    ///< of all values so far
+    qint64 maxAttributeBytes = 0; ///< what they may add up to
+    bool isUtf8Alias = false;     ///< the declared encoding is UTF-8 under a name that the parser does not know
 };
 
 void XMLCALL startElement(void* userData, const XML_Char* /*name*/, const XML_Char** attributes) {
@@ -27,9 +37,11 @@ void XMLCALL startElement(void* userData, const XML_Char* /*name*/, const XML_Ch
     int attributeCount = 0;
     for (; *attributes != nullptr; attributes += 2) {
         ++attributeCount;
+        state->attributeBytes += static_cast<qint64>(std::strlen(attributes[1]));
     }
     ++state->depth;
-    if (state->depth > kMaxElementDepth || attributeCount > kMaxAttributes) {
+    if (state->depth > kMaxElementDepth || attributeCount > kMaxAttributes ||
+        state->attributeBytes > state->maxAttributeBytes) {
         XML_StopParser(state->parser, XML_FALSE);
     }
 }
@@ -82,6 +94,8 @@ bool parse(const QByteArray& text, const XML_Char* encoding, ParserState& state)
     }
     state.parser = parser.get();
     state.depth = 0;
+    state.attributeBytes = 0;
+    state.maxAttributeBytes = kSmallExpansion + kMaxExpansionFactor * qint64{text.size()};
     XML_SetUserData(parser.get(), &state);
     XML_SetElementHandler(parser.get(), startElement, endElement);
     XML_SetExternalEntityRefHandler(parser.get(), refuseExternalEntity);
