@@ -3,6 +3,7 @@
 #include "EmbeddedResources.h"
 #include "Version.h"
 #include "angles.h"
+#include "configNesting.h"
 #include "fileAccess.h"
 
 #include <algorithm>
@@ -35,6 +36,13 @@ std::string nameOrEnvironment(const char* filename) {
     return fromEnvironment;
 }
 
+void checkNesting(int depth, const std::string& name) {
+    if (depth > kMaxConfigDepth) {
+        throw std::runtime_error("The configuration file " + name + " is nested more than " +
+                                 std::to_string(kMaxConfigDepth) + " levels deep");
+    }
+}
+
 } // namespace
 
 PosConfig::PosConfig(const char* filename, format fileFormat) {
@@ -43,10 +51,13 @@ PosConfig::PosConfig(const char* filename, format fileFormat) {
     if (!content) {
         throw std::runtime_error("Unable to open config file: " + name);
     }
-    std::istringstream text(content->toStdString());
+    const std::string bytes = content->toStdString();
+    std::istringstream text(bytes);
     if (fileFormat == INFO) {
+        checkNesting(infoNesting(bytes), name);
         boost::property_tree::read_info(text, tree_);
     } else if (fileFormat == XML) {
+        checkNesting(xmlNesting(bytes), name);
         loadXml(text);
     }
     directory_ = boost::filesystem::path(name).parent_path().string();
