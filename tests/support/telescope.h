@@ -7,6 +7,7 @@
 #include "TemporaryFolder.h"
 
 #include <erfa.h>
+#include <gtest/gtest.h>
 #include <iomanip>
 #include <sstream>
 #include <string>

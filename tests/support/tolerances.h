@@ -32,6 +32,21 @@ inline constexpr double kPlateScaleTolerance = 2e-3;
  * six decimals change a small offset in the field.
  */
 inline constexpr double kCelestialNorthTolerance = 4e-3;
+/** Ten microarcseconds, radians: the whole chain from the sky to the plate and back, where no air is in the way. */
+inline constexpr double kRoundTripSky = 10 * kMicroarcsecond;
+/** One nanometre, mm: the same chain from the plate to the sky and back. */
+inline constexpr double kRoundTripPlateMm = 1e-6;
+/** Where a field has its greatest parallactic angle, half of the digits of the hour angle are lost, radians. */
+inline constexpr double kHourAtGreatestAngle = 1e-6;
+/**
+ * How near the hour-angle solve brings a field to an altitude, radians: its second of time, and the two arcseconds or
+ * so by which aberration and precession move a place in the hours that it goes back or ahead.
+ */
+inline constexpr double kAltitudeAtALimit = kSecondOfTime + 1e-5;
+/** A second of time, and what aberration and precession add to an hour angle in half a day up to 80 degrees, days. */
+inline constexpr double kHourAngleDays = 3e-5;
+/** Relative change of the plate scale from the axis to the edge of the field, by distortion and refraction. */
+inline constexpr double kPlateScaleOverTheField = 2e-2;
 
 /** Rounding of degrees that were radians. */
 inline constexpr double kDegreesTolerance = 1e-12;
