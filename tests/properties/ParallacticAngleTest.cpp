@@ -1,0 +1,103 @@
+#include "FocalPlane.h"
+#include "ProcessWideState.h"
+#include "pointings.h"
+#include "tolerances.h"
+
+#include <rapidcheck/gtest.h>
+
+using namespace pos;
+
+namespace {
+
+class ParallacticAngleProperty : public ProcessWideState {};
+
+/** A field of any declination that is not within half a degree of the site's zenith, where the angle jumps. */
+struct FieldOfSite {
+    TelescopeSettings telescope = anySite();
+    double dec = rad(*between(-89.0, 89.0).as("dec"));
+    double latitude = rad(telescope.latitude);
+
+    FieldOfSite() {
+        RC_PRE(std::fabs(dec - latitude) > rad(0.5));
+    }
+    FocalPlane focalPlane() const {
+        return seenAt(0.5, dec, telescope);
+    }
+};
+
+double angleBetween(double a, double b) {
+    return std::fabs(std::remainder(a - b, 2 * kTestPi));
+}
+
+} // namespace
+
+RC_GTEST_FIXTURE_PROP(ParallacticAngleProperty, EveryHourAngleFoundHasTheAngle, ()) {
+    const FieldOfSite field;
+    const FocalPlane focalPlane = field.focalPlane();
+    const double q = *rc::gen::oneOf(anyAngle(), between(kTestPi - 1e-6, kTestPi - 1e-9), between(-1e-6, -1e-9),
+                                     between(-3 * kTestPi, 3 * kTestPi))
+                          .as("parallactic angle");
+    const auto [first, second] = focalPlane.parallacticToHour(q);
+    for (const double hourAngle : {first, second}) {
+        if (!std::isnan(hourAngle)) {
+            RC_ASSERT(std::fabs(hourAngle) <= kTestPi);
+            RC_ASSERT(angleBetween(eraHd2pa(hourAngle, focalPlane.tangentDec(), field.latitude), q) <=
+                      kHourOfParallacticAngle);
+        }
+    }
+    RC_ASSERT(std::isnan(second) || first <= second);
+}
+
+// Together with the property above: what is found is all that there is.
+RC_GTEST_FIXTURE_PROP(ParallacticAngleProperty, EveryHourAngleIsFoundFromItsAngle, ()) {
+    const FieldOfSite field;
+    const FocalPlane focalPlane = field.focalPlane();
+    const double hourAngle = *between(-kTestPi, kTestPi).as("hour angle");
+    // On the meridian itself the angle is 0 or half a turn, and the answer one of fixed values.
+    RC_PRE(std::fabs(std::sin(hourAngle)) > 1e-6);
+    const double q = eraHd2pa(hourAngle, focalPlane.tangentDec(), field.latitude);
+    const auto [first, second] = focalPlane.parallacticToHour(q);
+    RC_ASSERT(std::fabs(first - hourAngle) <= kHourAtGreatestAngle ||
+              std::fabs(second - hourAngle) <= kHourAtGreatestAngle);
+}
+
+RC_GTEST_FIXTURE_PROP(ParallacticAngleProperty, FullTurnsOfTheAngleChangeNothing, ()) {
+    const FieldOfSite field;
+    const FocalPlane focalPlane = field.focalPlane();
+    const double hourAngle = *between(-kTestPi, kTestPi).as("hour angle");
+    const double q = eraHd2pa(hourAngle, focalPlane.tangentDec(), field.latitude);
+    RC_PRE(std::fabs(std::sin(q)) > 1e-6);
+    // Near the greatest angle of a field a rounding of the angle decides whether it is reached.
+    RC_PRE(std::fabs(eraHd2pa(hourAngle + 1e-3, focalPlane.tangentDec(), field.latitude) - q) > 1e-5);
+    const auto [first, second] = focalPlane.parallacticToHour(q);
+    const auto [firstTurned, secondTurned] = focalPlane.parallacticToHour(q + 2 * kTestPi);
+    RC_ASSERT(std::fabs(first - firstTurned) <= kHourOfParallacticAngle);
+    RC_ASSERT(std::isnan(second) == std::isnan(secondTurned));
+    RC_ASSERT(std::isnan(second) || std::fabs(second - secondTurned) <= kHourOfParallacticAngle);
+}
+
+RC_GTEST_FIXTURE_PROP(ParallacticAngleProperty, EastAndWestAreMirrored, ()) {
+    const FieldOfSite field;
+    const FocalPlane focalPlane = field.focalPlane();
+    const double q = *anyAngle().as("parallactic angle");
+    RC_PRE(std::fabs(std::sin(q)) > 1e-12);
+    const auto [first, second] = focalPlane.parallacticToHour(q);
+    const auto [firstMirrored, secondMirrored] = focalPlane.parallacticToHour(-q);
+    RC_ASSERT(std::isnan(second) == std::isnan(secondMirrored));
+    RC_ASSERT(std::isnan(first) == std::isnan(firstMirrored));
+    if (std::isnan(second)) {
+        RC_ASSERT(std::isnan(first) || std::fabs(first + firstMirrored) <= kAngleTolerance);
+    } else {
+        RC_ASSERT(std::fabs(first + secondMirrored) <= kAngleTolerance);
+        RC_ASSERT(std::fabs(second + firstMirrored) <= kAngleTolerance);
+    }
+}
+
+RC_GTEST_FIXTURE_PROP(ParallacticAngleProperty, ThePresentAngleLeadsBackToThePresentHour, ()) {
+    const FocalPlane focalPlane = focalPlaneOf(anyPointing(false));
+    RC_PRE(focalPlane.zenithDistance() > rad(0.5));
+    RC_PRE(std::fabs(std::sin(focalPlane.hourAngle())) > 1e-6);
+    const auto [first, second] = focalPlane.parallacticToHour(focalPlane.parallacticAngle());
+    RC_ASSERT(std::fabs(first - focalPlane.hourAngle()) <= kHourAtGreatestAngle ||
+              std::fabs(second - focalPlane.hourAngle()) <= kHourAtGreatestAngle);
+}
