@@ -43,9 +43,13 @@ TEST_F(ConfigNesting, OfXmlCountsTheTagsThatAreOpen) {
     EXPECT_EQ(xmlNesting("<c><a><b></b></a><a></a></c>"), 3);
     EXPECT_EQ(xmlNesting("<c><!-- <a><a> --><![CDATA[<a><a>]]></c>"), 1);
     EXPECT_EQ(xmlNesting("<c><a></b></c>"), 2);
-    EXPECT_EQ(xmlNesting("<c<a<b"), 3);
+    EXPECT_EQ(xmlNesting("<c <a <b"), 3);
+    EXPECT_EQ(xmlNesting("<c><a\"><a\"></a>"), 3);
+    EXPECT_EQ(xmlNesting("<c><a=\"><a=\"></a>"), 3);
     EXPECT_EQ(xmlNesting("<c><!-- <a>"), 1);
-    EXPECT_EQ(xmlNesting(std::string(10'000'000, '<')), kMaxConfigDepth + 1);
+    EXPECT_EQ(xmlNesting("<a b='</x>'><a b='/>'><a b=\"<!--\" c='>'><a/>"), 3);
+    EXPECT_EQ(xmlNesting("<a b='"), 1);
+    EXPECT_EQ(xmlNesting(std::string(10'000'000, '<')), 1);
 }
 
 TEST_F(ConfigNesting, OfInfoCountsTheBracesThatAreOpen) {

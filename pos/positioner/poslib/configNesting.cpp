@@ -12,26 +12,49 @@ std::size_t lengthUpTo(std::string_view text, std::string_view end) {
     return place == std::string_view::npos ? text.size() : place + end.size();
 }
 
+/**
+ * How far an opening tag goes on: to its ">", or to a "<" where that is missing.
+ *
+ * As for the parser, a name ends only at a blank, "/", ">" or "?", and quotes mean something only behind a "=".
+ */
+std::size_t tagLength(std::string_view text) {
+    constexpr std::string_view kBlanks = " \t\r\n";
+    std::size_t place = text.find_first_of(" \t\r\n/>?", 1);
+    place = text.find_first_of("<>=", std::min(place, text.size()));
+    while (place != std::string_view::npos && text[place] == '=') {
+        const std::size_t quote = text.find_first_not_of(kBlanks, place + 1);
+        const bool isQuoted = quote != std::string_view::npos && (text[quote] == '"' || text[quote] == '\'');
+        const std::size_t closing = isQuoted ? text.find(text[quote], quote + 1) : place;
+        place = closing == std::string_view::npos ? closing : text.find_first_of("<>=", closing + 1);
+    }
+    if (place == std::string_view::npos) {
+        return text.size();
+    }
+    return text[place] == '>' ? place + 1 : place;
+}
+
 } // namespace
 
 int xmlNesting(std::string_view text) {
     int depth = 0;
     int deepest = 0;
-    // Beyond the limit there is no need to know how far: without this stop "<<<<…" would be searched for its ends in
-    // vain.
-    while (deepest <= kMaxConfigDepth && text.find('<') != std::string_view::npos) {
+    while (text.find('<') != std::string_view::npos) {
         text.remove_prefix(text.find('<'));
-        std::size_t length = lengthUpTo(text, ">");
+        std::size_t length = 0;
         if (text.starts_with("<!--")) {
             length = lengthUpTo(text, "-->");
         } else if (text.starts_with("<![CDATA[")) {
             length = lengthUpTo(text, "]]>");
+        } else if (text.starts_with("<?")) {
+            length = lengthUpTo(text, "?>");
+        } else if (text.starts_with("<!")) {
+            length = lengthUpTo(text, ">");
         } else if (text.starts_with("</")) {
+            length = lengthUpTo(text, ">");
             --depth;
-        } else if (!text.starts_with("<?") && !text.starts_with("<!") && !text.substr(0, length).ends_with("/>")) {
-            ++depth;
-            // The tag's ">" may be missing: what follows may begin another one.
-            length = 1;
+        } else {
+            length = tagLength(text);
+            depth += text.substr(0, length).ends_with("/>") ? 0 : 1;
         }
         deepest = std::max(deepest, depth);
         text.remove_prefix(length);

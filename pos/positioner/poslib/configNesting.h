@@ -14,8 +14,7 @@ inline constexpr int kMaxConfigDepth = 1000;
 
 /**
  * The deepest nesting of tags in an XML text, comments and CDATA sections left out. Tags need not match, as they need
- * not for the parser; a "<" within an attribute or a document type is taken for a tag. Counting stops beyond
- * kMaxConfigDepth.
+ * not for the parser; a "<" within a document type is taken for a tag.
  */
 int xmlNesting(std::string_view text);
 
