@@ -20,7 +20,7 @@ constexpr int kMibUtf8 = 106;
  * Attributes that the document type declares with a default value come with every element, and the parser's own limit
  * on entities does not count them. Up to this many bytes, and this many times the document, they pass.
  */
-constexpr qint64 kSmallExpansion = 8 * 1024 * 1024;
+constexpr qint64 kSmallExpansion = qint64{8} * 1024 * 1024;
 constexpr qint64 kMaxExpansionFactor = 10;
 
 /** What the handlers know about the place where the parser stands. */
