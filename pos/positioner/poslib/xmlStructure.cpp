@@ -4,61 +4,25 @@
 #include "Version.h"
 #include "fileAccess.h"
 #include "xmlKeywords.h"
-#include "xmlWellFormed.h"
+#include "xmlParse.h"
 
-#include <QXmlStreamEntityResolver>
-#include <QXmlStreamReader>
 #include <stdexcept>
 
 namespace pos {
-
-namespace {
-
-/** Notes whether a document refers to an entity that it does not declare: its text cannot be known. */
-class UndeclaredEntities : public QXmlStreamEntityResolver {
-public:
-    bool found() const {
-        return found_;
-    }
-
-protected:
-    QString resolveUndeclaredEntity(const QString& /*name*/) override {
-        found_ = true;
-        return {};
-    }
-
-private:
-    bool found_ = false;
-};
-
-/** Builds the tree of a document. @return whether that worked without loss */
-bool parseXml(const QByteArray& text, QDomDocument& document) {
-    if (!isWellFormedXml(text)) {
-        return false;
-    }
-    // The stream reader, unlike the document's own parser, keeps characters beyond the basic plane and folds CRLF.
-    QXmlStreamReader reader(text);
-    reader.setNamespaceProcessing(false);
-    UndeclaredEntities undeclared;
-    reader.setEntityResolver(&undeclared);
-    return document.setContent(&reader, false) && !undeclared.found();
-}
-
-} // namespace
 
 QDomDocument loadXmlFile(const std::string& filename) {
     const std::optional<QByteArray> text = readFile(filename);
     if (!text) {
         throw std::runtime_error(filename + " could not be opened");
     }
-    QDomDocument document;
-    if (!parseXml(*text, document)) {
+    const std::optional<QDomDocument> document = parseXml(*text);
+    if (!document) {
         throw std::runtime_error(filename + " is not valid XML");
     }
-    if (!datamver.empty() && document.documentElement().attribute(attr::datamver).toStdString() != datamver) {
+    if (!datamver.empty() && document->documentElement().attribute(attr::datamver).toStdString() != datamver) {
         throw std::runtime_error("Data model version mismatch");
     }
-    return document;
+    return *document;
 }
 
 QDomElement findElement(QDomElement element, const QString& name) {

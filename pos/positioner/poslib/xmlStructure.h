@@ -21,9 +21,7 @@ namespace pos {
  *
  * @param filename name of the file; a name beginning with ":" is an embedded resource
  * @throw std::runtime_error filename + " could not be opened"
- * @throw std::runtime_error filename + " is not valid XML", for a document that is not well-formed, is nested deeper
- *     than kMaxElementDepth, has an element with more than kMaxAttributes attributes, or refers to an entity that it
- *     does not declare or that is external
+ * @throw std::runtime_error filename + " is not valid XML", for whatever parseXml refuses
  * @throw std::runtime_error "Data model version mismatch" when pos::datamver is set and the document element's
  *     "datamver" is not the same text
  */

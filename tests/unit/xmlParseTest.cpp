@@ -1,11 +1,15 @@
-#include "xmlWellFormed.h"
+#include "xmlParse.h"
 
 #include "ProcessWideState.h"
 #include "TemporaryFolder.h"
 #include "thrown.h"
+#include "xml.h"
+#include "xmlSerialise.h"
 #include "xmlStructure.h"
 
 #include <gtest/gtest.h>
+#include <utility>
+#include <vector>
 
 using namespace pos;
 using namespace std::string_literals;
@@ -13,26 +17,33 @@ using namespace std::string_literals;
 namespace {
 
 bool wellFormed(const std::string& text) {
-    return isWellFormedXml(QByteArray::fromStdString(text));
+    return parseXml(QByteArray::fromStdString(text)).has_value();
+}
+
+std::string repeated(int count, const std::string& text) {
+    std::string all;
+    for (int i = 0; i < count; ++i) {
+        all += text;
+    }
+    return all;
+}
+
+/** A text many times over, with the number of each in place of its "#". */
+std::string numbered(int count, const std::string& text) {
+    const std::size_t mark = text.find('#');
+    std::string all;
+    for (int i = 0; i < count; ++i) {
+        all += text.substr(0, mark) + std::to_string(i) + text.substr(mark + 1);
+    }
+    return all;
 }
 
 std::string nested(int depth) {
-    std::string text;
-    for (int i = 0; i < depth; ++i) {
-        text += "<a>";
-    }
-    for (int i = 0; i < depth; ++i) {
-        text += "</a>";
-    }
-    return text;
+    return repeated(depth, "<a>") + repeated(depth, "</a>");
 }
 
 std::string withAttributes(int count) {
-    std::string text = "<r><a";
-    for (int i = 0; i < count; ++i) {
-        text += " a" + std::to_string(i) + "=''";
-    }
-    return text + "/></r>";
+    return "<r><a" + numbered(count, " a#=''") + "/></r>";
 }
 
 /** Entities of which each stands ten times for the one before: 10^levels characters. */
@@ -51,16 +62,13 @@ std::string nestedEntities(int levels) {
 
 /** One entity of a length, used often. */
 std::string repeatedEntity(int length, int times) {
-    std::string text = "<!DOCTYPE a [<!ENTITY e '" + std::string(static_cast<std::size_t>(length), 'x') + "'>]><a>";
-    for (int i = 0; i < times; ++i) {
-        text += "&e;";
-    }
-    return text + "</a>";
+    return "<!DOCTYPE a [<!ENTITY e '" + std::string(static_cast<std::size_t>(length), 'x') + "'>]><a>" +
+           repeated(times, "&e;") + "</a>";
 }
 
 } // namespace
 
-TEST(XmlWellFormed, OrdinaryDocumentsPass) {
+TEST(XmlParse, OrdinaryDocumentsPass) {
     for (const std::string text :
          {"<a/>", "<a></a>", "\n<a/>\n", "<?xml version='1.0'?><a/>", "<?xml version=\"1.0\" standalone='yes'?><a/>",
           "<!-- c --><?p q?><!DOCTYPE a><a b='1' c=\"2\">t<!-- c --><![CDATA[<&]]><?p q?><b/></a><!-- c --><?p?>",
@@ -69,7 +77,7 @@ TEST(XmlWellFormed, OrdinaryDocumentsPass) {
     }
 }
 
-TEST(XmlWellFormed, BrokenMarkupIsRefused) {
+TEST(XmlParse, BrokenMarkupIsRefused) {
     for (const std::string text : {"",
                                    " ",
                                    "text",
@@ -104,7 +112,7 @@ TEST(XmlWellFormed, BrokenMarkupIsRefused) {
     }
 }
 
-TEST(XmlWellFormed, NothingButCommentsAndInstructionsMayFollowTheDocumentElement) {
+TEST(XmlParse, NothingButCommentsAndInstructionsMayFollowTheDocumentElement) {
     EXPECT_TRUE(wellFormed("<a/><!-- c --> <?p q?>\n"));
     for (const std::string& text : {"<a/>x"s, "<a/><b/>"s, "<a/></a>"s, "<a/>\0"s, "<a/>\x1a"s, "<a/><!DOCTYPE a>"s,
                                     "<a/>&#32;"s, "<a/><![CDATA[]]>"s}) {
@@ -112,19 +120,19 @@ TEST(XmlWellFormed, NothingButCommentsAndInstructionsMayFollowTheDocumentElement
     }
 }
 
-TEST(XmlWellFormed, NothingMayPrecedeTheDeclaration) {
+TEST(XmlParse, NothingMayPrecedeTheDeclaration) {
     EXPECT_FALSE(wellFormed(" <?xml version='1.0'?><a/>"));
     EXPECT_FALSE(wellFormed("\n<?xml version='1.0'?><a/>"));
 }
 
-TEST(XmlWellFormed, DoubledAttributesAreRefused) {
+TEST(XmlParse, DoubledAttributesAreRefused) {
     EXPECT_FALSE(wellFormed("<a b='1' b='2'/>"));
     EXPECT_FALSE(wellFormed("<a b='1' b='1'/>"));
     EXPECT_FALSE(wellFormed("<r><a x='1' p:b='1' y='2' p:b='2'/></r>"));
     EXPECT_TRUE(wellFormed("<a b='1' B='2' p:b='3'><c b='1'/></a>"));
 }
 
-TEST(XmlWellFormed, ForbiddenCharactersAreRefusedWhereverTheyStand) {
+TEST(XmlParse, ForbiddenCharactersAreRefusedWhereverTheyStand) {
     for (const std::string& character : {"\0"s, "\x01"s, "\x08"s, "\x0b"s, "\x0c"s, "\x0e"s, "\x1f"s, "\xef\xbf\xbe"s,
                                          "\xef\xbf\xbf"s, "&#0;"s, "&#1;"s, "&#x1f;"s, "&#xD800;"s, "&#xDFFF;"s,
                                          "&#xFFFE;"s, "&#xFFFF;"s, "&#x110000;"s, "&#x100000041;"s, "&#4294967361;"s}) {
@@ -138,7 +146,7 @@ TEST(XmlWellFormed, ForbiddenCharactersAreRefusedWhereverTheyStand) {
     }
 }
 
-TEST(XmlWellFormed, EveryOtherCharacterPasses) {
+TEST(XmlParse, EveryOtherCharacterPasses) {
     for (const std::string& character :
          {"\t"s, "\n"s, "\r"s, "\x7f"s, "\xc2\x80"s, "\xc2\x85"s, "\xc2\xa0"s, "\xe2\x80\xa8"s, "\xed\x9f\xbf"s,
           "\xee\x80\x80"s, "\xef\xb7\x90"s, "\xef\xbf\xbd"s, "\xf0\x90\x80\x80"s, "\xf4\x8f\xbf\xbf"s, "&#x10FFFF;"s,
@@ -147,7 +155,7 @@ TEST(XmlWellFormed, EveryOtherCharacterPasses) {
     }
 }
 
-TEST(XmlWellFormed, BadUtf8IsRefusedWhereverItStands) {
+TEST(XmlParse, BadUtf8IsRefusedWhereverItStands) {
     for (const std::string& bytes :
          {"\x80"s, "\xbf"s, "\xc3"s, "\xc3("s, "\xc0\x80"s, "\xc1\xbf"s, "\xe2\x82"s, "\xe0\x80\x80"s, "\xe0\x9f\xbf"s,
           "\xed\xa0\x80"s, "\xed\xbf\xbf"s, "\xf0\x80\x80\x80"s, "\xf0\x8f\xbf\xbf"s, "\xf0\x9f\x98"s,
@@ -160,7 +168,7 @@ TEST(XmlWellFormed, BadUtf8IsRefusedWhereverItStands) {
     EXPECT_FALSE(wellFormed("<a/>\xe2\x82"));
 }
 
-TEST(XmlWellFormed, UndeclaredEntitiesAreRefusedInTextAndInAttributes) {
+TEST(XmlParse, UndeclaredEntitiesAreRefusedInTextAndInAttributes) {
     EXPECT_FALSE(wellFormed("<a>&u;</a>"));
     EXPECT_FALSE(wellFormed("<a b='&u;'/>"));
     EXPECT_FALSE(wellFormed("<!DOCTYPE a [<!ENTITY e 'E'>]><a b='&E;'/>"));
@@ -168,25 +176,25 @@ TEST(XmlWellFormed, UndeclaredEntitiesAreRefusedInTextAndInAttributes) {
     EXPECT_TRUE(wellFormed("<!DOCTYPE a [<!ENTITY e 'E'>]><a b='&e;'>&e;</a>"));
 }
 
-TEST(XmlWellFormed, EntitiesMustBeBalancedAndMustNotHoldThemselves) {
+TEST(XmlParse, EntitiesMustBeBalancedAndMustNotHoldThemselves) {
     EXPECT_FALSE(wellFormed("<!DOCTYPE a [<!ENTITY e '&e;'>]><a>&e;</a>"));
     EXPECT_FALSE(wellFormed("<!DOCTYPE a [<!ENTITY e '&f;'><!ENTITY f '&e;'>]><a b='&e;'/>"));
     EXPECT_FALSE(wellFormed("<!DOCTYPE a [<!ENTITY e '<b>'>]><a>&e;</b></a>"));
     EXPECT_FALSE(wellFormed("<!DOCTYPE a [<!ENTITY e '&#60;'>]><a b='&e;'/>"));
 }
 
-TEST(XmlWellFormed, PrefixesThatNothingDeclaresPass) {
+TEST(XmlParse, PrefixesThatNothingDeclaresPass) {
     EXPECT_TRUE(wellFormed("<p:a q:b='1'><r:c/></p:a>"));
     EXPECT_TRUE(wellFormed("<a xmlns:p='u' xmlns:q='u' p:b='1' q:b='2'/>"));
 }
 
-TEST(XmlWellFormed, ElementsMayBeNestedAThousandDeep) {
+TEST(XmlParse, ElementsMayBeNestedAThousandDeep) {
     EXPECT_TRUE(wellFormed(nested(1000)));
     EXPECT_FALSE(wellFormed(nested(1001)));
     EXPECT_FALSE(wellFormed(nested(100000)));
 }
 
-TEST(XmlWellFormed, DepthIsThatOfNestingNotOfNumber) {
+TEST(XmlParse, DepthIsThatOfNestingNotOfNumber) {
     std::string text = "<r>";
     for (int i = 0; i < 5000; ++i) {
         text += "<a><b/></a>";
@@ -194,7 +202,7 @@ TEST(XmlWellFormed, DepthIsThatOfNestingNotOfNumber) {
     EXPECT_TRUE(wellFormed(text + "</r>"));
 }
 
-TEST(XmlWellFormed, ElementsOutOfEntitiesCountTowardsTheDepth) {
+TEST(XmlParse, ElementsOutOfEntitiesCountTowardsTheDepth) {
     const std::string entity = "<!DOCTYPE a [<!ENTITY e '" + nested(500) + "'>]>";
     std::string fits = nested(500);
     fits.insert(fits.find("</a>"), "&e;");
@@ -204,21 +212,101 @@ TEST(XmlWellFormed, ElementsOutOfEntitiesCountTowardsTheDepth) {
     EXPECT_FALSE(wellFormed(entity + tooDeep));
 }
 
-TEST(XmlWellFormed, ElementMayHaveAThousandAttributes) {
-    EXPECT_TRUE(wellFormed(withAttributes(1000)));
-    EXPECT_FALSE(wellFormed(withAttributes(1001)));
-    EXPECT_FALSE(wellFormed(withAttributes(100000)));
+TEST(XmlParse, ElementMayHaveThousandsOfAttributes) {
+    const std::optional<QDomDocument> document = parseXml(QByteArray::fromStdString(withAttributes(50'000)));
+    ASSERT_TRUE(document.has_value());
+    EXPECT_EQ(document->documentElement().firstChildElement("a").attributes().size(), 50'000);
 }
 
-TEST(XmlWellFormed, FloodsOfEntitiesAreRefused) {
+TEST(XmlParse, NodesAreLimitedToOneForTenBytesBeyondTheFirst100000) {
+    // The root and its elements are 1 + n nodes.
+    const auto siblings = [](int count, const std::string& one) { return "<r>" + repeated(count, one) + "</r>"; };
+    EXPECT_TRUE(wellFormed(siblings(99'999, "<a/>")));
+    EXPECT_FALSE(wellFormed(siblings(100'000, "<a/>")));
+    EXPECT_TRUE(wellFormed("   " + siblings(300'000, "<abcdefg/>")));
+    EXPECT_FALSE(wellFormed("  " + siblings(300'000, "<abcdefg/>")));
+}
+
+TEST(XmlParse, EveryKindOfNodeCounts) {
+    const auto siblings = [](int count, const std::string& one) { return "<r>" + repeated(count, one) + "</r>"; };
+    for (const std::string one : {"<a b=''/>", "<a/>t", "<a/><!--c-->", "<a/><?p?>", "<a/><![CDATA[c]]>"}) {
+        EXPECT_TRUE(wellFormed(siblings(49'999, one))) << one;
+    }
+    for (const std::string one : {"<a b=''/>", "<a/>t", "<a/><?p?>"}) {
+        EXPECT_FALSE(wellFormed(siblings(50'000, one))) << one;
+    }
+    EXPECT_FALSE(wellFormed(siblings(100'000, "<!---->")));
+    EXPECT_FALSE(wellFormed(siblings(100'000, "<a/><![CDATA[c]]>"))) << "200,001 nodes in 1.7 MB";
+}
+
+TEST(XmlParse, NodesOutOfEntitiesAndDeclaredDefaultsCountToo) {
+    const std::string entity = "<!DOCTYPE r [<!ENTITY e '" + repeated(1000, "<a/>") + "'>]>";
+    EXPECT_TRUE(wellFormed(entity + "<r>" + repeated(99, "&e;") + "</r>"));
+    EXPECT_FALSE(wellFormed(entity + "<r>" + repeated(100, "&e;") + "</r>"));
+    const std::string defaults = "<!DOCTYPE r [<!ATTLIST a" + numbered(999, " a# CDATA ''");
+    EXPECT_TRUE(wellFormed(defaults + ">]><r>" + repeated(99, "<a/>") + "</r>"));
+    EXPECT_FALSE(wellFormed(defaults + ">]><r>" + repeated(100, "<a/>") + "</r>"));
+}
+
+TEST(XmlParse, DocumentTypeEndsWithinTheFirst16KiB) {
+    const auto withType = [](std::size_t length) {
+        const std::string begin = "<!DOCTYPE a [<!--";
+        const std::string end = "-->]>";
+        return begin + std::string(length - begin.size() - end.size(), 'x') + end + "<a/>";
+    };
+    EXPECT_TRUE(wellFormed(withType(16'384)));
+    EXPECT_FALSE(wellFormed(withType(16'385)));
+    EXPECT_FALSE(wellFormed("<!--" + std::string(20'000, 'x') + "--><!DOCTYPE a><a/>"));
+    // Declarations that cost time, or memory, out of proportion to their length.
+    EXPECT_FALSE(wellFormed("<!DOCTYPE a [<!ENTITY % p ''>" + repeated(3'000'000, "%p;") + "]><a/>"));
+    EXPECT_FALSE(wellFormed("<!DOCTYPE a [<!ATTLIST a" + numbered(400'000, " a# CDATA #IMPLIED") + ">]><a/>"));
+}
+
+TEST(XmlParse, SingleTagOrCommentIsLimitedToAboutOneMebibyte) {
+    const auto kilobytes = [](int count) { return std::string(static_cast<std::size_t>(count) * 1000, 'x'); };
+    for (const auto& [begin, end] : std::vector<std::pair<std::string, std::string>>{
+             {"<r><a b='", "'/></r>"}, {"<r><!--", "--></r>"}, {"<r><?p ", "?></r>"}, {"<", "/>"}, {"<r", "/>"}}) {
+        EXPECT_TRUE(wellFormed(begin + kilobytes(1000) + end)) << begin;
+        EXPECT_FALSE(wellFormed(begin + kilobytes(1100) + end)) << begin;
+    }
+    EXPECT_TRUE(wellFormed("<r>" + kilobytes(5000) + "</r>"));
+    EXPECT_TRUE(wellFormed("<r><![CDATA[" + kilobytes(5000) + "]]></r>"));
+}
+
+TEST(XmlParse, WhateverIsWellFormedKeepsItsMeaningThroughWritingAndReading) {
+    for (const std::string& text :
+         {"<:a/>"s, "<a b:=''/>"s, "<a:b:c/>"s, "<a><?p:q x?></a>"s, "<!DOCTYPE a [<!ENTITY p:e 'E'>]><a>&p:e;</a>"s,
+          "<!DOCTYPE a [<!ENTITY e '&#38;#10;'>]><a b='&e;'/>"s, "<!-- c --><!DOCTYPE a><!-- d --><a/><?p q?>"s,
+          "<!DOCTYPE a [<!ENTITY e '" + std::string(5000, 'x') + "'>]><a>&e;</a>"}) {
+        const std::optional<QDomDocument> document = parseXml(QByteArray::fromStdString(text));
+        ASSERT_TRUE(document.has_value()) << text;
+        const QByteArray written = serialiseXml(*document);
+        const std::optional<QDomDocument> again = parseXml(written);
+        ASSERT_TRUE(again.has_value()) << written.toStdString();
+        EXPECT_EQ(treeText(*again), treeText(*document));
+        EXPECT_EQ(serialiseXml(*again), written);
+    }
+}
+
+TEST(XmlParse, DocumentTypeKeepsItsNameAndIdentifiers) {
+    const auto written = [](const std::string& text) {
+        return serialiseXml(parseXml(QByteArray::fromStdString(text)).value()).toStdString();
+    };
+    EXPECT_EQ(written("<!DOCTYPE a><a/>"), "<!DOCTYPE a>\n<a/>\n");
+    EXPECT_EQ(written("<!DOCTYPE a SYSTEM 'b.dtd'><a/>"), "<!DOCTYPE a SYSTEM 'b.dtd'>\n<a/>\n");
+    EXPECT_EQ(written("<!DOCTYPE a PUBLIC 'p' 'b.dtd' [<!-- c --><?p?>]><a/>"),
+              "<!DOCTYPE a PUBLIC 'p' 'b.dtd'>\n<a/>\n");
+}
+
+TEST(XmlParse, FloodsOfEntitiesAreRefused) {
     EXPECT_TRUE(wellFormed(nestedEntities(3)));
     EXPECT_FALSE(wellFormed(nestedEntities(9)));
     EXPECT_TRUE(wellFormed(repeatedEntity(1000, 100)));
-    EXPECT_FALSE(wellFormed(repeatedEntity(100000, 1000)));
+    EXPECT_FALSE(wellFormed(repeatedEntity(10000, 1000)));
 }
 
-TEST(XmlWellFormed, LongChainsOfEntitiesDoNotOverflowTheStack) {
-    constexpr int kLength = 100000;
+TEST(XmlParse, LongChainsOfEntitiesDoNotOverflowTheStack) {
+    constexpr int kLength = 700; // as many as a document type may have
     std::string text = "<!DOCTYPE a [<!ENTITY e0 'x'>";
     for (int i = 1; i <= kLength; ++i) {
         text += "<!ENTITY e" + std::to_string(i) + " '&e" + std::to_string(i - 1) + ";'>";
@@ -256,14 +344,14 @@ TEST_F(XmlWithEntities, ExternalDocumentTypesAreNeverRead) {
     }
 }
 
-TEST(XmlWellFormed, DeclaredDefaultsThatBlowASmallDocumentUpAreRefused) {
+TEST(XmlParse, DeclaredDefaultsThatBlowASmallDocumentUpAreRefused) {
     const auto document = [](int elements) {
-        QByteArray text = "<!DOCTYPE r [<!ATTLIST z d CDATA \"" + QByteArray(50'000, 'x') + "\">]><r>";
+        QByteArray text = "<!DOCTYPE r [<!ATTLIST z d CDATA \"" + QByteArray(10'000, 'x') + "\">]><r>";
         for (int i = 0; i < elements; ++i) {
             text += "<z/>";
         }
         return text + "</r>";
     };
-    EXPECT_TRUE(isWellFormedXml(document(100)));
-    EXPECT_FALSE(isWellFormedXml(document(2'000)));
+    EXPECT_TRUE(parseXml(document(100)).has_value());
+    EXPECT_FALSE(parseXml(document(2'000)).has_value());
 }
