@@ -1,6 +1,7 @@
 #include "configNesting.h"
 
 #include <algorithm>
+#include <cctype>
 
 namespace pos {
 
@@ -65,12 +66,21 @@ int xmlNesting(std::string_view text) {
 int infoNesting(std::string_view text) {
     int depth = 0;
     int deepest = 0;
+    bool isPlain = true;   // neither a quote nor a comment has begun on this line
+    bool isInWord = false; // a word ends only at a blank or a ";"
     for (const char character : text) {
+        if (character == '\n') {
+            isPlain = true;
+        }
+        isPlain = isPlain && character != '"' && character != ';';
+        const bool isBlank = std::isspace(static_cast<unsigned char>(character)) != 0;
+        const bool isBrace = character == '{' || character == '}';
         if (character == '{') {
             deepest = std::max(deepest, ++depth);
-        } else if (character == '}') {
+        } else if (character == '}' && isPlain && !isInWord) {
             --depth;
         }
+        isInWord = !isBlank && (isInWord || !isBrace);
     }
     return deepest;
 }

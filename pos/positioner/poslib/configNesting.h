@@ -18,7 +18,10 @@ inline constexpr int kMaxConfigDepth = 1000;
  */
 int xmlNesting(std::string_view text);
 
-/** The deepest nesting of braces in an INFO text, quoted ones included; files that it includes are not read. */
+/**
+ * The deepest nesting that the braces of an INFO text can have for the parser, or more: a closing brace behind a quote
+ * or a ";" on its line, or within a word, does not count. Files that the text includes are not read.
+ */
 int infoNesting(std::string_view text);
 
 } // namespace pos
