@@ -228,6 +228,15 @@ TEST_F(PosConfigTest, EnvironmentVariableIsIgnoredWhenANameIsGiven) {
     EXPECT_EQ(openingFailureOf(""), "Unable to open config file: ");
 }
 
+TEST_F(PosConfigTest, FileOfMoreThanOneMebibyteIsRefused) {
+    const std::string text = "<c datamver='8.00'/>";
+    const std::string name = folder_.write("c.xml", text + std::string(1024 * 1024 - text.size(), '\n'));
+    EXPECT_NO_THROW(PosConfig(name.c_str(), PosConfig::XML));
+    folder_.write("c.xml", text + std::string(1024 * 1024 - text.size() + 1, '\n'));
+    EXPECT_EQ(messageOf([&] { PosConfig(name.c_str(), PosConfig::XML); }), name + " is larger than 1 MiB");
+    EXPECT_EQ(messageOf([&] { PosConfig(name.c_str(), PosConfig::INFO); }), name + " is larger than 1 MiB");
+}
+
 TEST_F(PosConfigTest, MissingKeyIsNamed) {
     const PosConfig config(":/configure.xml", PosConfig::XML);
     EXPECT_EQ(messageOf<ptree_bad_path>([&] { config.get<double>("telescope.nothing"); }),

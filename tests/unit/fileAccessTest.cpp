@@ -1,7 +1,9 @@
 #include "fileAccess.h"
 #include "TemporaryFolder.h"
 #include "surroundings.h"
+#include "thrown.h"
 
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -131,6 +133,17 @@ TEST(ReadFile, ReadsAFileWhoseSizeIsNotKnownBeforehand) {
     ASSERT_EQ(::stat("/proc/version", &status), 0);
     ASSERT_EQ(status.st_size, 0);
     EXPECT_EQ(readFile("/proc/version"), QByteArray::fromStdString(readBytes("/proc/version")));
+}
+
+TEST(ReadFile, GivesUpWhereAFileIsTooLarge) {
+    const TemporaryFolder folder;
+    const std::string name = folder.write("large", "begin");
+    std::filesystem::resize_file(name, 2 * 1024 * 1024);
+    EXPECT_EQ(readFile(name, {}, 2 * 1024 * 1024).value_or("").size(), 2 * 1024 * 1024);
+    EXPECT_EQ(messageOf([&] { readFile(name, {}, 1024 * 1024); }), name + " is larger than 1 MiB");
+    std::filesystem::resize_file(name, kMaxFileSize + 1);
+    EXPECT_EQ(messageOf([&] { readFile(name); }), name + " is larger than 256 MiB");
+    EXPECT_EQ(messageOf([] { readFile("/dev/zero"); }), "/dev/zero is larger than 256 MiB");
 }
 
 TEST(ReadFile, ReadsEmbeddedResources) {

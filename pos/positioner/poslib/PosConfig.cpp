@@ -25,6 +25,9 @@ namespace {
  */
 [[gnu::used]] constexpr std::array kKeepResources = {&qInitResources_config_files, &qInitResources_plate_files};
 
+/** Largest configuration file, bytes: its tree takes some 200 times its size. */
+constexpr qint64 kMaxConfigSize = qint64{1024} * 1024;
+
 std::string nameOrEnvironment(const char* filename) {
     if (filename != nullptr) {
         return filename;
@@ -47,7 +50,7 @@ void checkNesting(int depth, const std::string& name) {
 
 PosConfig::PosConfig(const char* filename, format fileFormat) {
     const std::string name = nameOrEnvironment(filename);
-    const std::optional<QByteArray> content = readFile(name, QIODevice::Text);
+    const std::optional<QByteArray> content = readFile(name, QIODevice::Text, kMaxConfigSize);
     if (!content) {
         throw std::runtime_error("Unable to open config file: " + name);
     }

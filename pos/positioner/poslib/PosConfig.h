@@ -32,6 +32,7 @@ public:
      * @param fileFormat how to parse the file
      * @throw std::runtime_error "VANTE_POS_CONFIG environment variable not set"
      * @throw std::runtime_error "Unable to open config file: " + name
+     * @throw std::runtime_error name + " is larger than 1 MiB"
      * @throw std::runtime_error "The configuration file " + name + " is nested more than 1000 levels deep"
      * @throw std::runtime_error "data model version mismatch", for an XML file whose root has another "datamver" than
      *     the one already fixed

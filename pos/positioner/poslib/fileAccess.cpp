@@ -1,6 +1,7 @@
 #include "fileAccess.h"
 
 #include <QFile>
+#include <stdexcept>
 
 namespace pos {
 
@@ -14,7 +15,8 @@ std::optional<QString> fileNameFromBytes(const std::string& name) {
     return decoded;
 }
 
-std::optional<QByteArray> readFile(const std::string& name, QIODevice::OpenMode mode) {
+std::optional<QByteArray> readFile(const std::string& name, QIODevice::OpenMode mode, qint64 maxSize) {
+    constexpr qint64 kMebibyte = qint64{1024} * 1024;
     const std::optional<QString> fileName = fileNameFromBytes(name);
     if (!fileName) {
         return std::nullopt;
@@ -23,10 +25,12 @@ std::optional<QByteArray> readFile(const std::string& name, QIODevice::OpenMode 
     if (!file.open(QIODevice::ReadOnly | mode)) {
         return std::nullopt;
     }
-    QByteArray content = file.readAll();
-    // A read that fails half-way gives a short count; only the next one tells why.
-    if (file.pos() < file.size()) {
-        content += file.readAll();
+    QByteArray content;
+    for (QByteArray piece = file.read(kMebibyte); !piece.isEmpty(); piece = file.read(kMebibyte)) {
+        content += piece;
+        if (content.size() > maxSize) {
+            throw std::runtime_error(name + " is larger than " + std::to_string(maxSize / kMebibyte) + " MiB");
+        }
     }
     if (file.error() != QFileDevice::NoError) {
         return std::nullopt;

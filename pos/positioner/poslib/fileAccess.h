@@ -22,14 +22,20 @@ namespace pos {
  */
 std::optional<QString> fileNameFromBytes(const std::string& name);
 
+/** Largest document that is read or written, bytes; a device may be read without an end. */
+inline constexpr qint64 kMaxFileSize = qint64{256} * 1024 * 1024;
+
 /**
  * The whole content of a file. A name beginning with ":" is an embedded resource.
  *
  * @param name file name, bytes as given
  * @param mode QIODevice::Text to turn CRLF into LF, or nothing
+ * @param maxSize most bytes that the file may have, a whole number of MiB
  * @return the content; nothing where the file cannot be opened or not be read to its end
+ * @throw std::runtime_error name + " is larger than 256 MiB", or what maxSize is
  */
-std::optional<QByteArray> readFile(const std::string& name, QIODevice::OpenMode mode = {});
+std::optional<QByteArray> readFile(const std::string& name, QIODevice::OpenMode mode = {},
+                                   qint64 maxSize = kMaxFileSize);
 
 } // namespace pos
 
