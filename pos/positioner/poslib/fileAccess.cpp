@@ -1,6 +1,7 @@
 #include "fileAccess.h"
 
 #include <QFile>
+#include <algorithm>
 #include <stdexcept>
 
 namespace pos {
@@ -26,6 +27,7 @@ std::optional<QByteArray> readFile(const std::string& name, QIODevice::OpenMode 
         return std::nullopt;
     }
     QByteArray content;
+    content.reserve(static_cast<int>(std::min(file.size(), maxSize)));
     for (QByteArray piece = file.read(kMebibyte); !piece.isEmpty(); piece = file.read(kMebibyte)) {
         content += piece;
         if (content.size() > maxSize) {

@@ -208,6 +208,9 @@ private:
     void startElement(const XML_Char* name, const XML_Char** attributes) {
         QDomElement element = document_.createElement(shared(name));
         append(element);
+        if (*attributes != nullptr) {
+            count(1, 0);
+        }
         for (; *attributes != nullptr && !isStopped_; attributes += 2) {
             count(1, static_cast<qint64>(std::strlen(attributes[1])));
             element.setAttribute(shared(attributes[0]), shared(attributes[1]));

@@ -14,14 +14,17 @@ namespace pos {
 /** Deepest nesting of elements that a document may have; its tree is walked recursively. */
 inline constexpr int kMaxElementDepth = 1000;
 
-/** Every document may have this many nodes: elements, attributes, texts, comments, processing instructions. */
-inline constexpr qint64 kSmallTree = 100'000;
+/**
+ * Every document may have this many nodes: elements, attributes, texts, comments, processing instructions. An element
+ * with attributes counts twice, because it keeps a table of them.
+ */
+inline constexpr qint64 kSmallTree = 500'000;
 
 /**
- * A document with more nodes must have at least this many bytes for each. Nodes that entities or declared default
- * attributes add count too, so that no document grows beyond some forty times its size in memory.
+ * A document with more nodes must have at least this many bytes for each; those that the program writes have. Nodes
+ * that entities or declared default attributes add count too, so that 10 MB never take more than 256 MiB of memory.
  */
-inline constexpr qint64 kMinBytesPerNode = 10;
+inline constexpr qint64 kMinBytesPerNode = 14;
 
 /** Every document's values and texts may add up to this many bytes; a larger sum must not exceed twice its size. */
 inline constexpr qint64 kSmallText = qint64{8} * 1024 * 1024;
