@@ -152,6 +152,16 @@ TEST(CommandLine, RefusesAMalformedNumberEvenWithHelp) {
     EXPECT_EQ(refusalOf({"--help", "--ha", "x"}), "the argument ('x') for option '--ha' is invalid");
 }
 
+TEST(CommandLine, ArgumentThatHoldsAPlaceholderOfTheParsersMessagesIsRefusedToo) {
+    for (const std::string argument :
+         {"--x%original_token%", "--x%canonical_option%", "-x%option%", "--%prefix%", "--epoch=%value%"}) {
+        EXPECT_EQ(refusalOf({argument.c_str()}), "the argument '" + argument + "' is not valid");
+    }
+    EXPECT_EQ(refusalOf({"--epoch", "%value%"}), "the argument '%value%' is not valid");
+    EXPECT_EQ(parse({"-i", "%value%", "-o", "%prefix%"}).input, "%value%");
+    EXPECT_EQ(refusalOf({"--x%other%"}), "unrecognised option '--x%other%'");
+}
+
 TEST(CommandLine, RefusesUnknownOptions) {
     EXPECT_EQ(refusalOf({"--bogus"}), "unrecognised option '--bogus'");
     EXPECT_EQ(refusalOf({"-x"}), "unrecognised option '-x'");

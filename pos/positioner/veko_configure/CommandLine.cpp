@@ -52,6 +52,36 @@ void refuseLeftOver(const po::parsed_options& parsed) {
     }
 }
 
+/**
+ * Throws an error of the parser on, whose message replaces placeholders such as "%value%" by what the user wrote. It
+ * goes on to replace them there without end, so an argument that holds one gets a message of its own.
+ */
+[[noreturn]] void rethrowParserError(int argc, const char* const* argv) {
+    for (int i = 1; i < argc; ++i) {
+        const std::string argument = argv[i];
+        for (const std::string placeholder :
+             {"%canonical_option%", "%option%", "%original_token%", "%prefix%", "%value%"}) {
+            if (argument.find(placeholder) != std::string::npos) {
+                throw po::error("the argument '" + argument + "' is not valid");
+            }
+        }
+    }
+    throw;
+}
+
+po::variables_map parseOptions(int argc, const char* const* argv, const po::options_description& options) {
+    po::variables_map values;
+    try {
+        const po::parsed_options parsed = po::command_line_parser(argc, argv).options(options).run();
+        refuseLeftOver(parsed);
+        po::store(parsed, values);
+        po::notify(values);
+    } catch (const po::error_with_option_name&) {
+        rethrowParserError(argc, argv);
+    }
+    return values;
+}
+
 /** Makes sure that what was asked for has left the program. */
 int finishStandardOutput() {
     std::cout.flush();
@@ -87,11 +117,7 @@ po::options_description describeOptions() {
 }
 
 CommandLine parseCommandLine(int argc, const char* const* argv, const po::options_description& options) {
-    const po::parsed_options parsed = po::command_line_parser(argc, argv).options(options).run();
-    refuseLeftOver(parsed);
-    po::variables_map values;
-    po::store(parsed, values);
-    po::notify(values);
+    const po::variables_map values = parseOptions(argc, argv, options);
 
     CommandLine commandLine{};
     commandLine.help = values.count("help") != 0;
