@@ -93,12 +93,17 @@ void FocalPlane::setFieldCentre(Astrometric target, PlateCoordinates wanted) {
 }
 
 void FocalPlane::setHourAngle(double hourAngle) {
-    for (int steps = 0; !dateAccepted_ || std::fabs(wrapAngle(hourAngle_ - hourAngle)) > kHourAngleTolerance; ++steps) {
-        const double next = date_ - wrapAngle(hourAngle_ - hourAngle) * 12 / kPi / 24 / kSiderealRate;
-        if (!dateAccepted_ || next == date_ || steps == kMaxHourAngleSteps) {
+    double previousError = kNaN;
+    double error = wrapAngle(hourAngle_ - hourAngle);
+    for (int steps = 0; !dateAccepted_ || std::fabs(error) > kHourAngleTolerance; ++steps) {
+        const double next = date_ - error * 12 / kPi / 24 / kSiderealRate;
+        // An hour angle so large that rounding swallows the field's own leaves the same error at every step.
+        if (!dateAccepted_ || next == date_ || error == previousError || steps == kMaxHourAngleSteps) {
             throw std::runtime_error("Hour angle not converging at MJD " + fixedText(date_, 2).toStdString());
         }
         setDate(next);
+        previousError = error;
+        error = wrapAngle(hourAngle_ - hourAngle);
     }
 }
 
