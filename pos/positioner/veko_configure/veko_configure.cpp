@@ -15,14 +15,17 @@
 #include "VekoXML.h"
 #include "Version.h"
 #include "angles.h"
+#include "fileAccess.h"
 #include "numberText.h"
 #include "xmlKeywords.h"
 #include "xmlSerialise.h"
 #include "xmlStructure.h"
 
+#include <QTextStream>
 #include <iostream>
 #include <optional>
 #include <stdexcept>
+#include <vector>
 
 namespace {
 
@@ -52,31 +55,60 @@ void saveHourAngleLimits(std::pair<double, double> limits, QDomDocument document
     element.setAttribute(attr::earliest, fixedText(radiansToHours(limits.second), 4));
 }
 
-/**
- * Configures the bundle on one field.
- *
- * @param observation receives the field centre too; a null element for every field but the first
- * @param defaultEpoch Julian epoch of generated positions, years
- */
-void configureField(Veko& veko, const QDomElement& field, const QDomElement& observation, double defaultEpoch) {
-    const VekoTargets targets = findVekoTargets(field);
+/** A field of the document and what is configured on it. */
+struct ConfiguredField {
+    QDomElement element;
+    VekoTargets targets;
+    Target science;
+    std::uint32_t fibre; ///< for the science target
+};
+
+ConfiguredField readField(const QDomElement& element) {
+    const VekoTargets targets = findVekoTargets(element);
     const Target science = createTargetXML(targets.science);
-    const std::uint32_t fibre = scienceFibre(science);
-    placeVeko(veko, science, fibre);
-
-    const Astrometric centre = vekoFieldCentre(veko);
-    saveAstrometricXML(centre, field);
-    saveAstrometricXML(centre, observation);
-
-    saveVekoTargets(veko, field, targets.science, fibre, defaultEpoch);
-    saveGuideStar(veko, targets.guide);
+    return {element, targets, science, scienceFibre(science)};
 }
 
+/** How large a field's new targets are when they are written, bytes, at the least: copies of the science target. */
+qint64 sizeOfTargets(const Veko& veko, const ConfiguredField& field) {
+    QString text;
+    QTextStream stream(&text);
+    field.targets.science.save(stream, 1);
+    stream.flush();
+    return static_cast<qint64>(veko.fibres.size()) * text.size();
+}
+
+/** Points at a field. @param observation receives the field centre too; a null element for every field but the first */
+void pointAtField(Veko& veko, const ConfiguredField& field, const QDomElement& observation) {
+    placeVeko(veko, field.science, field.fibre);
+    const Astrometric centre = vekoFieldCentre(veko);
+    saveAstrometricXML(centre, field.element);
+    saveAstrometricXML(centre, observation);
+    saveGuideStar(veko, field.targets.guide);
+}
+
+/**
+ * Configures the bundle on every field. All are read and pointed at before the first of their many targets is written:
+ * a field that cannot be configured costs neither time nor memory for those before it.
+ *
+ * @param defaultEpoch Julian epoch of generated positions, years
+ */
 void configureFields(Veko& veko, const QDomElement& root, QDomElement observation, double defaultEpoch) {
-    for (QDomElement field = findFieldElement(root, QDomElement()); !field.isNull();
-         field = findFieldElement(root, field)) {
-        configureField(veko, field, observation, defaultEpoch);
+    std::vector<ConfiguredField> fields;
+    qint64 size = 0;
+    for (QDomElement element = findFieldElement(root, QDomElement()); !element.isNull();
+         element = findFieldElement(root, element)) {
+        fields.push_back(readField(element));
+        size += sizeOfTargets(veko, fields.back());
+        if (size > kMaxFileSize) {
+            throw std::runtime_error("The output would be larger than 256 MiB");
+        }
+        pointAtField(veko, fields.back(), observation);
         observation.clear();
+    }
+    for (const ConfiguredField& field : fields) {
+        placeVeko(veko, field.science, field.fibre);
+        saveVekoTargets(veko, field.element, field.targets.science, field.fibre, defaultEpoch);
     }
 }
 
