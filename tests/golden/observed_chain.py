@@ -20,16 +20,21 @@ from astropy.utils import iers
 WAVELENGTH_UM = 0.6
 
 
-def use_ideal_earth_orientation():
-    """UT1 is UTC and the pole does not move, for all dates in use; nothing is fetched."""
+def use_earth_orientation(ut1_minus_utc, pole_x, pole_y):
+    """The same UT1-UTC, s, and place of the pole, arcsec, for all dates in use; nothing is fetched."""
     iers.conf.auto_download = False
     iers.conf.auto_max_age = None
     iers.conf.iers_degraded_accuracy = "error"
     # Years that the leap-second table does not reach yet count with the leap seconds of today.
     warnings.filterwarnings("ignore", message=".*dubious year.*", category=erfa.ErfaWarning)
-    table = iers.IERS({"MJD": [40000.0, 70000.0] * u.d, "UT1_UTC": [0.0, 0.0] * u.s,
-                       "PM_x": [0.0, 0.0] * u.arcsec, "PM_y": [0.0, 0.0] * u.arcsec})
+    table = iers.IERS({"MJD": [40000.0, 70000.0] * u.d, "UT1_UTC": [ut1_minus_utc] * 2 * u.s,
+                       "PM_x": [pole_x] * 2 * u.arcsec, "PM_y": [pole_y] * 2 * u.arcsec})
     iers.earth_orientation_table.set(table)
+
+
+def use_ideal_earth_orientation():
+    """UT1 is UTC and the pole does not move."""
+    use_earth_orientation(0.0, 0.0, 0.0)
 
 
 class RestingObserver(ErfaAstrom):

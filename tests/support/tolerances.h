@@ -61,8 +61,8 @@ inline constexpr double kDateResolution = 10 * kMicroarcsecond;
 /** TT and TDB differ by 1.7 ms, in which 10 arcsec/yr make 0.0005 µas; the rest is rounding. Radians. */
 inline constexpr double kSpaceMotionTolerance = 0.01 * kMicroarcsecond;
 /**
- * Without a parallax the astronomy library takes a star for one at 1/100 of the speed of light, and the last bit of the
- * date decides whether it counts relativity in: (1/100)² of the motion.
+ * Without a parallax the astronomy library takes a star for one at 1/100 of the speed of light, and whether the star's
+ * radial speed rounds to 0 or to almost 0 decides whether it counts relativity in: (1/100)² of the motion.
  */
 inline constexpr double kRelativeMotionWithoutParallax = 1e-4;
 /** More than any place of a field has, mm per radian: the polynomial rises by 213 mm per degree at 1.1 degrees. */
