@@ -22,8 +22,13 @@ if(POS_SANITIZE)
   target_compile_options(pos_sanitizers INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
                                                   -fno-omit-frame-pointer
                                                   # GCC takes instrumented Boost code for uninitialised
-                                                  -Wno-maybe-uninitialized)
+                                                  $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_link_options(pos_sanitizers INTERFACE -fsanitize=address,undefined)
+endif()
+if(POS_FUZZ)
+  # Coverage for the fuzzing engine, which only the fuzzers themselves link; checks in the standard containers.
+  target_compile_options(pos_sanitizers INTERFACE -fsanitize=fuzzer-no-link)
+  target_compile_definitions(pos_sanitizers INTERFACE _GLIBCXX_ASSERTIONS)
 endif()
 
 add_library(pos_options INTERFACE)
