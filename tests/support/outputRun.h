@@ -54,12 +54,15 @@ protected:
         options.wrapper = std::move(wrapper);
         options.shellRedirection = redirection;
         options.environment = environment_;
-        return runCommand({folder_.path("program"), "-i", folder_.path("in.xml"), "-o", output}, options);
+        std::vector<std::string> command = {folder_.path("program"), "-i", folder_.path("in.xml"), "-o", output};
+        command.insert(command.end(), arguments_.begin(), arguments_.end());
+        return runCommand(command, options);
     }
 
     const TemporaryFolder folder_;
     std::string expected_;                 ///< what an undisturbed run writes
     std::vector<std::string> environment_; ///< settings for every run
+    std::vector<std::string> arguments_;   ///< further arguments of every run
 };
 
 /** Expects that a program has ended by itself, with this status and this message, and has said nothing else. */

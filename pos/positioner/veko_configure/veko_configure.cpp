@@ -35,7 +35,7 @@ using namespace pos;
 std::optional<QDomDocument> loadDocument(const std::string& input) {
     try {
         return loadXmlFile(input);
-    } catch (const std::exception& error) {
+    } catch (const std::runtime_error& error) {
         std::cerr << "Error parsing field definition file: " << error.what() << std::endl;
         return std::nullopt;
     }
