@@ -150,13 +150,13 @@ TEST_F(FocalPlaneCoordinatesTest, TheLastStepOfTheInverseIsApplied) {
 }
 
 TEST_F(FocalPlaneCoordinatesTest, AStartWithinTheToleranceIsKeptAsItIs) {
-    // A straight line that misses the start value of one degree by 5e-11 degrees, half the tolerance.
+    // A straight line that misses the start value of one degree by a little less than the tolerance of 1e-10 degrees.
     const double perDegree = kFocalLength * kTestPi / 180;
-    FocalPlaneCoordinates::setDistortion(perDegree * (1 + 5e-11), 0.0, 0.0);
+    FocalPlaneCoordinates::setDistortion(perDegree * (1 + 0.99e-10), 0.0, 0.0);
     EXPECT_NEAR(unproject(0.0, perDegree).second * 180 / kTestPi, 1.0, 1e-14);
-    // By ten times as much: the line's own root is found.
-    FocalPlaneCoordinates::setDistortion(perDegree * (1 + 5e-10), 0.0, 0.0);
-    EXPECT_NEAR(unproject(0.0, perDegree).second * 180 / kTestPi, 1.0 - 5e-10, 1e-14);
+    // By a little more: the line's own root is found.
+    FocalPlaneCoordinates::setDistortion(perDegree * (1 + 1.01e-10), 0.0, 0.0);
+    EXPECT_NEAR(unproject(0.0, perDegree).second * 180 / kTestPi, 1.0 - 1.01e-10, 1e-14);
 }
 
 TEST_F(FocalPlaneCoordinatesTest, TheInverseStartsFromTheFocalLengthInUse) {
@@ -172,8 +172,9 @@ TEST_F(FocalPlaneCoordinatesTest, ANearlyVanishingRadiusIsTheOpticalAxis) {
     const auto [xi, eta] = unproject(0.6e-10, 0.7e-10);
     EXPECT_EQ(xi, 0.0);
     EXPECT_EQ(eta, 0.0);
+    EXPECT_EQ(unproject(0.0, 0.99e-10).second, 0.0);
     // So near to the axis the start value, the radius by the focal length, is within the tolerance.
-    EXPECT_NEAR(unproject(0.0, 2e-10).second, 2e-10 / kFocalLength, 1e-26);
+    EXPECT_NEAR(unproject(0.0, 1.01e-10).second, 1.01e-10 / kFocalLength, 1e-26);
     // The radius is taken at the nominal focal length.
     FocalPlaneCoordinates::setFocalLength(kFocalLength * 4);
     EXPECT_EQ(unproject(0.0, 2e-10).second, 0.0);

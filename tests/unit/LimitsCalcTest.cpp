@@ -9,6 +9,8 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
+#include <optional>
+#include <utility>
 #include <vector>
 
 using namespace pos;
@@ -54,6 +56,19 @@ FocalPlane withoutParallacticAngle(const TelescopeSettings& telescope, double po
     FocalPlane focalPlane(telescopeConfig(telescope), VEKO, centre, positionAngle, kAirlessNight);
     EXPECT_LT(std::fabs(focalPlane.parallacticAngle()), 1e-18);
     return focalPlane;
+}
+
+/** A rotator limit, degrees, that is reached at the field's present hour angle to the last bit, if there is one. */
+std::optional<double> limitMetNow(const FocalPlane& focalPlane) {
+    double limit = -focalPlane.parallacticAngle() * 180 / kTestPi * (1 - 1e-13);
+    for (int step = 0; step < 2000; ++step) {
+        limit = std::nextafter(limit, std::copysign(180.0, limit));
+        const auto [first, second] = focalPlane.parallacticToHour(-rad(limit));
+        if (first == focalPlane.hourAngle() || second == focalPlane.hourAngle()) {
+            return limit;
+        }
+    }
+    return std::nullopt;
 }
 
 } // namespace
@@ -135,6 +150,34 @@ TEST_F(LimitsCalcTest, AFieldThatIsBelowTheLimitNowHasNoLimits) {
         EXPECT_EQ(limits(seenAt(hourDeg, 0.0, telescope), telescope, zenithDistanceOfSine(0.25)),
                   std::make_pair(0.0, 0.0))
             << hourDeg;
+    }
+}
+
+TEST_F(LimitsCalcTest, AFieldAtTheHorizonLimitItselfStillHasItsLimits) {
+    const TelescopeSettings telescope = telescopeAt(30.0);
+    const PosConfig config = telescopeConfig(telescope);
+    const auto canMeetItsLimit = [&](double hourDeg) {
+        FocalPlane focalPlane = seenAt(hourDeg, 25.0, telescope);
+        const double now = std::fabs(focalPlane.hourAngle());
+        const double dec = focalPlane.tangentDec();
+        double zenithDistance = zenithDistanceOfSine(std::sin(dec) * std::sin(rad(30.0)) +
+                                                     std::cos(dec) * std::cos(rad(30.0)) * std::cos(now));
+        zenithDistance -= 2e-14;
+        bool met = false;
+        // The limit is moved bit by bit until the field rises, or sets, at its own hour.
+        for (int step = 0; step < 400 && !met; ++step) {
+            zenithDistance = std::nextafter(zenithDistance, 4.0);
+            met = LimitsCalc(config, focalPlane, zenithDistance).hourAngleLimits() == std::make_pair(-now, now);
+        }
+        return met;
+    };
+    // Not every hour is one that the limits can come to, to the last bit: of some, a few are.
+    for (const double side : {-1.0, 1.0}) {
+        int met = 0;
+        for (const double hourDeg : {56.0, 57.0, 58.0, 59.0, 60.0, 61.0, 62.0, 63.0}) {
+            met += canMeetItsLimit(side * hourDeg) ? 1 : 0;
+        }
+        EXPECT_GE(met, 1) << side;
     }
 }
 
@@ -234,6 +277,37 @@ TEST_F(LimitsCalcTest, ACircumpolarFieldIsLimitedByTheRotatorAlone) {
             limits(seenAt(row.hourDeg, kDecDeg, telescope), telescope, rad(75.0)), row.earliestDeg, row.latestDeg,
             std::to_string(row.hourDeg) + ' ' + std::to_string(row.lowDeg) + ' ' + std::to_string(row.highDeg));
     }
+}
+
+TEST_F(LimitsCalcTest, TheLimitThatTheRotatorIsAtNarrowsNothing) {
+    // As in the tests before: equatorial fields at latitude 45, and circumpolar ones at 28.8.
+    const double zenithDistance = zenithDistanceOfSine(std::cos(rad(45.0)) * std::cos(rad(154.0)));
+    const double otherLimit = -eraHd2pa(rad(70.0), rad(80.0), rad(28.760583)) * 180 / kTestPi;
+    int setting = 0;
+    int circumpolar = 0;
+    // Not every hour is one that some limit meets to the last bit: of several, some are.
+    for (const double hourDeg : {15.0, 16.0, 17.0, 18.0, 19.0, 20.0, 21.0, 22.0, 23.0, 24.0, 25.0}) {
+        TelescopeSettings telescope = telescopeAt(45.0);
+        const FocalPlane equatorial = seenAt(hourDeg, 0.0, telescope);
+        if (const auto limit = limitMetNow(equatorial)) {
+            ++setting;
+            telescope.rotatorLowLimit = *limit;
+            // The parallactic angle comes again at 180 degrees less the hour angle: beyond the horizon limit.
+            expectLimits(limits(equatorial, telescope, zenithDistance), -154.0, 154.0, "setting");
+        }
+        telescope = telescopeAt(28.760583);
+        const FocalPlane high = seenAt(hourDeg, 80.0, telescope);
+        if (const auto limit = limitMetNow(high)) {
+            ++circumpolar;
+            telescope.rotatorLowLimit = *limit;
+            telescope.rotatorHighLimit = otherLimit;
+            expectLimits(limits(high, telescope, rad(75.0)), 70.0 - 360.0, 70.0, "circumpolar, low limit");
+            std::swap(telescope.rotatorLowLimit, telescope.rotatorHighLimit);
+            expectLimits(limits(high, telescope, rad(75.0)), 70.0 - 360.0, 70.0, "circumpolar, high limit");
+        }
+    }
+    EXPECT_GE(setting, 1);
+    EXPECT_GE(circumpolar, 1);
 }
 
 TEST_F(LimitsCalcTest, ACircumpolarFieldOnceItSetsIsLimitedByTheHorizonToo) {

@@ -2,6 +2,7 @@
 #include "outputFolder.h"
 #include "thrown.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -39,6 +40,11 @@ void writeAndExpectIn(const std::string& file, const std::string& name) {
     writeFile(name, kContent);
     EXPECT_EQ(readBytes(file), kContent.toStdString());
     EXPECT_TRUE(S_ISREG(statusOf(file).st_mode));
+}
+
+/** How many descriptors this process has open, with the one that reads the list. */
+std::size_t openDescriptors() {
+    return entriesOf("/proc/self/fd").size();
 }
 
 /** What is thrown when over a limit of 1000 bytes per file 3000 bytes are written under a name. */
@@ -236,4 +242,20 @@ TEST(OutputFile, ContentThatDoesNotFitMakesNoFile) {
                   "File write error: Unable to write output file " + folder.path(name) + ": File too large");
         EXPECT_EQ(entriesOf(folder.name()), Names({"link"}));
     }
+}
+
+TEST(OutputFile, NoDescriptorStaysOpen) {
+    const TemporaryFolder folder;
+    const std::string file = folder.write("out.xml", "old");
+    const std::string longName = folder.path(std::string(255, 'n')); // no room for a temporary file's ending
+    const int inPlace = ::open(file.c_str(), O_RDWR);
+    ASSERT_GE(inPlace, 0);
+    const std::size_t before = openDescriptors();
+    for (const std::string& name : {file, longName, "/proc/self/fd/" + std::to_string(inPlace)}) {
+        writeFile(name, kContent);
+        EXPECT_EQ(openDescriptors(), before) << name;
+        EXPECT_NE(messageBeyondTheLimit(name), "") << name;
+        EXPECT_EQ(openDescriptors(), before) << name;
+    }
+    EXPECT_EQ(::close(inPlace), 0);
 }

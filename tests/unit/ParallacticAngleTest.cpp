@@ -47,6 +47,24 @@ TEST_F(ParallacticAngleTest, ZeroIsReachedOnTheMeridian) {
     EXPECT_EQ(north.parallacticToHour(2 * kTestPi).first, kTestPi);
 }
 
+TEST_F(ParallacticAngleTest, AFieldThatCulminatesInTheZenithCountsAsNorthOfItForZeroAndAsSouthForHalfATurn) {
+    // The place is moved until its declination is the latitude to the last bit; not at every hour does that succeed.
+    int met = 0;
+    for (double hour = 0.1; hour < 1.0 && met == 0; hour += 0.05) {
+        double dec = rad(45.0);
+        for (int step = 0; step < 10 && met == 0; ++step) {
+            const FocalPlane zenith = seenAt(hour, dec, 45.0);
+            dec += zenith.latitude() - zenith.tangentDec();
+            if (zenith.latitude() == zenith.tangentDec()) {
+                ++met;
+                expectHours(zenith.parallacticToHour(0.0), 180.0, kNaN);
+                expectHours(zenith.parallacticToHour(kTestPi), kNaN, kNaN);
+            }
+        }
+    }
+    EXPECT_EQ(met, 1);
+}
+
 TEST_F(ParallacticAngleTest, HalfATurnIsReachedAtTheUpperCulminationNorthOfTheZenith) {
     for (const double q : {kTestPi, -kTestPi}) {
         const auto north = seenAt(0.4, 1.2, 45.0).parallacticToHour(q);

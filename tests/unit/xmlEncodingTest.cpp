@@ -102,6 +102,11 @@ TEST_F(XmlEncoding, SingleByteEncodingsAreRead) {
     EXPECT_EQ(textOf(declared("KOI8-R", "<a>\xc1</a>")), "\xd0\xb0");
 }
 
+TEST_F(XmlEncoding, EncodingsThatLeaveBytesUnassignedAreReadWithoutThose) {
+    EXPECT_EQ(textOf(declared("ISO-8859-3", "<a>\xe9</a>")), "\xc3\xa9");
+    EXPECT_EQ(textOf(declared("ISO-8859-3", "<a>\xa5</a>")), kRefused);
+}
+
 TEST_F(XmlEncoding, AsciiHasNoOtherBytes) {
     EXPECT_EQ(textOf(declared("US-ASCII", "<a>x&#233;</a>")), "x\xc3\xa9");
     EXPECT_EQ(textOf(declared("US-ASCII", "<a>\xe9</a>")), kRefused);
