@@ -3,7 +3,6 @@
 #include "angles.h"
 
 #include <cmath>
-#include <erfa.h>
 
 namespace pos {
 
@@ -25,12 +24,23 @@ JulianDate ttFromTai(double mjdTai) {
     return tt;
 }
 
+/** The library takes a context by a pointer to non-const but only reads it. */
+eraASTROM* readOnly(const DateContext& context) {
+    return const_cast<eraASTROM*>(&context.astrom); // NOLINT(cppcoreguidelines-pro-type-const-cast): see above
+}
+
 /** Milliarcseconds to radians by way of arcseconds and degrees. */
 double milliarcsecondsToRadians(double mas) {
     return mas / 1000 / 3600 / 180 * kPi;
 }
 
 } // namespace
+
+DateContext::DateContext(double mjdTai) : date(mjdTai) {
+    const JulianDate tt = ttFromTai(mjdTai);
+    double equationOfOrigins = 0.0;
+    eraApci13(tt.jd1, tt.jd2, &astrom, &equationOfOrigins);
+}
 
 CIRS Astrometric::toCirs(double date) const {
     const JulianDate tt = ttFromTai(date);
@@ -40,11 +50,23 @@ CIRS Astrometric::toCirs(double date) const {
     return place;
 }
 
+CIRS Astrometric::toCirs(const DateContext& context) const {
+    CIRS place{};
+    eraAtciq(ra, dec, 0.0, 0.0, 0.0, 0.0, readOnly(context), &place.ra, &place.dec);
+    return place;
+}
+
 Astrometric CIRS::toAstrometric(double date) const {
     const JulianDate tt = ttFromTai(date);
     Astrometric place{};
     double equationOfOrigins = 0.0;
     eraAtic13(ra, dec, tt.jd1, tt.jd2, &place.ra, &place.dec, &equationOfOrigins);
+    return place;
+}
+
+Astrometric CIRS::toAstrometric(const DateContext& context) const {
+    Astrometric place{};
+    eraAticq(ra, dec, readOnly(context), &place.ra, &place.dec);
     return place;
 }
 

@@ -13,6 +13,8 @@ struct Conditions {
     double temperature;      ///< ambient temperature, kelvin
     double pressure;         ///< ambient pressure, millibar (hPa); 0 means no refraction
     double relativeHumidity; ///< relative humidity, 0 to 1
+
+    bool operator==(const Conditions&) const = default;
 };
 
 } // namespace pos

@@ -45,7 +45,7 @@ std::pair<double, double> ascending(double a, double b) {
 
 FocalPlane::FocalPlane(const PosConfig& config, PlateName plate, Astrometric centre, double positionAngle,
                        const Conditions& conditions)
-    : centre_(centre), positionAngle_(positionAngle) {
+    : centre_(centre), positionAngle_(positionAngle), dateContext_(conditions.epoch) {
     FocalPlaneCoordinates::initialise(config);
     PlateCoordinates::initialise(config, plate);
     FocalPlaneCoordinates::setRotation(positionAngle);
@@ -71,10 +71,10 @@ void FocalPlane::setFieldCentre(Astrometric centre, double positionAngle) {
 }
 
 void FocalPlane::setFieldCentre(Astrometric target, PlateCoordinates wanted) {
-    const CIRS targetPlace = target.toCirs(date_);
+    const CIRS targetPlace = target.toCirs(dateContext_);
     centre_ = target;
     update();
-    const PlateCoordinates origin = plateFromCirs(centre_.toCirs(date_));
+    const PlateCoordinates origin = plateFromCirs(centre_.toCirs(dateContext_));
     PlateCoordinates landed = plateFromCirs(targetPlace);
     double previousError = std::numeric_limits<double>::infinity();
     double error = squaredDistance(landed, wanted);
@@ -84,7 +84,7 @@ void FocalPlane::setFieldCentre(Astrometric target, PlateCoordinates wanted) {
             throw std::runtime_error("Field centre not converging");
         }
         const PlateCoordinates shifted(origin.x - (wanted.x - landed.x), origin.y - (wanted.y - landed.y));
-        centre_ = xyToCirs(shifted).toAstrometric(date_);
+        centre_ = xyToCirs(shifted).toAstrometric(dateContext_);
         update();
         landed = plateFromCirs(targetPlace);
         previousError = error;
@@ -125,12 +125,13 @@ Conditions FocalPlane::conditions() const {
 }
 
 void FocalPlane::update() {
-    dateAccepted_ = updateContext();
+    updateContexts();
+    context_ = observerContext_;
     if (!dateAccepted_) {
         tangentRa_ = tangentDec_ = zenithDistance_ = hourAngle_ = parallacticAngle_ = kNaN;
         return;
     }
-    const CIRS centre = centre_.toCirs(date_);
+    const CIRS centre = centre_.toCirs(dateContext_);
     observeCentre(centre);
     if (zenithDistance_ > kPi / 2 - horizonLimit_) {
         context_.refa = 0.0;
@@ -140,8 +141,19 @@ void FocalPlane::update() {
     parallacticAngle_ = eraHd2pa(hourAngle_, tangentDec_, latitude_);
 }
 
-/** Fills the astrometry context. @return whether the library takes the date */
-bool FocalPlane::updateContext() {
+/** Most updates are for another field centre: what depends on date and weather alone stays until these change. */
+void FocalPlane::updateContexts() {
+    if (dateContext_.date != date_) {
+        dateContext_ = DateContext(date_);
+    }
+    if (contextConditions_ != conditions()) {
+        contextConditions_ = conditions();
+        dateAccepted_ = fillObserverContext();
+    }
+}
+
+/** Fills the context of the observer. @return whether the library takes the date */
+bool FocalPlane::fillObserverContext() {
     double utc1 = kMjdZero;
     double utc2 = date_;
     // The library's calendar turns a date that is not finite into undefined integers.
@@ -151,7 +163,8 @@ bool FocalPlane::updateContext() {
     double equationOfOrigins = 0.0;
     // A positive status only says that leap seconds are not known for the date.
     return eraApco13(utc1, utc2, 0.0, eastLongitude_, latitude_, height_, 0.0, 0.0, pressure_,
-                     temperature_ - kCelsiusZero, relativeHumidity_, kWavelength, &context_, &equationOfOrigins) >= 0;
+                     temperature_ - kCelsiusZero, relativeHumidity_, kWavelength, &observerContext_,
+                     &equationOfOrigins) >= 0;
 }
 
 /** Observes the field centre: the tangent point and where it stands in the sky. */

@@ -10,6 +10,7 @@
 #include "PlateCoordinates.h"
 
 #include <erfa.h>
+#include <optional>
 #include <utility>
 
 namespace pos {
@@ -133,6 +134,10 @@ public:
     double date() const {
         return date_;
     }
+    /** For conversions at the present date. */
+    const DateContext& dateContext() const {
+        return dateContext_;
+    }
     /** Observed declination of the field centre, radians. */
     double tangentDec() const {
         return tangentDec_;
@@ -151,7 +156,8 @@ public:
     }
 
 private:
-    bool updateContext();
+    void updateContexts();
+    bool fillObserverContext();
     void observeCentre(CIRS centre);
     eraASTROM* readOnlyContext() const;
     PlateCoordinates plateFromCirs(CIRS place) const;
@@ -169,8 +175,11 @@ private:
     double pressure_ = 0.0;         ///< millibar
     double relativeHumidity_ = 0.0; ///< 0 to 1
 
-    bool dateAccepted_ = false; ///< by the astronomy library
-    eraASTROM context_{};
+    DateContext dateContext_;
+    std::optional<Conditions> contextConditions_; ///< those of the observer's context
+    bool dateAccepted_ = false;                   ///< by the astronomy library
+    eraASTROM observerContext_{};
+    eraASTROM context_{};     ///< the observer's, without refraction where the centre is below the horizon limit
     double tangentRa_ = 0.0;  ///< observed right ascension (CIO-based) of the field centre, radians
     double tangentDec_ = 0.0; ///< observed declination of the field centre, radians
     double zenithDistance_ = 0.0;

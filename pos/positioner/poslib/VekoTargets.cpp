@@ -26,7 +26,7 @@ void savePlatePlace(const Veko& veko, QDomElement& element, PlateCoordinates pos
 Target fibreTarget(const Veko& veko, const SatelliteFibre<Veko::VekoCentre>& fibre, const std::string& spaxel,
                    double epoch) {
     const FocalPlane& focalPlane = veko.focalPlane;
-    const Astrometric sky = focalPlane.xyToCirs(fibre.platePosition()).toAstrometric(focalPlane.date());
+    const Astrometric sky = focalPlane.xyToCirs(fibre.platePosition()).toAstrometric(focalPlane.dateContext());
     Target target;
     target.position = {sky.ra, sky.dec, epoch, 0.0, 0.0, 0.0, 0.0};
     target.use = spaxel.starts_with('S') ? TargetUse::S : TargetUse::T;
@@ -72,7 +72,7 @@ void placeVeko(Veko& veko, const Target& science, std::uint32_t fibre) {
 }
 
 Astrometric vekoFieldCentre(const Veko& veko) {
-    return veko.focalPlane.xyToCirs({0.0, 0.0}).toAstrometric(veko.focalPlane.date());
+    return veko.focalPlane.xyToCirs({0.0, 0.0}).toAstrometric(veko.focalPlane.dateContext());
 }
 
 void saveVekoTargets(const Veko& veko, QDomElement field, QDomElement science, std::uint32_t fibre, double epoch) {
@@ -95,7 +95,7 @@ void saveVekoTargets(const Veko& veko, QDomElement field, QDomElement science, s
 void saveGuideStar(const Veko& veko, QDomElement guide) {
     const FocalPlane& focalPlane = veko.focalPlane;
     const Astrometric place = createTargetXML(guide).position.toAstrometric(focalPlane.date());
-    const StandardCoordinates standard = focalPlane.cirsToStd(place.toCirs(focalPlane.date()));
+    const StandardCoordinates standard = focalPlane.cirsToStd(place.toCirs(focalPlane.dateContext()));
     savePlatePlace(veko, guide, PlateCoordinates{FocalPlaneCoordinates(standard)}, std::string());
     guide.setAttribute(attr::fibreid, QString());
     guide.setAttribute(attr::configid, 0);
