@@ -24,15 +24,47 @@ const QTextCodec& declaredCodec(const QDomNode& declaration) {
 }
 
 /**
+ * An encoding that has every character. The XML library asks the declared encoding about each character that it writes,
+ * and the ordinary ones answer by encoding it.
+ */
+class EveryCharacter : public QTextCodec {
+public:
+    QByteArray name() const override {
+        return "x-every-character";
+    }
+    int mibEnum() const override {
+        return kPrivateMib;
+    }
+
+protected:
+    QString convertToUnicode(const char* /*text*/, int /*length*/, ConverterState* /*state*/) const override {
+        return {};
+    }
+    QByteArray convertFromUnicode(const QChar* /*text*/, int /*length*/, ConverterState* /*state*/) const override {
+        return {};
+    }
+
+private:
+    static constexpr int kPrivateMib = -20160815; ///< of no registered encoding
+};
+
+/** The declaration by which the XML library finds that encoding. */
+QString declarationOfEveryCharacter() {
+    // It registers itself and then belongs to the library.
+    static const EveryCharacter* const codec = new EveryCharacter;
+    return QStringLiteral("encoding='") + QString::fromLatin1(codec->name()) + QLatin1Char('\'');
+}
+
+/**
  * The text of a whole document, as characters.
  *
  * The XML library replaces what the declared encoding lacks by references, but halves a character beyond the basic
- * plane, into what no reader accepts. While the declaration is empty, it leaves every character as it is.
+ * plane, into what no reader accepts. So it is made to believe in an encoding that lacks nothing.
  */
 QString characters(const QDomDocument& document) {
     QDomNode declaration = declarationOf(document);
     const QString value = declaration.nodeValue();
-    declaration.setNodeValue(QString());
+    declaration.setNodeValue(declarationOfEveryCharacter());
     QString text;
     QTextStream stream(&text);
     document.save(stream, 1);
