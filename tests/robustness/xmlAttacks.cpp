@@ -1,5 +1,7 @@
 #include "xmlAttacks.h"
 
+#include <sstream>
+
 namespace {
 
 /** A document with this document type and content, whose data model version is that of the embedded configuration. */
@@ -36,13 +38,19 @@ std::string times(int count, const std::string& text) {
 }
 
 std::string numbered(int count, const std::string& text) {
+    std::vector<std::string> pieces;
+    std::istringstream stream(text + "#");
+    for (std::string piece; std::getline(stream, piece, '#');) {
+        pieces.push_back(piece);
+    }
     std::string all;
     for (int i = 0; i < count; ++i) {
-        std::string one = text;
-        for (std::size_t mark = one.find('#'); mark != std::string::npos; mark = one.find('#')) {
-            one = one.substr(0, mark) + std::to_string(i) + one.substr(mark + 1);
+        const std::string number = std::to_string(i);
+        all += pieces.front();
+        for (std::size_t piece = 1; piece < pieces.size(); ++piece) {
+            all += number;
+            all += pieces.at(piece);
         }
-        all += one;
     }
     return all;
 }
