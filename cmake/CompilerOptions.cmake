@@ -21,6 +21,8 @@ add_library(pos_sanitizers INTERFACE)
 if(POS_SANITIZE)
   target_compile_options(pos_sanitizers INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
                                                   -fno-omit-frame-pointer
+                                                  # lines are enough for a report
+                                                  -g1
                                                   # GCC takes instrumented Boost code for uninitialised
                                                   $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_link_options(pos_sanitizers INTERFACE -fsanitize=address,undefined)
