@@ -3,6 +3,7 @@
 #include <QRegularExpression>
 #include <QTextCodec>
 #include <QTextStream>
+#include <algorithm>
 #include <vector>
 
 namespace pos {
@@ -120,10 +121,9 @@ QByteArray encode(const QString& text, const QTextCodec& codec) {
 
 QByteArray serialiseXml(const QDomDocument& document) {
     QString text = characters(document);
-    const bool hasInstructions = text.lastIndexOf(QLatin1String("<?")) > 0;
-    if (hasInstructions) {
-        std::vector<bool> beforeText;
-        findInstructionsBeforeText(document, beforeText);
+    std::vector<bool> beforeText;
+    findInstructionsBeforeText(document, beforeText);
+    if (std::find(beforeText.begin(), beforeText.end(), true) != beforeText.end()) {
         text = joinTextToInstructions(text, beforeText);
     }
     return encode(text, declaredCodec(declarationOf(document)));
