@@ -16,7 +16,7 @@ namespace pos {
  * @param decimals how many digits follow the point
  */
 inline QString fixedText(double value, int decimals) {
-    return QStringLiteral("%1").arg(value, 0, 'f', decimals, QLatin1Char(' '));
+    return QString::number(value, 'f', decimals);
 }
 
 } // namespace pos
