@@ -69,7 +69,7 @@ void setUnlessEmpty(QDomElement& element, const QString& attribute, const std::s
 void setZeroMotion(QDomElement& element, bool automatic) {
     for (const QString& attribute : {attr::targparal, attr::targpmra, attr::targpmdec}) {
         if (automatic || !element.hasAttribute(attribute)) {
-            element.setAttribute(attribute, 0.0);
+            element.setAttribute(attribute, QStringLiteral("0"));
         }
     }
 }
