@@ -1,6 +1,5 @@
 #include "xmlParse.h"
 
-#include <QSet>
 #include <QTextCodec>
 #include <QXmlStreamEntityResolver>
 #include <QXmlStreamReader>
@@ -8,9 +7,13 @@
 #include <cstring>
 #include <exception>
 #include <expat.h>
+#include <functional>
 #include <memory>
 #include <new>
+#include <string>
+#include <string_view>
 #include <type_traits>
+#include <unordered_map>
 
 namespace pos {
 
@@ -58,6 +61,14 @@ bool describeEncoding(const QTextCodec& codec, XML_Encoding& info) {
     info.release = nullptr;
     return true;
 }
+
+/** Lets texts be looked up as they stand in the parser's memory. */
+struct TextHash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view text) const {
+        return std::hash<std::string_view>{}(text);
+    }
+};
 
 /** Builds a tree from what the parser reports. */
 class TreeBuilder {
@@ -162,10 +173,9 @@ private:
     }
 
     /** Names and values that come again, as most do, are kept once. */
-    QString shared(const XML_Char* text) {
-        const QString string = decoded(text);
-        const auto known = strings_.constFind(string);
-        return known != strings_.constEnd() ? *known : *strings_.insert(string);
+    const QString& shared(const XML_Char* text) {
+        const auto known = strings_.find(std::string_view(text));
+        return known != strings_.end() ? known->second : strings_.emplace(text, decoded(text)).first->second;
     }
 
     void declaration(const XML_Char* version, const XML_Char* encoding, int standalone) {
@@ -278,7 +288,7 @@ private:
     QDomDocument document_{QString()}; ///< without a document type
     QDomNode current_ = document_;
     QByteArray pendingText_;
-    QSet<QString> strings_;
+    std::unordered_map<std::string, QString, TextHash, std::equal_to<>> strings_; ///< by their UTF-8
     qint64 nodes_ = 0;
     qint64 bytes_ = 0; ///< of all values and texts
     int depth_ = 0;
