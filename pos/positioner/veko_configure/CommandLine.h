@@ -9,6 +9,8 @@
 #include <optional>
 #include <string>
 
+class QDomDocument;
+
 namespace pos {
 
 /** What the command line asks for. */
@@ -39,10 +41,11 @@ CommandLine parseCommandLine(int argc, const char* const* argv,
 /**
  * Does what the command line asks for.
  *
+ * @param kept as `veko_configure` takes it
  * @return the exit status
  * @throw std::exception for a failure that is to be reported on the error stream
  */
-int runCommandLine(int argc, const char* const* argv);
+int runCommandLine(int argc, const char* const* argv, QDomDocument* kept = nullptr);
 
 } // namespace pos
 

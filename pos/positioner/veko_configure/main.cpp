@@ -1,6 +1,7 @@
 #include "CommandLine.h"
 #include "ProcessState.h"
 
+#include <QDomDocument>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
@@ -12,7 +13,9 @@ int main(int argc, char* argv[]) {
     ::setenv("QT_HASH_SEED", "0", 1);
     pos::prepareProcess();
     try {
-        return pos::runCommandLine(argc, argv);
+        // Never taken apart, which would be a tenth of a run: the system takes the memory back.
+        static auto* const document = new QDomDocument;
+        return pos::runCommandLine(argc, argv, document);
     } catch (const std::bad_alloc&) {
         std::cerr << "There is not enough memory to configure the field definition" << std::endl;
         return 1;

@@ -126,13 +126,16 @@ int saveDocument(const std::string& output, const QDomDocument& document) {
 } // namespace
 
 int veko_configure(const PosConfig& config, const std::string& input, const std::string& output, double epoch,
-                   double hourAngle, double pressure, double zenithDistanceLimit) {
+                   double hourAngle, double pressure, double zenithDistanceLimit, QDomDocument* kept) {
     const auto defaultEpoch = config.get<double>("default_epoch");
     const std::optional<QDomDocument> loaded = loadDocument(input);
     if (!loaded) {
         return 1;
     }
     const QDomDocument& document = *loaded;
+    if (kept != nullptr) {
+        *kept = document;
+    }
     const QDomElement root = document.documentElement();
     const QDomElement observation = findObservationElement(root);
     const double positionAngle = degreesToRadians(observation.attribute(attr::pa).toDouble());

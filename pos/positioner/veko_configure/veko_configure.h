@@ -7,6 +7,8 @@
 
 #include <string>
 
+class QDomDocument;
+
 namespace pos {
 class PosConfig;
 }
@@ -25,12 +27,14 @@ class PosConfig;
  * @param hourAngle hour angle of the first field's centre, hours; 100.0 for the document's
  * @param pressure millibar; 0.0 for the document's
  * @param zenithDistanceLimit the field must be nearer to the zenith than this, radians
+ * @param kept receives the document that was read, as far as it was configured, for a caller that need not take its
+ *     tree apart because the process ends; null to have that done
  * @return 0 when the output is on disk, whole. 1, with a message on the error stream, when the input cannot be read, no
  *     epoch is given, the document's hour angle is not a number, or the output cannot be opened or written
  * @throw std::exception "Configure element not found", "field is below the horizon limit", "field position angle is
  *     outside the rotator limits", and whatever reading the document, the configuration and the bundle throws
  */
 int veko_configure(const pos::PosConfig& config, const std::string& input, const std::string& output, double epoch,
-                   double hourAngle, double pressure, double zenithDistanceLimit);
+                   double hourAngle, double pressure, double zenithDistanceLimit, QDomDocument* kept = nullptr);
 
 #endif
