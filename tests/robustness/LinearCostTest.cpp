@@ -72,6 +72,10 @@ struct Growth {
     int size;
 };
 
+void PrintTo(const Growth& value, std::ostream* stream) {
+    *stream << value.name;
+}
+
 const std::vector<Growth> kGrowths = {
     {"siblings", [](int size) { return withInField(times(size, "<a/>")); }, 2000},
     {"attributes", [](int size) { return withInField(times(size, "<a" + numbered(100, " a#='1'") + "/>")); }, 50},

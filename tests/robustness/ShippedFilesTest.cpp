@@ -15,6 +15,10 @@ struct Sample {
     int size;
 };
 
+void PrintTo(const Sample& value, std::ostream* stream) {
+    *stream << value.file;
+}
+
 class ShippedFiles : public HostileRun, public testing::WithParamInterface<Sample> {
 protected:
     static std::string shipped(const std::string& file) {

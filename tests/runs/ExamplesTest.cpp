@@ -13,6 +13,10 @@ struct Example {
     int fields;
 };
 
+void PrintTo(const Example& value, std::ostream* stream) {
+    *stream << value.file;
+}
+
 class ExampleRun : public testing::TestWithParam<Example> {};
 
 /** How many of a field's own targets carry the name of a spaxel. */
