@@ -13,6 +13,7 @@ import erfa
 import numpy as np
 
 import example_targets
+import worked_example
 from observed_chain import Optics, Pointing, Site, Weather, astrometric_place, use_ideal_earth_orientation
 
 FOLDER = pathlib.Path(__file__).resolve().parent
@@ -159,6 +160,7 @@ def main():
                 ["pointing", "x", "y"] + [f"{c}_{o}" for o in (*OBSERVERS, "library") for c in ("ra", "dec")],
                 back_rows)
     example_targets.write(write_table)
+    worked_example.write(write_table)
 
 
 if __name__ == "__main__":
