@@ -2,6 +2,7 @@
 
 #include "Version.h"
 #include "angles.h"
+#include "schemaCheck.h"
 #include "veko_configure.h"
 #include "xmlStructure.h"
 
@@ -187,7 +188,9 @@ RunEnd HostileRun::run(const std::string& document, const std::function<pos::Pos
 }
 
 RunEnd HostileRun::runSmall(const std::string& document) {
-    return run(document, [this] { return smallConfig(); });
+    RunEnd end = run(document, [this] { return smallConfig(); });
+    end.instrumentIsWhole = false;
+    return end;
 }
 
 pos::PosConfig HostileRun::smallConfig() const {
@@ -220,7 +223,10 @@ std::string HostileRun::breach(const RunEnd& end) {
         } catch (const std::exception& error) {
             return std::string("the output does not load: ") + error.what();
         }
-        return end.message.empty() ? "" : "a message beside an output";
+        if (!end.message.empty()) {
+            return "a message beside an output";
+        }
+        return end.instrumentIsWhole ? againstOutput(folder_.read("in.xml"), folder_.read("out.xml")) : "";
     }
     if (end.message.empty()) {
         return "no message";

@@ -20,6 +20,8 @@ struct RunEnd {
     Kind kind = Kind::Other;
     std::string message; ///< what the error stream got, or the exception said
     std::string out;     ///< standard output
+    /** The instrument is the tests' own, so that a document that keeps to its schema has an output that does. */
+    bool instrumentIsWhole = true;
 };
 
 /** A configuration of ten fibres, with files of its own in a folder, each of which a test may replace. */
@@ -42,7 +44,8 @@ std::string example(const std::string& name);
 /**
  * Runs in this process, each over an old output file, and the promise that holds for every one of them: it ends with a
  * result of 0 or 1 or with a standard exception; a result of 1 and an exception come with a message; nothing else is
- * printed; the old output is whole unless the result is 0, and then the output is a document that loads.
+ * printed; the old output is whole unless the result is 0, and then the output is a document that loads and,
+ * where the instrument is whole, keeps to its schema if the input did.
  */
 class HostileRun : public ProcessWideState {
 protected:

@@ -1,10 +1,12 @@
 #include "Program.h"
 
 #include "TemporaryFolder.h"
+#include "schemaCheck.h"
 
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -36,6 +38,29 @@ namespace {
     }
     ::execvp(arguments.front(), arguments.data());
     ::_exit(127);
+}
+
+/** The value of an option, in the three ways of giving one. @return empty where it is not given */
+std::string optionValue(const std::vector<std::string>& arguments, const std::string& shortName,
+                        const std::string& longName) {
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        if ((arguments[i] == shortName || arguments[i] == longName) && i + 1 < arguments.size()) {
+            return arguments[i + 1];
+        }
+        if (arguments[i].starts_with(longName + "=")) {
+            return arguments[i].substr(longName.size() + 1);
+        }
+    }
+    return "";
+}
+
+/** The bytes of a regular file of usual size; empty for anything else. */
+std::string fileBytes(const std::string& name, const ProgramOptions& options) {
+    constexpr std::uintmax_t kUsualSize = 4'000'000;
+    const std::filesystem::path path = std::filesystem::path(options.folder) / name;
+    std::error_code error;
+    const bool isRegular = !name.empty() && std::filesystem::is_regular_file(path, error);
+    return isRegular && std::filesystem::file_size(path, error) <= kUsualSize ? readBytes(path) : "";
 }
 
 } // namespace
@@ -70,7 +95,14 @@ ProgramResult runCommand(const std::vector<std::string>& command, const ProgramO
 ProgramResult runVekoConfigure(const std::vector<std::string>& arguments, const ProgramOptions& options) {
     std::vector<std::string> command = {vekoConfigureExecutable()};
     command.insert(command.end(), arguments.begin(), arguments.end());
-    return runCommand(command, options);
+    // Read before the run, which may replace it.
+    const std::string input = fileBytes(optionValue(arguments, "-i", "--input"), options);
+    ProgramResult result = runCommand(command, options);
+    const std::string output = fileBytes(optionValue(arguments, "-o", "--output"), options);
+    if (result.status == 0 && !input.empty() && !output.empty()) {
+        EXPECT_EQ(againstOutput(input, output), "");
+    }
+    return result;
 }
 
 std::string vekoConfigureExecutable() {

@@ -20,7 +20,10 @@ struct ProgramOptions {
     std::string shellRedirection;         ///< appended to the command line of a shell, such as ">&-" or "| head -c 9"
 };
 
-/** Runs veko_configure with these arguments, standard input from /dev/null, and waits for its end. */
+/**
+ * Runs veko_configure with these arguments, standard input from /dev/null, and waits for its end. Fails the test where
+ * the input keeps to the schema of field definitions and the output not to that of configured ones.
+ */
 ProgramResult runVekoConfigure(const std::vector<std::string>& arguments, const ProgramOptions& options = {});
 
 /** Runs any command, found on PATH, in the same way. */
