@@ -33,8 +33,8 @@ struct DateContext {
     /** @param mjdTai MJD, TAI */
     explicit DateContext(double mjdTai);
 
-    double date; ///< MJD, TAI
-    eraASTROM astrom{};
+    double date;        ///< MJD, TAI
+    eraASTROM astrom{}; ///< the library's context for the Earth's centre, without a site or an atmosphere
 };
 
 /** An astrometric place: ICRS axes, space motion applied up to the date of observation. */

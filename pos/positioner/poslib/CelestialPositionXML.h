@@ -23,6 +23,7 @@ namespace pos {
  * "targpmdec" (mas/yr), "targparal" (taken unchanged as arcseconds) and "targrv" (km/s) are 0.
  *
  * @param name description of the element, with which every message begins
+ * @param e the element that carries the attributes
  * @throw std::runtime_error name + " has no targra", name + " has an invalid targra 'text'",
  *     name + " targra 'text' does not have enough precision", the same for targdec, and
  *     name + " position has an invalid epoch 'text'" (or "proper motion", "parallax", "radial velocity")
@@ -33,6 +34,7 @@ ICRS createIcrsXML(const std::string& name, const QDomElement& e);
  * Reads a plain position from "RA_d" and "Dec_d" (degrees); each is 0 where it is absent or "%%%".
  *
  * @param name description of the element, with which every message begins
+ * @param e the element that carries the attributes
  * @throw std::runtime_error name + " has an invalid RA 'text'", name + " RA_d 'text' does not have enough precision",
  *     and the same for Dec and Dec_d
  */

@@ -26,8 +26,10 @@ Conditions createConditionsXML(const QDomElement& element);
  * Writes the conditions into the "conditions" child of the parent, which is created when there is none: "epoch" as a
  * Julian epoch with 2 decimals, "ha" in hours with 4, and a tropospheric lapse rate "tlr" that is always 0.0065 K/m.
  *
+ * @param conditions date and weather; temperature, pressure and humidity are written as they are
  * @param hourAngle radians
  * @param document creates the element
+ * @param parent holds, or gets, the "conditions" element
  */
 void saveConditionsXML(const Conditions& conditions, double hourAngle, QDomDocument document, QDomElement parent);
 

@@ -27,15 +27,16 @@ public:
     /** Place of a target: index of its group, index within the group. */
     using Place = std::pair<std::uint64_t, std::uint64_t>;
 
+    /** An empty field, bound to no element. @param fieldCentre the centre, as in the document */
     explicit Field(Astrometric fieldCentre) : centre(fieldCentre) {}
 
-    Astrometric centre;
+    Astrometric centre;                           ///< where the telescope points
     std::map<std::uint64_t, Place> configidIndex; ///< places of the targets by configure target id
     std::vector<std::vector<Target>> groups{1};   ///< group 0 holds the targets that stand directly in the field
     std::uint64_t currentGroup = 0;               ///< the group that addTarget appends to
     std::uint64_t nextConfigid = 1;               ///< the id assigned last; assigned ids therefore begin with 2
     QDomElement element;                          ///< the field's element, when the field is bound to one
-    std::vector<SkyMask> skyMasks;
+    std::vector<SkyMask> skyMasks;                ///< regions to avoid, in document order; the run does not use them
 
     /**
      * Adds a copy of a target to the current group.

@@ -34,6 +34,7 @@ std::unique_ptr<Field> createFieldXML(const std::string& filename);
 /**
  * Writes a field as a new element, its targets and groups in order. The sky masks are not written.
  *
+ * @param field the field; its targets are written as saveTargetXML does without a template
  * @param document creates the element, which is not attached to it
  */
 QDomElement saveFieldXML(const Field& field, QDomDocument document);
@@ -41,6 +42,8 @@ QDomElement saveFieldXML(const Field& field, QDomDocument document);
 /**
  * Writes the results of a run into the targets of a field's element. An automatic target without a fibre is removed.
  *
+ * @param field holds the targets by the configure target ids that stand in the element
+ * @param fieldElement the field's element
  * @param plate may be null; then no plate positions are written
  * @throw std::out_of_range "map::at" for an element whose id the field does not hold
  */

@@ -77,9 +77,10 @@ public:
      */
     void setHourAngle(double hourAngle);
 
-    /** @param mjdTai MJD, TAI */
+    /** Changes the date; centre and position angle stay. @param mjdTai MJD, TAI */
     void setDate(double mjdTai);
 
+    /** Takes over date and weather. */
     void setConditions(const Conditions& conditions);
 
     /** Date and weather as they are now. */
@@ -107,6 +108,7 @@ public:
      */
     std::pair<double, double> parallacticToHour(double parallacticAngle) const;
 
+    /** The field centre at the present date, as given or found last. */
     Astrometric fieldCentre() const {
         return centre_;
     }

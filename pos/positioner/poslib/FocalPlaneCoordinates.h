@@ -40,6 +40,7 @@ public:
         double c5;          ///< mm/degree⁵
     };
 
+    /** A position in the focal plane, mm. */
     FocalPlaneCoordinates(double xMm, double yMm) : x(xMm), y(yMm) {}
 
     /** The focal-plane position of a point of the tangent plane. The sky's east lies towards negative x. */
@@ -98,11 +99,14 @@ public:
     static double nominalFocalLength();
     /** Sets the focal length in use, mm, and with it the plate scale; the nominal one stays. */
     static void setFocalLength(double mm);
+    /** Sets the coefficients of the polynomial, mm/degree, mm/degree³ and mm/degree⁵. */
     static void setDistortion(double c1, double c3, double c5);
     /** Sets the rotation of the field. @param angle position angle, radians */
     static void setRotation(double angle);
 
+    /** The parameters in force. */
     static params save();
+    /** Puts saved parameters in force again. */
     static void restore(const params& saved);
 
 private:

@@ -21,7 +21,9 @@ class FocalPlane;
  * "PLATE_A", "PLATE_B" and "VEKO", each with "x0", "y0" (mm) and "r0" (radians), 3 decimals. A plate element is sought
  * directly under "focal_plane_map" but created under "optical_axis", so a second call adds three more.
  *
+ * @param focalPlane the pointing, from which the site is taken; the rest is the process-wide optical model
  * @param document creates the elements
+ * @param parent holds, or gets, both elements
  */
 void saveFocalPlaneXML(const FocalPlane& focalPlane, QDomDocument document, QDomElement parent);
 

@@ -39,6 +39,7 @@ public:
     double x; ///< millimetres
     double y; ///< millimetres
 
+    /** A position on the current plate, mm. */
     PlateCoordinates(double xMm, double yMm) : x(xMm), y(yMm) {}
 
     /** The plate position of a position in the focal plane. */

@@ -11,8 +11,8 @@ namespace pos {
 
 /** A circular region in which no fibre should look at the sky. */
 struct SkyMask {
-    Astrometric centre{};
-    double radius = 3.0; ///< as the document states it; no range is enforced
+    Astrometric centre{}; ///< as the document states it
+    double radius = 3.0;  ///< as the document states it; no range is enforced
 };
 
 } // namespace pos

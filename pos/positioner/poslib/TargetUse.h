@@ -18,8 +18,10 @@ namespace pos {
  */
 class TargetUse {
 public:
+    /** The letters. */
     enum Value : std::uint32_t { T, C, G, S, E, R };
 
+    /** A use of the set, unchecked. */
     constexpr TargetUse(Value value) : value_(value) {} // NOLINT(google-explicit-constructor): a value of the set
 
     /**
@@ -31,10 +33,12 @@ public:
     /** The upper-case letter; empty for a value outside the set. */
     explicit operator std::string() const;
 
+    /** The use as a value that can be switched on. */
     constexpr Value value() const {
         return value_;
     }
 
+    /** Whether both are the same use. */
     friend constexpr bool operator==(TargetUse left, TargetUse right) {
         return left.value_ == right.value_;
     }

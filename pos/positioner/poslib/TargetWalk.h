@@ -18,6 +18,7 @@ namespace pos {
  */
 class TargetWalk {
 public:
+    /** What a step of the walk came to. */
     enum class Step {
         Target,       ///< element() is a target
         GroupEntered, ///< the walk went down into a group
@@ -25,8 +26,10 @@ public:
         End           ///< all done
     };
 
+    /** Stands before the first child of a field; a null element makes a walk that is at its end. */
     explicit TargetWalk(const QDomElement& field);
 
+    /** Goes one step on; End again and again behind the end. */
     Step next();
 
     /** The element of the last step, when that was Target. */

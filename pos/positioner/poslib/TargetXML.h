@@ -42,6 +42,8 @@ QDomElement saveTargetXML(const Target& target, QDomNode parent, const QDomEleme
  * bundle's central fibre. With a plate, "targx" and "targy" (mm, 3 decimals) are written, and for a fibre above 1007
  * "ifu_spaxel" and "ifu_pa" (degrees, 1 decimal).
  *
+ * @param target its fibre and its catalogue position are used
+ * @param element the target's element
  * @param plate may be null
  * @throw std::out_of_range for a fibre above 1007 that the plate's tables do not hold
  */

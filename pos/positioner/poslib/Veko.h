@@ -24,6 +24,7 @@ public:
         double orientation; ///< rotation of the bundle about its centre, radians
     };
 
+    /** A bundle without fibres, at a centre; the pointing is copied. */
     Veko(VekoCentre bundleCentre, const FocalPlane& pointing) : centre(bundleCentre), focalPlane(pointing) {}
     // The fibres point at the centre.
     Veko(const Veko&) = delete;
@@ -32,8 +33,8 @@ public:
     Veko& operator=(Veko&&) = delete;
     ~Veko() = default;
 
-    VekoCentre centre;
-    FocalPlane focalPlane;
+    VekoCentre centre;                                          ///< the fibres follow its changes
+    FocalPlane focalPlane;                                      ///< the pointing of the bundle's plate
     std::map<std::uint32_t, SatelliteFibre<VekoCentre>> fibres; ///< by fibre identifier
     std::map<std::uint32_t, std::string> names;                 ///< spaxel names, UTF-8, by fibre identifier
 };

@@ -17,8 +17,8 @@ class Veko;
 
 /** The two targets on which a field is configured. */
 struct VekoTargets {
-    QDomElement science;
-    QDomElement guide;
+    QDomElement science; ///< the science target's element; null where none was found
+    QDomElement guide;   ///< the guide star's element; null where none was found
 };
 
 /**
@@ -56,6 +56,7 @@ Astrometric vekoFieldCentre(const Veko& veko);
  * child of the field, that begins as a copy of the science target's element. A fibre that is not enabled is marked by
  * a negative "fibreid".
  *
+ * @param veko the bundle, placed on the field
  * @param field receives the new targets
  * @param science the science target's element
  * @param fibre the science target's fibre

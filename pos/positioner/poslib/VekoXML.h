@@ -23,8 +23,11 @@ class Veko;
  * The root element's tag is not examined. Of two fibres with one identifier the first keeps its place and status, and
  * the last its name. A fibre without "status" is enabled.
  *
+ * @param config site and focal-plane map, as the constructor of FocalPlane takes them
  * @param root "centre_x", "centre_y" (plate mm) and "orientation" (degrees), all required; child elements "fibre" with
  *     "id" (0 to 2147483647), "pos_x", "pos_y" (mm), "fibre_name", and optionally "status"
+ * @param field at whose centre the plate is pointed
+ * @param conditions date and weather of the pointing
  * @throw std::runtime_error "plate definition has no centre_x attribute", "plate definition has a bad centre x", "plate
  *     definition has a bad centre y" (also when it is missing), "plate definition has no orientation attribute", "plate
  *     definition has a bad orientation"; "fibre has no id attribute" (or "pos_x", "pos_y", "fibre_name"), "fibre

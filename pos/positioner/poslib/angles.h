@@ -12,6 +12,7 @@
 
 namespace pos {
 
+/** π, the nearest double. */
 inline constexpr double kPi = 3.141592653589793;
 
 /** Degrees to radians: (degrees / 180) × π. */

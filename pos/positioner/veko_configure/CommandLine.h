@@ -15,15 +15,15 @@ namespace pos {
 
 /** What the command line asks for. */
 struct CommandLine {
-    bool help = false;
-    bool version = false;
-    std::string configFile;
-    std::optional<std::string> input;
-    std::optional<std::string> output;
-    double epoch;               ///< Julian epoch, years; 0.0 when not given
-    double hourAngle;           ///< hours; 100.0 when not given
-    double pressure;            ///< millibar; 0.0 when not given
-    double zenithDistanceLimit; ///< radians
+    bool help = false;                 ///< print the options and end
+    bool version = false;              ///< print the versions and end
+    std::string configFile;            ///< name of the configuration file, ":/configure.xml" when not given
+    std::optional<std::string> input;  ///< name of the field definition, bytes as given
+    std::optional<std::string> output; ///< name of the document to write, bytes as given
+    double epoch;                      ///< Julian epoch, years; 0.0 when not given
+    double hourAngle;                  ///< hours; 100.0 when not given
+    double pressure;                   ///< millibar; 0.0 when not given
+    double zenithDistanceLimit;        ///< radians
 };
 
 /** The options in the order of the help listing. */
@@ -41,6 +41,8 @@ CommandLine parseCommandLine(int argc, const char* const* argv,
 /**
  * Does what the command line asks for.
  *
+ * @param argc how many arguments there are, the program's name included
+ * @param argv the arguments, the first of which is the program's name
  * @param kept as `veko_configure` takes it
  * @return the exit status
  * @throw std::exception for a failure that is to be reported on the error stream
