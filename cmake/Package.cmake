@@ -1,0 +1,55 @@
+# The Debian packages veko-configure and libpos-dev, one for each component of Install.cmake; tools/build_packages makes
+# them.
+
+# CHANGELOG.md counts the releases of a version of the program, and nothing else does: its newest heading names the
+# version of the packages and their day.
+file(STRINGS CHANGELOG.md headings REGEX "^## ")
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS CHANGELOG.md)
+list(GET headings 0 heading)
+if(NOT heading MATCHES "^## ([0-9.]+)-([1-9][0-9]*) \\([0-9][0-9][0-9][0-9]-[0-9][0-9]-[0-9][0-9]\\)$"
+   OR NOT CMAKE_MATCH_1 STREQUAL PROJECT_VERSION)
+  message(FATAL_ERROR "The newest heading of CHANGELOG.md is \"${heading}\", where "
+                      "\"## ${PROJECT_VERSION}-N (YEAR-MM-DD)\" is expected")
+endif()
+set(CPACK_DEBIAN_PACKAGE_RELEASE "${CMAKE_MATCH_2}")
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENTS_ALL program development)
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+# Manual pages compressed, and the files that only a Debian package has.
+set(CPACK_POS_SOURCE "${PROJECT_SOURCE_DIR}")
+set(CPACK_PRE_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/packaging/complete_packages.cmake")
+
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_DEBIAN_PACKAGE_MAINTAINER "The veko_configure developers <veko-configure@localhost>")
+
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME veko-configure)
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_SECTION science)
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PROGRAM_DESCRIPTION
+    "configures fields for a 603-fibre integral-field unit
+Reads the definition of an observation with the VEKO, the integral-field unit
+of a multi-object fibre spectrograph: points each field so that the science
+target falls on its fibre, checks horizon and rotator, and writes one target
+per usable fibre, with sky position, plate position and spaxel name.
+.
+With the program come its manual pages, examples, and schemas of the
+documents that it reads and writes.")
+
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libpos-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_MULTIARCH same)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
+    "libboost-dev (>= 1.74), libboost-filesystem-dev, liberfa-dev, libexpat1-dev (>= 2.4), qtbase5-dev (>= 5.15)")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_RECOMMENDS "pkg-config")
+set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
+    "fibre plates and the sky above them, for C++ programs
+Turns catalogue positions into millimetres on the plates of a multi-object
+fibre spectrograph and back, and reads and writes its field definitions.
+.
+Headers, the static library and its files for CMake and pkg-config.")
+
+include(CPack)

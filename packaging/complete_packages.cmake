@@ -1,0 +1,40 @@
+# Called by CPack when the files of both packages lie in its folder, before it packs them: compresses the manual pages
+# and adds what Debian expects of a package, /usr/share/doc/PACKAGE and the explained exceptions for lintian.
+
+function(run)
+  execute_process(COMMAND ${ARGN} COMMAND_ERROR_IS_FATAL ANY)
+endfunction()
+
+function(complete_package component package)
+  set(share "${CPACK_TEMPORARY_INSTALL_DIRECTORY}/${component}${CPACK_PACKAGING_INSTALL_PREFIX}/share")
+  set(doc "${share}/doc/${package}")
+  file(MAKE_DIRECTORY "${doc}" "${share}/lintian/overrides")
+  run(awk -v "package=${package}" -v "maintainer=${CPACK_DEBIAN_PACKAGE_MAINTAINER}" -f
+      "${CPACK_POS_SOURCE}/packaging/debian_changelog.awk" "${CPACK_POS_SOURCE}/CHANGELOG.md" OUTPUT_FILE
+      "${doc}/changelog.Debian")
+  configure_file("${CPACK_POS_SOURCE}/packaging/copyright" "${doc}/copyright" COPYONLY)
+  configure_file("${CPACK_POS_SOURCE}/packaging/${package}.lintian-overrides" "${share}/lintian/overrides/${package}"
+                 COPYONLY)
+
+  file(GLOB pages "${share}/man/man?/*.?")
+  # Without name and time of the file, so that the same sources give the same package.
+  run(gzip -9n ${pages} "${doc}/changelog.Debian")
+
+  # Whatever the umask of the one who builds.
+  set(root "${CPACK_TEMPORARY_INSTALL_DIRECTORY}/${component}")
+  run(find "${root}" -type d -exec chmod 755 {} +)
+  run(find "${share}" -type f -not -name "configure_all.*" -exec chmod 644 {} +)
+endfunction()
+
+complete_package(program "${CPACK_DEBIAN_PROGRAM_PACKAGE_NAME}")
+complete_package(development "${CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME}")
+
+# The files in the packages carry the day of the release.
+if(NOT DEFINED ENV{SOURCE_DATE_EPOCH})
+  file(STRINGS "${CPACK_POS_SOURCE}/CHANGELOG.md" headings REGEX "^## ")
+  list(GET headings 0 heading)
+  string(REGEX REPLACE ".*\\((.*)\\)" "\\1" day "${heading}")
+  execute_process(COMMAND date --utc --date "${day}" +%s OUTPUT_VARIABLE seconds OUTPUT_STRIP_TRAILING_WHITESPACE
+                  COMMAND_ERROR_IS_FATAL ANY)
+  set(ENV{SOURCE_DATE_EPOCH} "${seconds}")
+endif()

@@ -1,0 +1,147 @@
+"""The Debian packages: what they hold, what they ask for, which version they have, and that the program in them works.
+
+Usage: check_packages.py FOLDER_OF_PACKAGES CPACK CPACK_CONFIGURATION
+"""
+
+import gzip
+import os
+import pathlib
+import re
+import stat
+import subprocess
+import sys
+import tempfile
+import unittest
+import xml.etree.ElementTree as ElementTree
+
+import golden
+
+PACKAGES, CPACK, CONFIGURATION = sys.argv[1:]
+HERE = pathlib.Path(__file__).resolve().parent
+EXAMPLE = "sombrero_south.xml"
+SKY_TOLERANCE_DEGREES = 1.1e-6  # a unit of the last place that is written, and the rounding of what is read
+PLATE_TOLERANCE_MM = 1e-4       # to which the program finds a field centre
+
+
+def output_of(*command):
+    return subprocess.run(command, check=True, capture_output=True, text=True).stdout
+
+
+def package_file(name, folder=PACKAGES):
+    found = list(pathlib.Path(folder).glob(f"{name}_*.deb"))
+    assert len(found) == 1, f"{len(found)} files of the package {name} in {folder}"
+    return str(found[0])
+
+
+def field_of(package, name):
+    return output_of("dpkg-deb", "--field", package_file(package), name).strip()
+
+
+class Packages(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = tempfile.TemporaryDirectory()
+        cls.root = pathlib.Path(cls.folder.name)
+        for package in ("veko-configure", "libpos-dev"):
+            subprocess.run(["dpkg", "-x", package_file(package), cls.root / package], check=True)
+        cls.usr = cls.root / "veko-configure" / "usr"
+        cls.program = str(cls.usr / "bin" / "veko_configure")
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.folder.cleanup()
+
+    def expect_files(self, package, expected):
+        root = self.root / package
+        found = {str(path.relative_to(root)) for path in root.rglob("*") if not path.is_dir()}
+        self.assertEqual(found, set(expected))
+
+    def test_the_program_comes_with_the_files_of_its_list(self):
+        self.expect_files("veko-configure", (HERE / "veko-configure.files").read_text().split())
+
+    def test_the_library_comes_with_the_files_of_its_list_and_every_header(self):
+        cache = pathlib.Path(CONFIGURATION).with_name("CMakeCache.txt").read_text()
+        build_type = re.search("^CMAKE_BUILD_TYPE:.*=(.*)$", cache, re.MULTILINE).group(1).lower()
+        listed = (HERE / "libpos-dev.files").read_text().replace("BUILDTYPE", build_type)
+        listed = listed.replace("MULTIARCH", output_of("dpkg-architecture", "-qDEB_HOST_MULTIARCH").strip())
+        headers = (golden.PROJECT / "pos" / "positioner" / "poslib").glob("*.h")
+        self.expect_files("libpos-dev", listed.split() + [f"usr/include/pos/{header.name}" for header in headers])
+
+    def test_everybody_may_read_the_files_and_run_the_program_and_the_recipes(self):
+        for path in [*self.usr.rglob("*"), *(self.root / "libpos-dev").rglob("*")]:
+            run = path.is_dir() or str(path) == self.program or path.name.startswith("configure_all.")
+            self.assertEqual(stat.S_IMODE(path.stat().st_mode), 0o755 if run else 0o644, path)
+
+    def test_the_packages_ask_for_the_libraries_that_are_linked(self):
+        runtime = re.sub(r"\s*\([^)]*\)", "", field_of("veko-configure", "Depends")).split(", ")
+        for library in ("libqt5core5a", "libqt5xml5", "liberfa1", "libexpat1", "libboost-program-options1.74.0"):
+            self.assertIn(library, runtime)
+        development = field_of("libpos-dev", "Depends")
+        for library in ("qtbase5-dev", "liberfa-dev", "libexpat1-dev", "libboost-dev", "libboost-filesystem-dev"):
+            self.assertIn(library, development)
+
+    def test_the_version_is_that_of_the_newest_release_and_begins_with_the_programs(self):
+        changelog = (golden.PROJECT / "CHANGELOG.md").read_text()
+        newest = re.search(r"^## (\S+)", changelog, re.MULTILINE).group(1)
+        printed = output_of(self.program, "--version")
+        program = re.match(r"VANTE veko_configure version (\S+)\n", printed).group(1)
+        self.assertRegex(newest, f"^{re.escape(program)}-[1-9][0-9]*$")
+        for package in ("veko-configure", "libpos-dev"):
+            self.assertEqual(field_of(package, "Version"), newest)
+            self.assertTrue(pathlib.Path(package_file(package)).name.startswith(f"{package}_{newest}_"))
+            doc = self.root / package / "usr" / "share" / "doc" / package
+            debian = gzip.decompress((doc / "changelog.Debian.gz").read_bytes()).decode()
+            self.assertTrue(debian.startswith(f"{package} ({newest}) "), debian[:80])
+        version_file = next((self.root / "libpos-dev").rglob("pos-config-version.cmake")).read_text()
+        self.assertIn(f'set(PACKAGE_VERSION "{program}")', version_file)
+        self.assertIn(f"Version: {program}\n", next((self.root / "libpos-dev").rglob("pos.pc")).read_text())
+
+    def test_releases_are_counted_without_a_gap_for_each_version(self):
+        changelog = (golden.PROJECT / "CHANGELOG.md").read_text()
+        headings = re.findall(r"^## (.*)$", changelog, re.MULTILINE)
+        versions = {}
+        for heading in reversed(headings):
+            version, release = re.fullmatch(r"(\d+\.\d+\.\d+)-(\d+) \(\d{4}-\d\d-\d\d\)", heading).groups()
+            versions[version] = versions.get(version, 0) + 1
+            self.assertEqual(int(release), versions[version], heading)
+
+    def test_nobody_invented_a_licence(self):
+        for package in ("veko-configure", "libpos-dev"):
+            text = (self.root / package / "usr/share/doc" / package / "copyright").read_text()
+            self.assertIn("No licence has been chosen", text)
+            self.assertNotRegex(text, r"(?i)\b(gpl|lgpl|mit|bsd|apache|mozilla|public domain|common-licenses)\b")
+
+    def test_manual_pages_schemas_and_completion_can_be_read(self):
+        for section in "15":
+            page = self.usr / f"share/man/man{section}/veko_configure.{section}.gz"
+            self.assertRegex(gzip.decompress(page.read_bytes()).decode(), rf"(?m)^\.TH \S+ {section}\b")
+        for schema in (self.usr / "share/veko_configure/schemas").iterdir():
+            self.assertEqual(ElementTree.parse(schema).getroot().tag,
+                             "{http://relaxng.org/ns/structure/1.0}grammar", schema.name)
+        output_of("bash", "-n", str(self.usr / "share/bash-completion/completions/veko_configure"))
+
+    def test_the_program_configures_an_installed_example(self):
+        example = self.usr / "share/veko_configure/examples" / EXAMPLE
+        configured = self.root / "configured.xml"
+        result = subprocess.run([self.program, "-i", example, "-o", configured], capture_output=True, text=True,
+                                env={"PATH": os.environ["PATH"]}, cwd=self.root)
+        self.assertEqual((result.returncode, result.stderr), (0, ""))
+        targets = list(ElementTree.parse(configured).iter("target"))
+        expected = golden.table(golden.field(EXAMPLE)["targets"])
+        self.assertEqual(len(targets), len(expected))
+        for target, row in zip(targets, expected):
+            self.assertEqual(target.get("ifu_spaxel"), row["ifu_spaxel"])
+            for attribute, tolerance in (("targx", PLATE_TOLERANCE_MM), ("targy", PLATE_TOLERANCE_MM),
+                                         ("targra", SKY_TOLERANCE_DEGREES), ("targdec", SKY_TOLERANCE_DEGREES)):
+                self.assertAlmostEqual(float(target.get(attribute)), float(row[attribute]), delta=tolerance)
+
+    def test_packing_again_gives_the_same_bytes(self):
+        again = self.root / "again"
+        subprocess.run([CPACK, "--config", CONFIGURATION, "-B", again], check=True, capture_output=True)
+        for package in ("veko-configure", "libpos-dev"):
+            self.assertEqual(pathlib.Path(package_file(package, again)).read_bytes(),
+                             pathlib.Path(package_file(package)).read_bytes())
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
