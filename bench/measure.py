@@ -149,7 +149,8 @@ def main(build: str, mode: str = "full") -> None:
         print_row("`--help`", instructions([programs.program, "--help"]) / MILLION,
                   instructions([programs.empty]) / MILLION, "1.1", 2)
         print_head("Peak memory, KiB", "floor")
-        print_by_fields(peak_kib, programs, [1, 10] if quick else [1, 10, 100, 200], 1, "1.0", 0)
+        print_by_fields(peak_kib, programs, [1, 10] if quick else [1, 10, 100, 200], 1,
+                        "1.0 each further", 0)
         if not quick:
             print_wall_times(programs, [1, 10, 100, 200])
 

@@ -17,7 +17,6 @@ TARGETS = "pos::saveVekoTargets("
 BUNDLE = "pos::createVekoXML("
 POINTING = "pos::FocalPlane::FocalPlane("
 DOCUMENT_END = "QDomDocument::~QDomDocument("
-OPTICS = ("pos::FocalPlaneCoordinates::initialise(", "pos::PlateCoordinates::initialise(")
 FIBRE_PLACES = [(TARGETS, "pos::CIRS::toAstrometric("), (TARGETS, "pos::FocalPlane::xyToCirs(")]
 
 # Phase, calls that count, calls that do not: (beginning of the caller's name, beginning of the callee's).
@@ -29,7 +28,7 @@ PHASES = [
     ("pointing, limits, solves",
      [(BUNDLE, POINTING), (RUN, "pos::pointFocalPlane("), (RUN, "pos::LimitsCalc::"), (RUN, "pos::placeVeko("),
       (RUN, "pos::vekoFieldCentre("), (RUN, "pos::saveGuideStar(")],
-     [(function, LOAD) for function in OPTICS]),
+     [(POINTING, LOAD)]),
     ("places of the fibres", FIBRE_PLACES, []),
     ("cloning, attributes", [(RUN, TARGETS)], FIBRE_PLACES),
     ("serialisation", [(RUN, "pos::serialiseXml(")], []),

@@ -3,6 +3,7 @@
 #include "PosConfig.h"
 #include "angles.h"
 #include "numberText.h"
+#include "xmlStructure.h"
 
 #include <QDomDocument>
 #include <cmath>
@@ -46,8 +47,9 @@ std::pair<double, double> ascending(double a, double b) {
 FocalPlane::FocalPlane(const PosConfig& config, PlateName plate, Astrometric centre, double positionAngle,
                        const Conditions& conditions)
     : centre_(centre), positionAngle_(positionAngle), dateContext_(conditions.epoch) {
-    FocalPlaneCoordinates::initialise(config);
-    PlateCoordinates::initialise(config, plate);
+    const QDomDocument map = loadXmlFile(config.getFilename("telescope.focal_plane_map"));
+    FocalPlaneCoordinates::initialise(map);
+    PlateCoordinates::initialise(map, plate);
     FocalPlaneCoordinates::setRotation(positionAngle);
     eastLongitude_ = degreesToRadians(config.get<double>("telescope.east_longitude"));
     latitude_ = degreesToRadians(config.get<double>("telescope.latitude"));
