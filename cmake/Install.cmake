@@ -32,6 +32,12 @@ install(FILES examples/many/Makefile DESTINATION "${program_data}/examples/many"
 install(PROGRAMS examples/many/configure_all.parallel.sh examples/many/configure_all.slurm
         DESTINATION "${program_data}/examples/many" COMPONENT program)
 
+install(
+  FILES pos/positioner/resources/PLATE_A.xml pos/positioner/resources/PLATE_B.xml pos/positioner/resources/VEKO.xml
+        pos/positioner/resources/configure.xml pos/positioner/resources/focal_plane_map.xml
+  DESTINATION "${program_data}/instrument"
+  COMPONENT program)
+
 # The headers lie in a folder of their own, which is on the consumer's include path: #include "FocalPlane.h".
 set(cmake_folder "${CMAKE_INSTALL_LIBDIR}/cmake/pos")
 install(

@@ -29,6 +29,8 @@ set(CPACK_DEBIAN_PACKAGE_MAINTAINER "The veko_configure developers <veko-configu
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME veko-configure)
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SHLIBDEPS ON)
+# Completion, checking documents against the schemas, the recipes for many documents.
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_SUGGESTS "bash-completion, libxml2-utils, parallel, make")
 set(CPACK_DEBIAN_PROGRAM_DESCRIPTION
     "configures fields for a 603-fibre integral-field unit
 Reads the definition of an observation with the VEKO, the integral-field unit
@@ -36,8 +38,8 @@ of a multi-object fibre spectrograph: points each field so that the science
 target falls on its fibre, checks horizon and rotator, and writes one target
 per usable fibre, with sky position, plate position and spaxel name.
 .
-With the program come its manual pages, examples, and schemas of the
-documents that it reads and writes.")
+With the program come its manual pages, examples, schemas of the documents
+that it reads and writes, and the files of the instrument to begin one's own.")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libpos-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)

@@ -7,6 +7,7 @@ import gzip
 import os
 import pathlib
 import re
+import shutil
 import stat
 import subprocess
 import sys
@@ -134,6 +135,18 @@ class Packages(unittest.TestCase):
             for attribute, tolerance in (("targx", PLATE_TOLERANCE_MM), ("targy", PLATE_TOLERANCE_MM),
                                          ("targra", SKY_TOLERANCE_DEGREES), ("targdec", SKY_TOLERANCE_DEGREES)):
                 self.assertAlmostEqual(float(target.get(attribute)), float(row[attribute]), delta=tolerance)
+
+    def test_the_installed_instrument_is_the_one_that_is_built_in(self):
+        share = self.usr / "share/veko_configure"
+        instrument = self.root / "instrument"
+        shutil.copytree(share / "instrument", instrument)
+        configuration = instrument / "configure.xml"
+        configuration.write_text(configuration.read_text().replace(">:/", ">"))
+        outputs = []
+        for arguments in ([], ["-c", configuration]):
+            outputs.append(self.root / f"instrument{len(arguments)}.xml")
+            subprocess.run([self.program, *arguments, "-i", share / "examples" / EXAMPLE, "-o", outputs[-1]], check=True)
+        self.assertEqual(outputs[0].read_bytes(), outputs[1].read_bytes())
 
     def test_packing_again_gives_the_same_bytes(self):
         again = self.root / "again"
