@@ -5,11 +5,13 @@
 The schemas are used from a copy of their folder, as they are installed, by xmllint.
 """
 import os
+import re
 import shutil
 import subprocess
 import sys
 import tempfile
 import unittest
+import xml.etree.ElementTree as ET
 
 PROGRAM, SOURCE = os.path.abspath(sys.argv[1]), os.path.abspath(sys.argv[2])
 EXAMPLES = os.path.join(SOURCE, "examples")
@@ -19,6 +21,7 @@ EXAMPLE_NAMES = sorted(name for name in os.listdir(EXAMPLES) if name.endswith(".
 
 FIELD, CONFIGURED, CONFIGURATION = "field_definition.rng", "configured_field.rng", "configuration.rng"
 MAP, PLATE = "focal_plane_map.rng", "plate.rng"
+RNG = "{http://relaxng.org/ns/structure/1.0}"
 
 # A field definition in which every attribute that a user may set stands.
 FIELD_DOCUMENT = """<field_definition datamver="8.00">
@@ -72,6 +75,9 @@ FIELD_FAULTS = (
     ("a placeholder for a proper motion", 'targpmra="1.5"', 'targpmra="%%%"'),
     ("a negative priority", 'targprio="9"', 'targprio="-1"'),
     ("a fibre in words", 'fibreid="193"', 'fibreid="C10"'),
+    ("a science target on no fibre", 'fibreid="193"', 'fibreid="0"'),
+    ("a science target on a negative fibre", 'fibreid="193"', 'fibreid="-5"'),
+    ("a science target on a fibre beyond the bundle", 'fibreid="193"', 'fibreid="604"'),
     ("a placeholder for an id", 'configid="5"', 'configid="%%%"'),
     ("an unknown use", 'targuse="C"', 'targuse="X"'),
     ("a use in lower case", 'targuse="T"', 'targuse="t"'),
@@ -91,9 +97,11 @@ CONFIGURED_FAULTS = (
     ("another version of the program", 'configure_version="3.3.5"', 'configure_version="3.3.4"'),
     ("a window that is missing", "<hour_angle_limits ", "<telescope ", ),
     ("a window of two decimals", 'latest="-3.5097"', 'latest="-3.51"'),
+    ("an infinite window", 'latest="-3.5097"', 'latest="-inf"'),
     ("optics without plates", "<PLATE_A ", "<PLATE_C "),
     ("a seventh-order distortion", 'c7="0"', 'c7="0.1"'),
     ("a science target without a fibre", 'fibreid="304"', 'fibreid=""'),
+    ("a science target on a fibre that is not enabled", 'fibreid="304"', 'fibreid="-304"'),
     ("a guide star with an id", 'configid="0"', 'configid="7"'),
     ("a generated target that moves", 'targpmra="0"', 'targpmra="1"'),
     ("a generated target without a spaxel", ' ifu_spaxel="C01"', ""),
@@ -197,6 +205,52 @@ class Schemas(unittest.TestCase):
         name = self.path("observation.xml", text)
         self.expect_valid(FIELD, name)
         self.expect_valid(CONFIGURED, self.configured(name))
+
+    def expect_window(self, arguments, declination, latest, earliest):
+        """What a run at this declination leaves has the window, and keeps to the schemas."""
+        text = FIELD_DOCUMENT.replace('pa="-20.5"', 'pa="0"')
+        for part in ('Dec_d="-11.623054"', 'targdec="-11.623054"', 'targdec="-11.500000"'):
+            self.assertIn(part, text)
+            text = text.replace(part, part.split('"')[0] + f'"{declination}"')
+        name = self.path("window.xml", text)
+        self.expect_valid(FIELD, name)
+        output = self.configured(name, *arguments)
+        limits = ET.parse(output).find(".//hour_angle_limits")
+        self.assertRegex(limits.get("latest"), latest)
+        self.assertRegex(limits.get("earliest"), earliest)
+        self.expect_valid(CONFIGURED, output)
+        self.expect_valid(FIELD, output)
+
+    def test_a_window_that_the_rotator_does_not_end_is_no_number_and_legal(self):
+        text = read(RESOURCES, "configure.xml")
+        for key, value in (("latitude", "60"), ("rotator_low_limit", "-90"), ("rotator_high_limit", "90")):
+            text, count = re.subn(f"<{key}>[^<]*<", f"<{key}>{value}<", text)
+            self.assertEqual(count, 1)
+        configuration = self.path("far_north.xml", text)
+        self.expect_valid(CONFIGURATION, configuration)
+        self.expect_window(["-c", configuration], "57.000000", "^nan$", "^nan$")
+
+    def test_a_window_beyond_twelve_hours_is_legal(self):
+        self.expect_window(["--ha", "5"], "89.970000", r"^2\.", r"^21\.")
+
+    def test_fibres_of_the_schemas_are_those_of_the_built_in_bundle(self):
+        numbers = [int(fibre.get("id")) for fibre in ET.parse(os.path.join(RESOURCES, "VEKO.xml")).iter("fibre")]
+        for fibre, status in ((min(numbers), VALID), (min(numbers) - 1, INVALID), (max(numbers), VALID),
+                              (max(numbers) + 1, INVALID), ("", VALID), ("%%%", VALID)):
+            with self.subTest(fibre=fibre):
+                text = FIELD_DOCUMENT.replace('fibreid="193"', f'fibreid="{fibre}"')
+                self.assertEqual(self.judge(FIELD, self.path("fibre.xml", text))[0], status)
+
+    def test_bounds_are_values_of_their_own_type(self):
+        """Validators other than xmllint refuse a schema with a bound that its own pattern does not take."""
+        bounds = 0
+        for name in os.listdir(self.schemas):
+            for data in ET.parse(os.path.join(self.schemas, name)).iter(RNG + "data"):
+                texts = {param.get("name"): param.text for param in data.iter(RNG + "param")}
+                for kind in set(texts) & {"minInclusive", "maxInclusive", "minExclusive", "maxExclusive"}:
+                    self.assertRegex(texts[kind], f"^(?:{texts.get('pattern', '.*')})$", name)
+                    bounds += 1
+        self.assertGreater(bounds, 20)
 
     def test_an_unconfigured_field_is_no_configured_field(self):
         for name in EXAMPLE_NAMES:

@@ -91,9 +91,11 @@ struct ICRS {
     std::pair<double, double> pmAsRadYr() const;
 
     /**
-     * The astrometric place at a date (ERFA eraPmsafe).
+     * The astrometric place at a date (ERFA eraPmsafe): space motion alone.
      *
-     * A position without an epoch is returned as it stands, whatever its motions.
+     * Parallax and radial velocity enter by the change of the motion with the distance; the annual parallax, where the
+     * Earth is on its orbit, is left out here and in toCirs. A position without an epoch is returned as it stands,
+     * whatever its motions.
      *
      * @param date date of observation, MJD, TAI
      * @return the place with the space motion from the position's epoch to the date applied

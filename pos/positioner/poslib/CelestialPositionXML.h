@@ -3,7 +3,8 @@
  * Positions on the sky as attributes of an element.
  *
  * Right ascension and declination are decimal degrees in the document and must be written with enough decimals for a
- * tenth of an arcsecond: a number whose value moves by more when three nines are put behind its last digit is refused.
+ * tenth of an arcsecond: a number whose value moves by more when three nines are put behind its last digit, before an
+ * exponent, is refused.
  * Sexagesimal notation is not accepted.
  */
 #ifndef POS_CELESTIALPOSITIONXML_H
@@ -25,6 +26,7 @@ namespace pos {
  * @param name description of the element, with which every message begins
  * @param e the element that carries the attributes
  * @throw std::runtime_error name + " has no targra", name + " has an invalid targra 'text'",
+ *     name + " targra is an invalid number 'text'" (for "nan" and "inf", which take no further digits),
  *     name + " targra 'text' does not have enough precision", the same for targdec, and
  *     name + " position has an invalid epoch 'text'" (or "proper motion", "parallax", "radial velocity")
  */
@@ -35,8 +37,8 @@ ICRS createIcrsXML(const std::string& name, const QDomElement& e);
  *
  * @param name description of the element, with which every message begins
  * @param e the element that carries the attributes
- * @throw std::runtime_error name + " has an invalid RA 'text'", name + " RA_d 'text' does not have enough precision",
- *     and the same for Dec and Dec_d
+ * @throw std::runtime_error name + " has an invalid RA 'text'", name + " RA_d is an invalid number 'text'" (for "nan"
+ *     and "inf"), name + " RA_d 'text' does not have enough precision", and the same for Dec and Dec_d
  */
 Astrometric createAstrometricXML(const std::string& name, const QDomElement& e);
 

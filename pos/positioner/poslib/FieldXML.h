@@ -45,7 +45,9 @@ QDomElement saveFieldXML(const Field& field, QDomDocument document);
  * @param field holds the targets by the configure target ids that stand in the element
  * @param fieldElement the field's element
  * @param plate may be null; then no plate positions are written
- * @throw std::out_of_range "map::at" for an element whose id the field does not hold
+ * @throw std::runtime_error "celestial position not in the tangent plane", from updateTargetXML
+ * @throw std::out_of_range "map::at" for an element whose id the field does not hold, and as updateTargetXML throws it.
+ *     After a failure the elements before that one are written
  */
 void updateFieldXML(const Field& field, const QDomElement& fieldElement, const Plate* plate);
 

@@ -64,7 +64,7 @@ public:
      * @param target a place at the present date
      * @param wanted plate position, mm
      * @throw std::runtime_error "Field centre not converging" when a step does not bring the target nearer, or with
-     * NaN; the model keeps the last trial centre. Also what cirsToStd and xyToCirs throw
+     *     NaN; the model keeps the last trial centre. Also what cirsToStd and xyToCirs throw
      */
     void setFieldCentre(Astrometric target, PlateCoordinates wanted);
 
@@ -96,11 +96,23 @@ public:
      */
     StandardCoordinates cirsToStd(CIRS place) const;
 
-    /** The place that lands at a position on the plate. Throws when the inverse distortion does not converge. */
+    /**
+     * The place that lands at a position on the plate.
+     *
+     * @throw std::runtime_error "Inverse distortion not converging at a radius of … mm"
+     */
     CIRS xyToCirs(PlateCoordinates position) const;
 
     /**
      * The hour angles at which the field centre has a parallactic angle.
+     *
+     * From the four-part (cotangent) formula of the triangle pole, zenith, field centre, with the latitude φ, the
+     * observed declination δ, the parallactic angle q and the hour angle H:
+     *     tan q · (tan φ · cos δ − sin δ · cos H) = sin H.
+     * Times cos φ · cos q this is
+     *     cos φ · r · sin(H + a) = sin φ · cos δ · sin q, r² = cos² q + sin² q · sin² δ, tan a = tan q · sin δ,
+     * solved for H by an arcsine; a solution on the wrong side of the meridian is dropped. Where q is 0 or π, so is H,
+     * and whether φ or δ is larger tells which.
      *
      * @param parallacticAngle radians, of any turn
      * @return at most two hour angles in [−π, π] in ascending order; NaN in the second place, or both, where there are

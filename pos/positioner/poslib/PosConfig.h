@@ -70,7 +70,10 @@ public:
      * The value at a key as a file name.
      *
      * @return a name beginning with ":" (an embedded resource) or "/" unchanged; any other as an absolute name, taken
-     *     relative to the configuration file's own folder. Throws as get does.
+     *     relative to the configuration file's own folder
+     * @throw boost::property_tree::ptree_error as get does
+     * @throw boost::filesystem::filesystem_error where the configuration file's name is relative and the working
+     *     directory cannot be told, as when it has been removed
      */
     std::string getFilename(const std::string& key) const;
 

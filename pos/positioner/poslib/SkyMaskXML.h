@@ -16,7 +16,7 @@ namespace pos {
  * Reads a mask: its centre from "RA_d" and "Dec_d", its "radius", 3.0 when absent.
  *
  * @throw std::runtime_error "Sky mask has an invalid radius 'text'", or what createAstrometricXML throws, beginning
- * with "Sky mask"
+ *     with "Sky mask"
  */
 SkyMask createSkyMaskXML(const QDomElement& mask);
 

@@ -17,6 +17,9 @@ struct Plate;
 /**
  * Reads a target.
  *
+ * A "fibreid" that is absent, empty or "%%%" is none. A "configid" is 0 where it is absent; neither an empty text nor
+ * "%%%" is taken for it.
+ *
  * @throw std::runtime_error "Target " + name + " has an invalid priority 'text'" (not a number, or negative), "fibre
  *     id", "configure target id" or "automatic flag" (not a 32-bit integer); text + " is not a valid target use"; or
  *     what createIcrsXML throws, beginning with "Target " + name
@@ -25,6 +28,9 @@ Target createTargetXML(const QDomElement& element);
 
 /**
  * Writes a target as a new element, the last child of a parent.
+ *
+ * Without a fibre "fibreid" becomes "%%%". So does "configid" for the id 0, which createTargetXML then refuses: a
+ * target that is to be read again needs an id first.
  *
  * @param target what to write. Its name and survey, if empty, leave a template's, and a template's priority always
  *     stays. The parallax and proper motion attributes of an automatic target become 0.
@@ -45,6 +51,7 @@ QDomElement saveTargetXML(const Target& target, QDomNode parent, const QDomEleme
  * @param target its fibre and its catalogue position are used
  * @param element the target's element
  * @param plate may be null
+ * @throw std::runtime_error "celestial position not in the tangent plane", from FocalPlane::cirsToStd
  * @throw std::out_of_range for a fibre above 1007 that the plate's tables do not hold
  */
 void updateTargetXML(const Target& target, QDomElement element, const Plate* plate);

@@ -42,11 +42,11 @@ std::uint32_t scienceFibre(const Target& science);
  * Points the bundle's focal plane so that the science target falls on a fibre.
  *
  * @throw std::runtime_error "fibre assigned to science target does not exist", or what FocalPlane::setFieldCentre
- * throws
+ *     throws
  */
 void placeVeko(Veko& veko, const Target& science, std::uint32_t fibre);
 
-/** Where the bundle's plate origin points: the field centre at the focal plane's date. */
+/** Where the bundle's plate origin points: the field centre at the focal plane's date. Throws as xyToCirs does. */
 Astrometric vekoFieldCentre(const Veko& veko);
 
 /**
@@ -61,6 +61,8 @@ Astrometric vekoFieldCentre(const Veko& veko);
  * @param science the science target's element
  * @param fibre the science target's fibre
  * @param epoch Julian epoch of the positions written, years
+ * @throw std::runtime_error "Inverse distortion not converging at a radius of … mm", from FocalPlane::xyToCirs, for a
+ *     fibre too far from the optical axis; those before it are written
  * @throw std::out_of_range "map::at" for a fibre without a name, which the reader of the bundle never makes
  */
 void saveVekoTargets(const Veko& veko, QDomElement field, QDomElement science, std::uint32_t fibre, double epoch);

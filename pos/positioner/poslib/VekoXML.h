@@ -30,8 +30,8 @@ class Veko;
  * @param conditions date and weather of the pointing
  * @throw std::runtime_error "plate definition has no centre_x attribute", "plate definition has a bad centre x", "plate
  *     definition has a bad centre y" (also when it is missing), "plate definition has no orientation attribute", "plate
- *     definition has a bad orientation"; "fibre has no id attribute" (or "pos_x", "pos_y", "fibre_name"), "fibre
- * element has a bad identifier" (or "pos x", "pos y"); and what the constructor of FocalPlane throws
+ *     definition has a bad orientation"; "fibre has no id attribute" (or "pos_x", "pos_y", "fibre_name"),
+ *     "fibre element has a bad identifier" (or "pos x", "pos y"); and what the constructor of FocalPlane throws
  */
 std::unique_ptr<Veko> createVekoXML(const PosConfig& config, const QDomElement& root, const Field& field,
                                     const Conditions& conditions);

@@ -43,7 +43,11 @@ std::optional<double> resolveHourAngle(double hours, const QDomElement& conditio
 /** The pressure, millibar: the command line's if given, else the document's. */
 double resolvePressure(double pressure, const Conditions& conditions);
 
-/** Gives the pointing, at its present centre, a position angle and then an hour angle, both radians. */
+/**
+ * Gives the pointing, at its present centre, a position angle and then an hour angle, both radians.
+ *
+ * @throw std::runtime_error "Hour angle not converging at MJD …", from FocalPlane::setHourAngle
+ */
 void pointFocalPlane(FocalPlane& focalPlane, double positionAngle, double hourAngle);
 
 /**
