@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <memory>
 #include <new>
 
 int main(int argc, char* argv[]) {
@@ -14,7 +15,7 @@ int main(int argc, char* argv[]) {
     pos::prepareProcess();
     try {
         // Never taken apart, which would be a tenth of a run: the system takes the memory back.
-        static auto* const document = new QDomDocument;
+        static QDomDocument* const document = std::make_unique<QDomDocument>().release();
         return pos::runCommandLine(argc, argv, document);
     } catch (const std::bad_alloc&) {
         std::cerr << "There is not enough memory to configure the field definition" << std::endl;
