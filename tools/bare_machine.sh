@@ -16,10 +16,11 @@ make_bare_machine() {
     cp -a "$folder/base/." "$machine"
     cp /etc/resolv.conf "$machine/etc/resolv.conf"
     mount -t proc proc "$machine/proc"
+    mount -t devpts -o newinstance,ptmxmode=0666 devpts "$machine/dev/pts"
 }
 
 remove_bare_machine() {
-    umount "$machine/proc" || true
+    umount "$machine/proc" "$machine/dev/pts" || true
     rm -rf --one-file-system "$machine"
 }
 

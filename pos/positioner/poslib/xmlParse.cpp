@@ -40,6 +40,29 @@ QString decoded(const XML_Char* text) {
     return QString::fromUtf8(text);
 }
 
+/**
+ * Whether a text in UTF-16, as the parser recognises it, has half of a surrogate pair alone. Some versions of the
+ * parser take that, with whatever follows, for a character.
+ */
+bool hasLoneSurrogate(const QByteArray& text) {
+    if (text.size() < 2) {
+        return false;
+    }
+    const bool isBigEndian = text.startsWith("\xfe\xff") || text.at(0) == '\0';
+    if (!isBigEndian && !text.startsWith("\xff\xfe") && text.at(1) != '\0') {
+        return false; // not UTF-16
+    }
+    bool secondIsDue = false;
+    for (int i = isBigEndian ? 0 : 1; i < text.size(); i += 2) {
+        const int highBits = static_cast<unsigned char>(text.at(i)) & 0xfc;
+        if (secondIsDue != (highBits == 0xdc)) {
+            return true;
+        }
+        secondIsDue = highBits == 0xd8;
+    }
+    return secondIsDue;
+}
+
 /** Describes a single-byte encoding that the parser does not know by itself. @return whether it is one */
 bool describeEncoding(const QTextCodec& codec, XML_Encoding& info) {
     for (int byte = 0; byte < 256; ++byte) {
@@ -333,6 +356,9 @@ bool refersToUndeclaredEntity(const QByteArray& text) {
 } // namespace
 
 std::optional<QDomDocument> parseXml(const QByteArray& text) {
+    if (hasLoneSurrogate(text)) {
+        return std::nullopt;
+    }
     std::optional<TreeBuilder> builder(std::in_place, text, nullptr);
     bool isTaken = builder->build();
     if (builder->isUtf8Alias()) {
