@@ -1,6 +1,8 @@
-"""Formats the manual page of the documents; any warning of the formatter is a failure, and so is an attribute left out.
+"""Formats the manual page of the documents; an attribute left out is a failure.
 
     check_manual.py SOURCE_FOLDER
+
+That no manual page formats with a warning is what tests/messages/check_manual.py holds.
 """
 import os
 import re
@@ -24,16 +26,10 @@ def names_in_schemas():
 
 
 class Manual(unittest.TestCase):
-    def setUp(self):
-        page = os.path.join(SOURCE, "man", "veko_configure.5")
-        self.formatted = subprocess.run(["groff", "-man", "-ww", "-Tutf8", "-P-c", page], capture_output=True, text=True,
-                                        check=True)
-
-    def test_the_page_formats_without_a_warning(self):
-        self.assertEqual(self.formatted.stderr, "")
-
     def test_the_page_tells_every_name_of_the_schemas(self):
-        words = set(re.findall(r"[\w-]+", re.sub(".\b", "", self.formatted.stdout)))
+        page = os.path.join(SOURCE, "man", "veko_configure.5")
+        formatted = subprocess.run(["groff", "-man", "-Tutf8", "-P-c", page], capture_output=True, text=True, check=True)
+        words = set(re.findall(r"[\w-]+", re.sub(".\b", "", formatted.stdout)))
         names = names_in_schemas()
         self.assertGreater(len(names), 80)
         self.assertEqual(names - words, set())
