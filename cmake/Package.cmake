@@ -6,12 +6,13 @@
 file(STRINGS CHANGELOG.md headings REGEX "^## ")
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS CHANGELOG.md)
 list(GET headings 0 heading)
-if(NOT heading MATCHES "^## ([0-9.]+)-([1-9][0-9]*) \\([0-9][0-9][0-9][0-9]-[0-9][0-9]-[0-9][0-9]\\)$"
+if(NOT heading MATCHES "^## ([0-9.]+)-([1-9][0-9]*) \\(([0-9][0-9][0-9][0-9]-[0-9][0-9]-[0-9][0-9])\\)$"
    OR NOT CMAKE_MATCH_1 STREQUAL PROJECT_VERSION)
   message(FATAL_ERROR "The newest heading of CHANGELOG.md is \"${heading}\", where "
                       "\"## ${PROJECT_VERSION}-N (YEAR-MM-DD)\" is expected")
 endif()
 set(CPACK_DEBIAN_PACKAGE_RELEASE "${CMAKE_MATCH_2}")
+set(CPACK_POS_DAY "${CMAKE_MATCH_3}")
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_DEB_COMPONENT_INSTALL ON)

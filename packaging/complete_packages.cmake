@@ -31,10 +31,7 @@ complete_package(development "${CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME}")
 
 # The files in the packages carry the day of the release.
 if(NOT DEFINED ENV{SOURCE_DATE_EPOCH})
-  file(STRINGS "${CPACK_POS_SOURCE}/CHANGELOG.md" headings REGEX "^## ")
-  list(GET headings 0 heading)
-  string(REGEX REPLACE ".*\\((.*)\\)" "\\1" day "${heading}")
-  execute_process(COMMAND date --utc --date "${day}" +%s OUTPUT_VARIABLE seconds OUTPUT_STRIP_TRAILING_WHITESPACE
+  execute_process(COMMAND date --utc --date "${CPACK_POS_DAY}" +%s OUTPUT_VARIABLE seconds OUTPUT_STRIP_TRAILING_WHITESPACE
                   COMMAND_ERROR_IS_FATAL ANY)
   set(ENV{SOURCE_DATE_EPOCH} "${seconds}")
 endif()
