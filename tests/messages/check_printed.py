@@ -73,7 +73,13 @@ CONFIGURATION_CHANGES = [
 ]
 MAP_CHANGES = [('focal_length="11724.24"', ""), ('c3="3.0191"', 'c3="x"'), ('<PLATE_B x0="0.0"', '<PLATE_B x0="x"'),
                ('r0="0.0"', 'r0="x"'), ('c1="202.841"', 'c1="nan"'), ('x0="0.0"', 'x0="nan"'),
-               ('datamver="8.00"', ""), ("</focal_plane_map>", "")]
+               ('datamver="8.00"', ""), ("</focal_plane_map>", ""),
+               ("<focal_plane_map", "<!DOCTYPE a SYSTEM 'x'><focal_plane_map a='&e;'"), ("UTF-8", "no-such-encoding"),
+               ('version="1.0"', 'version="1.1"'), ("</focal_plane_map>", "<a>" * 300),
+               ("<focal_plane_map", "<focal_plane_map" + "".join(f" a{i}=''" for i in range(260))),
+               ("</focal_plane_map>", "<a/>" * 500_000 + "</focal_plane_map>"),
+               ("<focal_plane_map", "<!DOCTYPE a [<!ELEMENT " + "a" * 70_000 + " ANY>]><focal_plane_map"),
+               ("<focal_plane_map", f"<!DOCTYPE a [<!ENTITY e '{'x' * 50_000}'>]><focal_plane_map a='{'&e;' * 200}'")]
 BUNDLE_CHANGES = [
     (' centre_x="0"', ""), (' orientation="0"', ""), ('centre_x="0"', 'centre_x="x"'), ('centre_y="0"', 'centre_y="x"'),
     (' centre_y="0"', ""), ('orientation="0"', 'orientation="x"'), (' id="304"', ""), (' pos_x="0"', ""),
@@ -153,9 +159,9 @@ def main():
         met.update(matching)
         if len(matching) != 1:
             problems.append(f"{case}: {text!r} is explained {len(matching)} times: {matching}")
-    problems += [f"not printed by any run: {message}" for message in messages.keys() - met - NOT_PROVOKED]
+    problems += [f"not printed by any run: {message}" for message in set(messages) - met - NOT_PROVOKED]
     problems += [f"printed, and yet called not provoked: {message}" for message in met & NOT_PROVOKED]
-    problems += [f"not on the page: {message}" for message in NOT_PROVOKED - messages.keys()]
+    problems += [f"not on the page: {message}" for message in NOT_PROVOKED - set(messages)]
     print("\n".join(problems) or f"{len(printed)} texts, {len(met)} of {len(messages)} messages met")
     return 1 if problems else 0
 

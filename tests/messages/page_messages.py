@@ -2,19 +2,15 @@
 
 import re
 
-PLACEHOLDER = re.compile(r"\{\w+\}")
 # What a placeholder stands for, where a message of the program is compared with the page.
 STANDS_FOR = {"{file}": r"\S*", "{number}": r"-?[0-9.]+", "{option}": r"\S+", "{value}": r".*", "{target}": r".*",
               "{reason}": r".+"}
-LIBRARIES = "Messages of libraries"
 
 
 def read_page(text):
-    """Message -> the second-level heading under which it stands. A row's first cell may hold several."""
-    messages, heading = {}, ""
+    """The messages of the tables. A row's first cell may hold several."""
+    messages = []
     for line in text.splitlines():
-        if line.startswith("## "):
-            heading = line[3:]
         if not line.startswith("| `"):
             continue
         cells = [cell.strip() for cell in line.strip("|").split("|")]
@@ -23,16 +19,8 @@ def read_page(text):
         for message in re.findall(r"`([^`]+)`", cells[0]):
             if message in messages:
                 raise SystemExit(f"docs/messages.md explains twice: {message}")
-            messages[message] = heading
+            messages.append(message)
     return messages
-
-
-def pattern(message, wild):
-    """The message with every placeholder replaced."""
-    for placeholder in set(PLACEHOLDER.findall(message)):
-        if placeholder not in STANDS_FOR:
-            raise SystemExit(f"docs/messages.md does not say what {placeholder} stands for")
-    return PLACEHOLDER.sub(wild, message)
 
 
 def matcher(message):

@@ -81,6 +81,14 @@ TEST_F(InputKinds, FifoWithoutAnEndIsGivenUp) {
     expectRefused(fifo, tooLarge(fifo), tooLargeAsConfiguration(fifo), options);
 }
 
+TEST_F(InputKinds, FifoOfCarriageReturnsIsGivenUp) {
+    const std::string fifo = folder_.path("fifo");
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    ProgramOptions options;
+    options.wrapper = {"bash", "-c", R"(tr '\0' '\r' </dev/zero >"$0" & exec "$@")", fifo};
+    expectRefused(fifo, tooLarge(fifo), tooLargeAsConfiguration(fifo), options);
+}
+
 TEST_F(InputKinds, DevicesThatGiveNothingAreNoDocuments) {
     const std::string null = folder_.path("null");
     REQUIRE_PRIVILEGE(makeMemoryDevice(null, 3), "the right to make devices");

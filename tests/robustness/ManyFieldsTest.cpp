@@ -1,12 +1,20 @@
+#include "fileAccess.h"
 #include "hostileRun.h"
 #include "measuredRun.h"
-#include "xmlAttacks.h"
 
 #include <gtest/gtest.h>
 
 // Each field adds 602 targets, so that a small document can ask for more than the memory holds.
 
 namespace {
+
+std::string times(int count, const std::string& text) {
+    std::string all;
+    for (int i = 0; i < count; ++i) {
+        all += text;
+    }
+    return all;
+}
 
 class ManyFields : public testing::Test {
 protected:
@@ -62,8 +70,88 @@ TEST_F(ManyFields, ThatWouldFillTheMemoryAreRefused) {
     expectRefused(document(20'000, ""), "The output would be larger than 256 MiB\n");
 }
 
-TEST_F(ManyFields, OfATargetWhoseCopiesWouldFillTheMemoryAreRefused) {
-    const std::string name = R"(targname="M 104")";
-    expectRefused(changed(document(1, ""), name, "targname=\"" + std::string(900'000, 'x') + "\""),
-                  "The output would be larger than 256 MiB\n");
+namespace {
+
+/** A field that is written in megabytes. */
+struct LargeField {
+    std::string name;
+    std::string science; ///< further attributes of the science target
+    std::string bundle;
+};
+
+void PrintTo(const LargeField& value, std::ostream* stream) {
+    *stream << value.name;
+}
+
+std::string bundleOf(const std::string& fibres) {
+    return R"(<plate_definition centre_x="0" centre_y="0" orientation="0" datamver="8.00">)" + fibres +
+           "</plate_definition>";
+}
+
+std::string fibreNamed(int id, const std::string& name) {
+    return "<fibre id='" + std::to_string(id) + "' pos_x='0' pos_y='-" + std::to_string(id) + "' fibre_name='" + name +
+           "'/>";
+}
+
+const std::string kMegabytes(3'000'000, 'x');
+
+const std::vector<LargeField> kLargeFields = {
+    {"LongFibreNames", "", bundleOf(fibreNamed(304, kMegabytes) + fibreNamed(2, kMegabytes))},
+    {"LongNote", "note='" + kMegabytes + "' ", bundleOf(fibreNamed(304, "C14") + fibreNamed(2, "1A"))},
+    {"LongNoteToBeEscaped", "note='" + std::string(500'000, '"') + "&#233;' ",
+     bundleOf(fibreNamed(304, "C14") + fibreNamed(2, "1A"))}};
+
+class LargeFields : public ManyFields, public testing::WithParamInterface<LargeField> {
+protected:
+    /** Runs on so many fields. @return the size of the output; nothing where it was refused as too large */
+    std::optional<std::uintmax_t> sizeOf(int fields) const {
+        const std::string science = R"(targuse="T" )";
+        folder_.write("in.xml", document(0, times(fields, changed(field(), science, science + GetParam().science))));
+        const std::string output = folder_.path("out.xml");
+        std::filesystem::remove(output);
+        const ProgramResult result =
+            runVekoConfigure({"-c", folder_.path("configure.xml"), "-i", folder_.path("in.xml"), "-o", output});
+        if (result.status != 0) {
+            EXPECT_EQ(result.err, "The output would be larger than 256 MiB\n");
+            EXPECT_FALSE(std::filesystem::exists(output));
+            return std::nullopt;
+        }
+        return std::filesystem::file_size(output);
+    }
+
+    const TemporaryFolder folder_;
+};
+
+} // namespace
+
+TEST_P(LargeFields, AreWrittenUpToTheLimitExactly) {
+    const SmallInstrument instrument = smallInstrument();
+    folder_.write("configure.xml", instrument.configuration);
+    folder_.write("map.xml", instrument.map);
+    folder_.write("bundle.xml", GetParam().bundle);
+    const std::uintmax_t one = sizeOf(1).value();
+    const std::uintmax_t each = sizeOf(2).value() - one;
+    const auto most = static_cast<int>(1 + (pos::kMaxFileSize - one) / each);
+    EXPECT_EQ(sizeOf(most), one + (static_cast<unsigned int>(most) - 1) * each);
+    EXPECT_EQ(sizeOf(most + 1), std::nullopt);
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, LargeFields, testing::ValuesIn(kLargeFields),
+                         [](const auto& tested) { return tested.param.name; });
+
+TEST_F(ManyFields, AreNotRefusedForFibresThatAreAbsent) {
+    const TemporaryFolder folder;
+    const SmallInstrument instrument = smallInstrument();
+    const std::string configuration = folder.write("configure.xml", instrument.configuration);
+    folder.write("map.xml", instrument.map);
+    std::string fibres = fibreNamed(304, "C14") + fibreNamed(2, "1A");
+    for (int id = 1000; id < 1600; ++id) {
+        fibres += changed(fibreNamed(id, "1B"), "/>", " status='absent'/>");
+    }
+    folder.write("bundle.xml", bundleOf(fibres));
+    const std::string note = "note='" + std::string(520'000, 'x') + "' targuse=\"T\"";
+    const std::string input = folder.write("in.xml", document(0, changed(field(), R"(targuse="T")", note)));
+    const std::string output = folder.path("out.xml");
+    EXPECT_EQ(runVekoConfigure({"-c", configuration, "-i", input, "-o", output}).err, "");
+    EXPECT_GT(std::filesystem::file_size(output), 1'040'000);
 }

@@ -107,6 +107,21 @@ TEST_F(PosConfigInfoTest, MalformedTextIsRefusedWithTheParsersMessage) {
     }
 }
 
+TEST_F(PosConfigInfoTest, FileMayHave16KiBHoweverItIsNested) {
+    const auto times = [](int count, const std::string& text) {
+        std::string all;
+        for (int i = 0; i < count; ++i) {
+            all += text;
+        }
+        return all;
+    };
+    EXPECT_EQ(load(times(1001, "k { v \"y\" }\n")).get<std::string>("k.v"), "y");
+    EXPECT_NO_THROW(load(times(2'730, "a\n{") + times(2'730, "}\n")));
+    EXPECT_EQ(messageOf<info_parser_error>([&] { load(times(5'460, "a\n{")); }),
+              "<unspecified file>(5461): unmatched {");
+    EXPECT_EQ(messageOf([&] { load(std::string(16'385, ';')); }), folder_.path("site.info") + " is larger than 16 KiB");
+}
+
 TEST_F(PosConfigInfoTest, XmlTextIsNotTakenForInfo) {
     EXPECT_EQ(messageOf<ptree_bad_path>(
                   [] { PosConfig(":/focal_plane_map.xml", PosConfig::INFO).get<std::string>("<xmlattr>.datamver"); }),

@@ -1,3 +1,4 @@
+#include "DocumentMaker.h"
 #include "ProcessWideState.h"
 #include "TemporaryFolder.h"
 #include "xml.h"
@@ -5,9 +6,9 @@
 #include "xmlSerialise.h"
 #include "xmlStructure.h"
 
-#include <QXmlStreamReader>
+#include <QTextStream>
+#include <array>
 #include <map>
-#include <optional>
 #include <random>
 #include <vector>
 
@@ -17,153 +18,13 @@ namespace {
 
 constexpr unsigned kSeed = 20160815;
 
-/** What stands in a document, and what it means. */
-struct Piece {
-    const char* source;
-    const char* meaning;
-};
-
-const std::vector<Piece> kPieces = {{"t", "t"},
-                                    {" ", " "},
-                                    {"&lt;", "<"},
-                                    {"&gt;", ">"},
-                                    {"&amp;", "&"},
-                                    {"&quot;", "\""},
-                                    {"&apos;", "'"},
-                                    {"&#10;", "\n"},
-                                    {"&#13;", "\r"},
-                                    {"&#x9;", "\t"},
-                                    {"]", "]"},
-                                    {"--", "--"},
-                                    {"?>", "?>"},
-                                    {"%%%", "%%%"},
-                                    {"&#233;", "\xc3\xa9"},
-                                    {"/", "/"},
-                                    {"{}", "{}"},
-                                    {"\x7f", "\x7f"},
-                                    {"\xc3\xa9", "\xc3\xa9"},
-                                    {"\xe2\x80\xa8", "\xe2\x80\xa8"},
-                                    {"\xf0\x9f\x98\x80", "\xf0\x9f\x98\x80"},
-                                    {"&#x1F600;", "\xf0\x9f\x98\x80"},
-                                    {"&e;", "entity <text>"}};
-
-/** Writes a random document, and beside it the tree that it means, in the form of treeText. */
-class DocumentMaker {
-public:
-    explicit DocumentMaker(std::mt19937& random) : random_(random) {}
-
-    void make() {
-        source = "<!DOCTYPE a [<!ENTITY e 'entity &#38;lt;text>'>]>";
-        tree = "[9 #document] \n";
-        if (one(3)) {
-            comment(1);
-        }
-        element(1);
-        if (one(3)) {
-            instruction(1);
-        }
-    }
-
-    std::string source;
-    std::string tree;
-
-private:
-    std::mt19937& random_;
-
-    int below(int count) {
-        return std::uniform_int_distribution<int>(0, count - 1)(random_);
-    }
-    bool one(int in) {
-        return below(in) == 0;
-    }
-    template <typename T> const T& anyOf(const std::vector<T>& choices) {
-        return choices.at(static_cast<std::size_t>(below(static_cast<int>(choices.size()))));
-    }
-    std::string name() {
-        return anyOf<std::string>({"a", "target", "p:q", "x-y", "_z", "a.1", "\xc3\xa9t\xc3\xa9", "xml:space", "A"});
-    }
-    void line(int depth, const std::string& text) {
-        tree += std::string(static_cast<std::size_t>(depth), ' ') + text + "\n";
-    }
-
-    /** Some pieces; their source is appended to the document. @return what they mean */
-    std::string pieces() {
-        std::string meaning;
-        for (int i = below(5); i > 0; --i) {
-            const Piece& piece = anyOf(kPieces);
-            source += piece.source;
-            meaning += piece.meaning;
-        }
-        return meaning;
-    }
-
-    void element(int depth) {
-        const std::string tag = name();
-        std::map<std::string, std::string> attributes;
-        source += "<" + tag;
-        for (int i = below(4); i > 0; --i) {
-            const std::string attribute = name();
-            if (attributes.count(attribute) == 0) {
-                source += " " + attribute + "=\"";
-                attributes[attribute] = pieces();
-                source += "\"";
-            }
-        }
-        std::string described = "<" + tag;
-        for (const auto& [attribute, value] : attributes) {
-            described += " " + attribute + "='" + value + "'";
-        }
-        line(depth, described + ">");
-        source += ">";
-        for (int i = depth < 5 ? below(5) : 0; i > 0; --i) {
-            child(depth + 1);
-        }
-        source += "</" + tag + ">";
-    }
-
-    /** A child, with text behind it now and then: never two texts in a row, which would be one. */
-    void child(int depth) {
-        switch (below(5)) {
-        case 0:
-            comment(depth);
-            break;
-        case 1:
-            instruction(depth);
-            break;
-        case 2: {
-            const auto content = anyOf<std::string>({"x", "<y>&z;", "]]", "-->", "<?p q?>\nz", "<!--"});
-            source += "<![CDATA[" + content + "]]>";
-            line(depth, "[4 #cdata-section] " + content);
-            break;
-        }
-        default:
-            element(depth);
-        }
-        if (one(2)) {
-            source += "w";
-            line(depth, "[3 #text] w" + pieces());
-        }
-    }
-
-    void comment(int depth) {
-        const auto content = anyOf<std::string>({"", " c ", "a-b", "<x>&y;", "?>\n", "]]>", "<?p", "\xf0\x9f\x98\x80"});
-        source += "<!--" + content + "-->";
-        line(depth, "[8 #comment] " + content);
-    }
-
-    void instruction(int depth) {
-        const auto content = anyOf<std::string>({"", "d", "a='1' <!-- ", "]]>", "\xc3\xa9"});
-        source += "<?pi " + content + "?>";
-        line(depth, "[7 pi] " + content);
-    }
-};
-
 } // namespace
 
 class XmlGenerated : public ProcessWideState {
 protected:
     TemporaryFolder folder_;
     std::mt19937 random_{kSeed};
+    const Choose choose_ = [this](int count) { return std::uniform_int_distribution<int>(0, count - 1)(random_); };
 
     QDomDocument load(const std::string& bytes) const {
         return loadXmlFile(folder_.write("a.xml", bytes));
@@ -188,47 +49,130 @@ protected:
 
 TEST_F(XmlGenerated, DocumentsMeanWhatTheyWereMadeToMean) {
     for (int i = 0; i < 300; ++i) {
-        DocumentMaker maker(random_);
-        maker.make();
-        SCOPED_TRACE("seed " + std::to_string(kSeed) + ", document " + std::to_string(i) + ":\n" + maker.source);
-        const QDomDocument document = load(maker.source);
-        ASSERT_EQ(treeText(document), maker.tree);
+        const MadeDocument made = makeDocument(choose_);
+        SCOPED_TRACE("seed " + std::to_string(kSeed) + ", document " + std::to_string(i) + ":\n" + made.source);
+        const QDomDocument document = load(made.source);
+        ASSERT_EQ(treeText(document), made.tree);
         const std::string saved = serialiseXml(document).toStdString();
         const QDomDocument again = load(saved);
-        ASSERT_EQ(treeText(again), maker.tree) << saved;
+        ASSERT_EQ(treeText(again), made.tree) << saved;
         ASSERT_EQ(serialiseXml(again).toStdString(), saved);
     }
 }
 
 TEST_F(XmlGenerated, DocumentsBecomeTheTreeThatTheXmlLibraryItselfBuilds) {
+    int compared = 0;
     for (int i = 0; i < 300; ++i) {
-        DocumentMaker maker(random_);
-        maker.make();
-        SCOPED_TRACE("seed " + std::to_string(kSeed) + ", document " + std::to_string(i) + ":\n" + maker.source);
-        QXmlStreamReader reader(QByteArray::fromStdString(maker.source));
-        reader.setNamespaceProcessing(false);
+        const MadeDocument made = makeDocument(choose_);
+        SCOPED_TRACE("seed " + std::to_string(kSeed) + ", document " + std::to_string(i) + ":\n" + made.source);
+        // That reader halves what a reference to a character beyond the basic plane stands for, keeps what stands in a
+        // document type, and some entities are too much for it: it refuses them or leaves their references.
+        const QString source = QString::fromStdString(made.source)
+                                   .replace("&#x1F600;", "\xf0\x9f\x98\x80")
+                                   .replace("<?q?><!-- ]> -->", "");
         QDomDocument expected;
-        ASSERT_TRUE(expected.setContent(&reader, false));
-        const QDomDocument document = load(maker.source);
-        ASSERT_EQ(treeText(document), treeText(expected));
-        ASSERT_EQ(document.toByteArray(1), expected.toByteArray(1));
+        if (expected.setContent(source.toUtf8(), false) && treeText(expected).find("[5 ") == std::string::npos) {
+            ASSERT_EQ(treeText(load(source.toStdString())), treeText(expected));
+            ++compared;
+        }
     }
+    EXPECT_GT(compared, 50);
+}
+
+TEST_F(XmlGenerated, DocumentsAreWrittenAsTheXmlLibraryItselfWritesThem) {
+    std::map<QByteArray, int> compared;
+    for (int i = 0; i < 900; ++i) {
+        const MadeDocument made = makeDocument(choose_);
+        const QByteArray encoding = std::array{"UTF-8", "ISO-8859-1", "US-ASCII"}.at(static_cast<std::size_t>(i % 3));
+        SCOPED_TRACE("seed " + std::to_string(kSeed) + ", document " + std::to_string(i) + " in " +
+                     encoding.toStdString() + ":\n" + made.source);
+        QDomDocument document = load(made.source);
+        document.insertBefore(document.createProcessingInstruction("xml", "version='1.0' encoding='" + encoding + "'"),
+                              document.firstChild());
+        // The library puts a line break between an instruction and a text, halves characters beyond the basic plane,
+        // and writes references where there can be none.
+        const QByteArray written = serialiseXml(document);
+        if (made.tree.find("[7 ") == std::string::npos && written.contains(encoding) &&
+            (encoding == "UTF-8" || made.tree.find('\xf0') == std::string::npos)) {
+            QByteArray expected;
+            QTextStream stream(&expected);
+            document.save(stream, 1);
+            stream.flush();
+            ASSERT_EQ(written.toStdString(), expected.toStdString());
+            ++compared[encoding];
+        }
+    }
+    for (const char* const encoding : {"UTF-8", "ISO-8859-1", "US-ASCII"}) {
+        EXPECT_GT(compared[encoding], 30) << encoding;
+    }
+}
+
+/** One that the XML library's own reader takes for something else, as docs/input-and-output.md tells. */
+struct Difference {
+    std::string source;
+    std::string library; ///< the tree below the document element, in the form of treeText
+    std::string program; ///< the same, or the reason of the refusal
+};
+
+TEST_F(XmlGenerated, DifferencesFromTheXmlLibrarysOwnReaderAreThese) {
+    const std::string malformed = folder_.path("a.xml") + " is not valid XML";
+    const std::string unknown =
+        folder_.path("a.xml") + " refers to an entity that cannot be known without reading another file";
+    for (const auto& [source, library, program] : std::vector<Difference>{
+             // Blanks in attributes.
+             {"<a b='x\ty\nz'/>", "<a b='x\ty\nz'>\n", "<a b='x y z'>\n"},
+             // Text of blanks that are none to XML.
+             {"<a>\xc2\xa0</a>", "<a>\n", "<a>\n [3 #text] \xc2\xa0\n"},
+             // References beyond the basic plane.
+             {"<a>&#x1F600;</a>", "<a>\n [3 #text] \xef\x98\x80\n", "<a>\n [3 #text] \xf0\x9f\x98\x80\n"},
+             // What is not well-formed.
+             {"<a b='&u;'/>", "<a b=''>\n", malformed},
+             {"<a>&u;</a>", "<a>\n [5 u] \n", malformed},
+             {"<a b='1' b='2'/>", "<a b='2'>\n", malformed},
+             {"<a>&#1;</a>", "<a>\n [3 #text] \x01\n", malformed},
+             {"<a>\xc3(</a>", "<a>\n [3 #text] \xef\xbf\xbd(\n", malformed},
+             // What other files may declare.
+             {"<!DOCTYPE a SYSTEM 'x'><a b='&u;'/>", "<a b=''>\n", unknown},
+             {"<!DOCTYPE a [<!ENTITY e SYSTEM 'x'>]><a>&e;</a>", "<a>\n [5 e] \n", unknown},
+             {"<!DOCTYPE a [<!ENTITY % p SYSTEM 'x'>%p;<!ENTITY e 'E'>]><a b='&e;'/>", "<a b='E'>\n", unknown},
+             // Versions and encodings.
+             {"<?xml version='1.1'?><a/>", "<a>\n",
+              folder_.path("a.xml") + " is written in version 1.1 of XML, and only 1.0 is read"},
+             {"<?xml version='1.0' encoding='nothing'?><a/>", "<a>\n",
+              folder_.path("a.xml") + " declares an encoding that is not known"},
+         }) {
+        EXPECT_EQ(treeText(parseDocument(source).documentElement()), library) << source;
+        std::string actual;
+        try {
+            actual = treeText(load(source).documentElement());
+        } catch (const std::runtime_error& error) {
+            actual = error.what();
+        }
+        EXPECT_EQ(actual, program) << source;
+    }
+    // Instructions and comments within a document type.
+    const std::string type = "<!DOCTYPE a [<?p q?><!--c-->]><a/>";
+    EXPECT_EQ(treeText(parseDocument(type)), "[9 #document] \n [7 p] q\n [8 #comment] c\n <a>\n");
+    EXPECT_EQ(treeText(load(type)), "[9 #document] \n <a>\n");
 }
 
 TEST_F(XmlGenerated, DamagedDocumentsAreRefusedOrKeepTheirMeaning) {
     int accepted = 0;
     int refused = 0;
     for (int i = 0; i < 600; ++i) {
-        DocumentMaker maker(random_);
-        maker.make();
-        const std::size_t prologue = maker.source.find("]>") + 2;
-        const std::string text = maker.source.substr(0, prologue) + damaged(maker.source.substr(prologue));
+        const MadeDocument made = makeDocument(choose_);
+        const std::size_t prologue = made.source.find("]>") + 2;
+        const std::string text = made.source.substr(0, prologue) + damaged(made.source.substr(prologue));
         SCOPED_TRACE("seed " + std::to_string(kSeed) + ", document " + std::to_string(i) + ":\n" + text);
-        const std::optional<QDomDocument> document = parseXml(QByteArray::fromStdString(text));
-        ++(document ? accepted : refused);
-        if (document) {
-            ASSERT_EQ(treeText(load(serialiseXml(*document).toStdString())), treeText(*document));
+        QDomDocument document;
+        try {
+            document = load(text);
+        } catch (const std::runtime_error&) {
+            ++refused;
+            continue;
         }
+        ++accepted;
+        ASSERT_EQ(treeText(load(serialiseXml(document).toStdString())), treeText(document));
     }
     // Both answers must have been put to the test.
     EXPECT_GT(accepted, 100);

@@ -3,8 +3,9 @@
 #include "EmbeddedResources.h"
 #include "Version.h"
 #include "angles.h"
-#include "configNesting.h"
 #include "fileAccess.h"
+#include "xmlEncoding.h"
+#include "xmlParse.h"
 
 #include <algorithm>
 #include <array>
@@ -25,8 +26,11 @@ namespace {
  */
 [[gnu::used]] constexpr std::array kKeepResources = {&qInitResources_config_files, &qInitResources_plate_files};
 
-/** Largest configuration file, bytes: its tree takes some 200 times its size. */
-constexpr qint64 kMaxConfigSize = qint64{1024} * 1024;
+/** Largest XML configuration file, bytes: its tree takes some 200 times its size. */
+constexpr qint64 kMaxXmlSize = qint64{1024} * 1024;
+/** Largest INFO file, bytes: its tree, nested as deep as it can be, is taken apart within half of a stack of 512 KiB.
+ */
+constexpr qint64 kMaxInfoSize = qint64{16} * 1024;
 
 std::string nameOrEnvironment(const char* filename) {
     if (filename != nullptr) {
@@ -39,29 +43,42 @@ std::string nameOrEnvironment(const char* filename) {
     return fromEnvironment;
 }
 
-void checkNesting(int depth, const std::string& name) {
-    if (depth > kMaxConfigDepth) {
-        throw std::runtime_error("The configuration file " + name + " is nested more than " +
-                                 std::to_string(kMaxConfigDepth) + " levels deep");
+/**
+ * What the property tree's own reader makes of an XML file, once the reader of all documents has seen it: that reader
+ * calls itself for every level, and takes a document type for something else.
+ *
+ * @throw boost::property_tree::ptree_error for a file that is malformed; MalformedXml, where it would be read in vain
+ * @throw std::runtime_error what parseXml refuses it with
+ */
+boost::property_tree::ptree readXml(const QByteArray& bytes, const std::string& name) {
+    QByteArray text = decodeXml(bytes, name).replace('\r', "");
+    try {
+        text.remove(0, parseXml(text, name).contentBegin);
+    } catch (const MalformedXml&) {
+        // The other reader has something to say, too, unless it may find too many levels: each takes a "<".
+        if (text.count('<') - text.count("</") > kMaxElementDepth) {
+            throw;
+        }
     }
+    std::istringstream stream(text.toStdString());
+    boost::property_tree::ptree document;
+    boost::property_tree::read_xml(stream, document);
+    return document;
 }
 
 } // namespace
 
 PosConfig::PosConfig(const char* filename, format fileFormat) {
     const std::string name = nameOrEnvironment(filename);
-    const std::optional<QByteArray> content = readFile(name, QIODevice::Text, kMaxConfigSize);
+    const std::optional<QByteArray> content = readFile(name, fileFormat == INFO ? kMaxInfoSize : kMaxXmlSize);
     if (!content) {
         throw std::runtime_error("Unable to open config file: " + name);
     }
-    const std::string bytes = content->toStdString();
-    std::istringstream text(bytes);
     if (fileFormat == INFO) {
-        checkNesting(infoNesting(bytes), name);
+        std::istringstream text(QByteArray(*content).replace('\r', "").toStdString());
         boost::property_tree::read_info(text, tree_);
     } else if (fileFormat == XML) {
-        checkNesting(xmlNesting(bytes), name);
-        loadXml(text);
+        takeRoot(readXml(*content, name));
     }
     directory_ = boost::filesystem::path(name).parent_path().string();
 }
@@ -74,9 +91,7 @@ PosConfig::PosConfig(const std::string& versionKey, const std::string& expectedV
     }
 }
 
-void PosConfig::loadXml(std::istream& text) {
-    boost::property_tree::ptree document;
-    boost::property_tree::read_xml(text, document);
+void PosConfig::takeRoot(const boost::property_tree::ptree& document) {
     const auto root =
         std::find_if(document.begin(), document.end(), [](const auto& child) { return child.first != "<xmlcomment>"; });
     if (root != document.end()) {

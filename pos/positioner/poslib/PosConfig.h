@@ -32,8 +32,8 @@ public:
      * @param fileFormat how to parse the file
      * @throw std::runtime_error "VANTE_POS_CONFIG environment variable not set"
      * @throw std::runtime_error "Unable to open config file: " + name
-     * @throw std::runtime_error name + " is larger than 1 MiB"
-     * @throw std::runtime_error "The configuration file " + name + " is nested more than 1000 levels deep"
+     * @throw std::runtime_error name + " is larger than 1 MiB", or 16 KiB for an INFO file
+     * @throw std::runtime_error what parseXml refuses an XML file with, where the property tree would take it
      * @throw std::runtime_error "data model version mismatch", for an XML file whose root has another "datamver" than
      *     the one already fixed
      * @throw boost::property_tree::ptree_error for text that does not parse, or an XML file without "datamver"
@@ -78,7 +78,7 @@ public:
     std::string getFilename(const std::string& key) const;
 
 private:
-    void loadXml(std::istream& text);
+    void takeRoot(const boost::property_tree::ptree& document);
 
     boost::property_tree::ptree tree_;
     std::string directory_; ///< parent path of the configuration file's name as given

@@ -5,6 +5,7 @@
 #include "angles.h"
 #include "xmlKeywords.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace pos {
@@ -69,6 +70,12 @@ void placeVeko(Veko& veko, const Target& science, std::uint32_t fibre) {
     }
     const PlateCoordinates wanted(static_cast<FocalPlaneCoordinates>(found->second.platePosition()));
     focalPlane.setFieldCentre(science.position.toAstrometric(focalPlane.date()), wanted);
+}
+
+qint64 countNewTargets(const Veko& veko) {
+    return std::count_if(veko.fibres.begin(), veko.fibres.end(),
+                         [](const auto& fibre) { return fibre.second.status != FibreStatus::Absent; }) -
+           1;
 }
 
 Astrometric vekoFieldCentre(const Veko& veko) {

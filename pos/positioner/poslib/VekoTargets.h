@@ -46,6 +46,12 @@ std::uint32_t scienceFibre(const Target& science);
  */
 void placeVeko(Veko& veko, const Target& science, std::uint32_t fibre);
 
+/** A new target is written in no fewer bytes: so many its own attributes take, with the shortest of values. */
+inline constexpr qint64 kMinTargetSize = 256;
+
+/** How many targets saveVekoTargets adds to a field: one for each usable fibre but the science target's. */
+qint64 countNewTargets(const Veko& veko);
+
 /** Where the bundle's plate origin points: the field centre at the focal plane's date. Throws as xyToCirs does. */
 Astrometric vekoFieldCentre(const Veko& veko);
 

@@ -6,6 +6,18 @@
 
 namespace pos {
 
+namespace {
+
+constexpr qint64 kKibibyte = 1024;
+constexpr qint64 kMebibyte = 1024 * kKibibyte;
+
+/** @param size a whole number of KiB */
+std::string sizeText(qint64 size) {
+    return size < kMebibyte ? std::to_string(size / kKibibyte) + " KiB" : std::to_string(size / kMebibyte) + " MiB";
+}
+
+} // namespace
+
 std::optional<QString> fileNameFromBytes(const std::string& name) {
     const QByteArray bytes = QByteArray::fromStdString(name);
     // The decoder drops a byte order mark at the start, where it can be part of a name.
@@ -16,14 +28,13 @@ std::optional<QString> fileNameFromBytes(const std::string& name) {
     return decoded;
 }
 
-std::optional<QByteArray> readFile(const std::string& name, QIODevice::OpenMode mode, qint64 maxSize) {
-    constexpr qint64 kMebibyte = qint64{1024} * 1024;
+std::optional<QByteArray> readFile(const std::string& name, qint64 maxSize) {
     const std::optional<QString> fileName = fileNameFromBytes(name);
     if (!fileName) {
         return std::nullopt;
     }
     QFile file(*fileName);
-    if (!file.open(QIODevice::ReadOnly | mode)) {
+    if (!file.open(QIODevice::ReadOnly)) {
         return std::nullopt;
     }
     QByteArray content;
@@ -31,7 +42,7 @@ std::optional<QByteArray> readFile(const std::string& name, QIODevice::OpenMode 
     for (QByteArray piece = file.read(kMebibyte); !piece.isEmpty(); piece = file.read(kMebibyte)) {
         content += piece;
         if (content.size() > maxSize) {
-            throw std::runtime_error(name + " is larger than " + std::to_string(maxSize / kMebibyte) + " MiB");
+            throw std::runtime_error(name + " is larger than " + sizeText(maxSize));
         }
     }
     if (file.error() != QFileDevice::NoError) {

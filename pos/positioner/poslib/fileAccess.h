@@ -6,7 +6,6 @@
 #define POS_FILEACCESS_H
 
 #include <QByteArray>
-#include <QIODevice>
 #include <QString>
 #include <optional>
 #include <string>
@@ -29,13 +28,11 @@ inline constexpr qint64 kMaxFileSize = qint64{256} * 1024 * 1024;
  * The whole content of a file. A name beginning with ":" is an embedded resource.
  *
  * @param name file name, bytes as given
- * @param mode QIODevice::Text to turn CRLF into LF, or nothing
- * @param maxSize most bytes that the file may have, a whole number of MiB
+ * @param maxSize most bytes that the file may have, a whole number of KiB, or of MiB from 1 MiB on
  * @return the content; nothing where the file cannot be opened or not be read to its end
  * @throw std::runtime_error name + " is larger than 256 MiB", or what maxSize is
  */
-std::optional<QByteArray> readFile(const std::string& name, QIODevice::OpenMode mode = {},
-                                   qint64 maxSize = kMaxFileSize);
+std::optional<QByteArray> readFile(const std::string& name, qint64 maxSize = kMaxFileSize);
 
 } // namespace pos
 

@@ -1,8 +1,5 @@
 #include "xmlParse.h"
 
-#include <QTextCodec>
-#include <QXmlStreamEntityResolver>
-#include <QXmlStreamReader>
 #include <algorithm>
 #include <cstring>
 #include <exception>
@@ -10,10 +7,9 @@
 #include <functional>
 #include <memory>
 #include <new>
-#include <string>
 #include <string_view>
 #include <type_traits>
-#include <unordered_map>
+#include <vector>
 
 namespace pos {
 
@@ -21,127 +17,122 @@ namespace {
 
 using ParserOwner = std::unique_ptr<std::remove_pointer_t<XML_Parser>, decltype(&XML_ParserFree)>;
 
-/** The parser gets the document in pieces of so many bytes, of which the first must hold all of a document type. */
-constexpr int kPieceSize = kMaxDoctypeEnd;
-
-/** The registered number of the encoding UTF-8. */
-constexpr int kMibUtf8 = 106;
-
-bool isUtf8(const QTextCodec* codec) {
-    return codec != nullptr && codec->mibEnum() == kMibUtf8;
-}
-
-bool isBlank(const QString& text) {
-    return std::all_of(text.begin(), text.end(), [](QChar c) { return c.isSpace(); });
-}
-
 /** A text that may be missing; then it is null. */
 QString decoded(const XML_Char* text) {
     return QString::fromUtf8(text);
 }
 
-/**
- * Whether a text in UTF-16, as the parser recognises it, has half of a surrogate pair alone. Some versions of the
- * parser take that, with whatever follows, for a character.
- */
-bool hasLoneSurrogate(const QByteArray& text) {
-    if (text.size() < 2) {
-        return false;
-    }
-    const bool isBigEndian = text.startsWith("\xfe\xff") || text.at(0) == '\0';
-    if (!isBigEndian && !text.startsWith("\xff\xfe") && text.at(1) != '\0') {
-        return false; // not UTF-16
-    }
-    bool secondIsDue = false;
-    for (int i = isBigEndian ? 0 : 1; i < text.size(); i += 2) {
-        const int highBits = static_cast<unsigned char>(text.at(i)) & 0xfc;
-        if (secondIsDue != (highBits == 0xdc)) {
-            return true;
-        }
-        secondIsDue = highBits == 0xd8;
-    }
-    return secondIsDue;
+bool isBlank(const QByteArray& text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return std::strchr(" \t\r\n", c) != nullptr; });
 }
 
-/** Describes a single-byte encoding that the parser does not know by itself. @return whether it is one */
-bool describeEncoding(const QTextCodec& codec, XML_Encoding& info) {
-    for (int byte = 0; byte < 256; ++byte) {
-        const char character = static_cast<char>(byte);
-        QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
-        const QString unicode = codec.toUnicode(&character, 1, &state);
-        if (unicode.isEmpty()) {
-            return false; // the first byte of several
+/** Names and values that come again soon, as most do, are kept once. No text costs more than its length. */
+class SharedTexts {
+public:
+    QString of(const XML_Char* text) {
+        const std::string_view utf8(text);
+        Slot& slot = slots_.at(std::hash<std::string_view>{}(utf8) % slots_.size());
+        if (slot.text.isNull() || slot.utf8 != utf8) {
+            slot = {std::string(utf8), decoded(text)};
         }
-        const bool complete =
-            state.invalidChars == 0 && unicode.size() == 1 && unicode.at(0) != QChar::ReplacementCharacter;
-        if (!complete && byte < 128) {
-            return false;
-        }
-        info.map[byte] = complete ? unicode.at(0).unicode() : -1;
+        return slot.text;
     }
-    info.data = nullptr;
-    info.convert = nullptr;
-    info.release = nullptr;
-    return true;
-}
 
-/** Lets texts be looked up as they stand in the parser's memory. */
-struct TextHash {
-    using is_transparent = void;
-    std::size_t operator()(std::string_view text) const {
-        return std::hash<std::string_view>{}(text);
-    }
+private:
+    struct Slot {
+        std::string utf8;
+        QString text; ///< null as long as the slot is empty
+    };
+    std::vector<Slot> slots_ = std::vector<Slot>(4096);
 };
 
-/** Builds a tree from what the parser reports. */
+/** The entities of a document type, declared anew for a document type that holds nothing else. */
+class Entities {
+public:
+    void add(const QByteArray& name, const QByteArray& replacement) {
+        QByteArray literal = replacement;
+        for (const char special : {'&', '%', '"', '\r'}) { // the ampersand first: the others bring new ones
+            literal.replace(special, "&#" + QByteArray::number(special) + ';');
+        }
+        declarations_ += "<!ENTITY " + name + " \"" + literal + "\">";
+    }
+    /** One whose text stands in another file. */
+    void addExternal(const QByteArray& name) {
+        declarations_ += "<!ENTITY " + name + " SYSTEM ''>";
+    }
+    /** One that is no text at all. */
+    void addUnparsed(const QByteArray& name) {
+        declarations_ += "<!ENTITY " + name + " SYSTEM '' NDATA n>";
+    }
+    QByteArray documentType() const {
+        return "<!DOCTYPE d [<!NOTATION n SYSTEM ''>" + declarations_ + "]>";
+    }
+
+private:
+    QByteArray declarations_;
+};
+
+/**
+ * Builds a tree from what the parser reports.
+ *
+ * The parser gets the document twice: first up to the end of its document type, then from there on behind a document
+ * type that declares the same entities and nothing else. So it knows no defaults or types of attributes, and every
+ * reference to an entity that was not declared is an error; beside declarations in other files it would drop some.
+ */
 class TreeBuilder {
 public:
-    /** @param encoding overrides what the document declares; null to follow that */
-    TreeBuilder(const QByteArray& text, const XML_Char* encoding)
-        : text_(text), parser_(XML_ParserCreate(encoding), &XML_ParserFree) {
+    TreeBuilder(const QByteArray& text, const std::string& name)
+        : text_(text), name_(name), maxNodes_(std::max(kSmallTree, text.size() / kMinBytesPerNode)) {}
+
+    ParsedXml build() {
+        makeParser();
+        XML_SetDoctypeDeclHandler(parser_.get(), call<&TreeBuilder::startDoctype>, call<&TreeBuilder::endDoctype>);
+        XML_SetEntityDeclHandler(parser_.get(), call<&TreeBuilder::declareEntity>);
+        XML_SetSkippedEntityHandler(parser_.get(), call<&TreeBuilder::skipDeclarations>);
+        XML_SetDefaultHandlerExpand(parser_.get(), call<&TreeBuilder::otherMarkup>);
+        XML_SetParamEntityParsing(parser_.get(), XML_PARAM_ENTITY_PARSING_ALWAYS);
+        if (!parse(text_, XML_TRUE) && contentBegin_ == 0) {
+            fail(0);
+        }
+        if (contentBegin_ > 0) {
+            makeParser();
+            const QByteArray documentType = entities_.documentType();
+            const auto content =
+                QByteArray::fromRawData(text_.constData() + contentBegin_, text_.size() - contentBegin_);
+            if (!parse(documentType, XML_FALSE) || !parse(content, XML_TRUE)) {
+                fail(contentBegin_ - documentType.size());
+            }
+        }
+        return {document_, contentBegin_};
+    }
+
+private:
+    void makeParser() {
+        isStopped_ = false;
+        parser_.reset(XML_ParserCreate("UTF-8"));
         if (!parser_) {
             throw std::bad_alloc();
         }
         XML_SetUserData(parser_.get(), this);
         XML_SetXmlDeclHandler(parser_.get(), call<&TreeBuilder::declaration>);
-        XML_SetDoctypeDeclHandler(parser_.get(), call<&TreeBuilder::startDoctype>, call<&TreeBuilder::endDoctype>);
         XML_SetElementHandler(parser_.get(), call<&TreeBuilder::startElement>, call<&TreeBuilder::endElement>);
         XML_SetCharacterDataHandler(parser_.get(), call<&TreeBuilder::characters>);
         XML_SetCdataSectionHandler(parser_.get(), call<&TreeBuilder::startCdata>, call<&TreeBuilder::endCdata>);
         XML_SetCommentHandler(parser_.get(), call<&TreeBuilder::comment>);
         XML_SetProcessingInstructionHandler(parser_.get(), call<&TreeBuilder::instruction>);
-        XML_SetNotStandaloneHandler(parser_.get(), noteDeclarationsElsewhere);
-        XML_SetExternalEntityRefHandler(parser_.get(), refuseExternalEntity);
-        XML_SetUnknownEncodingHandler(parser_.get(), unknownEncoding, this);
+        XML_SetExternalEntityRefHandler(parser_.get(), externalEntity);
+        // Nothing above the threshold may come from entities, so that it limits all that is parsed, wherever they
+        // stand.
+        const auto maxParsed = static_cast<unsigned long long>(std::max(kSmallText, 2 * qint64{text_.size()}));
+        XML_SetBillionLaughsAttackProtectionActivationThreshold(parser_.get(), maxParsed);
+        XML_SetBillionLaughsAttackProtectionMaximumAmplification(parser_.get(), 1.0F);
     }
 
-    /** @return whether the tree is complete; otherwise something was refused */
-    bool build() {
-        bool isTaken = true;
-        for (int begin = 0; isTaken && begin <= text_.size(); begin += kPieceSize) {
-            isTaken = parsePiece(begin, std::min(begin + kPieceSize, text_.size()));
-        }
-        if (failure_) {
-            std::rethrow_exception(failure_);
-        }
-        return isTaken;
+    /** In one piece: the parser would look at an unfinished token again with every further piece. */
+    bool parse(const QByteArray& text, XML_Bool isLast) {
+        return XML_Parse(parser_.get(), text.constData(), text.size(), isLast) == XML_STATUS_OK;
     }
 
-    QDomDocument document() const {
-        return document_;
-    }
-
-    /** Whether the declared encoding is UTF-8 under a name that the parser does not know. */
-    bool isUtf8Alias() const {
-        return isUtf8Alias_;
-    }
-
-    /** Whether entities may be declared in an external subset or the like. */
-    bool hasDeclarationsElsewhere() const {
-        return hasDeclarationsElsewhere_;
-    }
-
-private:
     /** Calls a member function as the parser, which is written in C, can: no exception may leave it. */
     template <auto kHandler, typename... Arguments>
     static void XMLCALL call(void* builder, Arguments... arguments) noexcept {
@@ -157,72 +148,84 @@ private:
         }
     }
 
-    /** @return whether the document can go on, or be complete, behind the end of the piece */
-    bool parsePiece(int begin, int end) {
-        const int isLast = end < text_.size() ? 0 : 1;
-        const bool isTaken = XML_Parse(parser_.get(), text_.constData() + begin, end - begin, isLast) == XML_STATUS_OK;
-        isInPrologue_ = false;
-        return isTaken && !inDoctype_ && end - XML_GetCurrentByteIndex(parser_.get()) <= kMaxMarkup;
-    }
-
     void stop() {
         isStopped_ = true;
         XML_StopParser(parser_.get(), XML_FALSE);
     }
 
-    void count(qint64 nodes, qint64 bytes) {
-        nodes_ += nodes;
-        bytes_ += bytes;
-        if (nodes_ > std::max(kSmallTree, text_.size() / kMinBytesPerNode) ||
-            bytes_ > std::max(kSmallText, 2 * qint64{text_.size()})) {
-            stop();
+    /** @param offset where the parser's input begins in the text */
+    [[noreturn]] void fail(int offset) {
+        if (failure_) {
+            std::rethrow_exception(failure_);
+        }
+        const XML_Error error = XML_GetErrorCode(parser_.get());
+        if (error == XML_ERROR_NO_MEMORY) {
+            throw std::bad_alloc();
+        }
+        if (error == XML_ERROR_AMPLIFICATION_LIMIT_BREACH) {
+            refuse("has entities that make it larger than 8 MiB and than twice its size");
+        }
+        if (error == XML_ERROR_UNDEFINED_ENTITY && isDeclaredElsewhere_) {
+            refuseUnknownEntity();
+        }
+        throw MalformedXml(name_, offset + static_cast<int>(XML_GetCurrentByteIndex(parser_.get())));
+    }
+
+    [[noreturn]] void refuse(const std::string& what) const {
+        throw std::runtime_error(name_ + ' ' + what);
+    }
+
+    [[noreturn]] void refuseUnknownEntity() const {
+        refuse("refers to an entity that cannot be known without reading another file");
+    }
+
+    void countNode() {
+        if (++nodes_ > maxNodes_) {
+            refuse("has more than " + std::to_string(maxNodes_) + " elements, attributes and other nodes");
+        }
+    }
+
+    void countDeclarations(std::size_t bytes) {
+        declarations_ += static_cast<qint64>(bytes);
+        if (declarations_ > kMaxDeclarations) {
+            refuse("declares more than 64 KiB in its document type");
         }
     }
 
     void append(const QDomNode& node) {
         appendText();
-        count(1, 0);
+        appendNode(node);
+    }
+
+    void appendNode(const QDomNode& node) {
+        countNode();
         current_.appendChild(node);
     }
 
     /** Appends the text that has come in pieces. */
     void appendText() {
-        const QString text = QString::fromUtf8(pendingText_);
-        if (!isBlank(text)) {
-            current_.appendChild(inCdata_ ? document_.createCDATASection(text) : document_.createTextNode(text));
-            count(1, 0);
+        if (!isBlank(pendingText_)) {
+            appendNode(document_.createTextNode(QString::fromUtf8(pendingText_)));
         }
         pendingText_.clear();
     }
 
-    /** Names and values that come again, as most do, are kept once. */
-    const QString& shared(const XML_Char* text) {
-        const auto known = strings_.find(std::string_view(text));
-        return known != strings_.end() ? known->second : strings_.emplace(text, decoded(text)).first->second;
-    }
-
     void declaration(const XML_Char* version, const XML_Char* encoding, int standalone) {
-        QString value = QStringLiteral("version='") + decoded(version) + QLatin1Char('\'');
+        if (std::strcmp(version, "1.0") != 0) {
+            refuse("is written in version " + std::string(version) + " of XML, and only 1.0 is read");
+        }
+        QString value = QStringLiteral("version='1.0'");
         if (encoding != nullptr) {
             value += QStringLiteral(" encoding='") + decoded(encoding) + QLatin1Char('\'');
         }
-        if (standalone == 1) {
-            value += QStringLiteral(" standalone='yes'");
-        }
-        // Against a UTF-8 byte-order mark the parser would follow the declaration.
-        const bool contradictsMark =
-            encoding != nullptr && text_.startsWith("\xef\xbb\xbf") && !isUtf8(QTextCodec::codecForName(encoding));
-        if (contradictsMark || std::strcmp(version, "1.0") != 0) {
-            stop();
+        if (standalone >= 0) {
+            isStandalone_ = standalone == 1;
+            value += isStandalone_ ? QStringLiteral(" standalone='yes'") : QStringLiteral(" standalone='no'");
         }
         append(document_.createProcessingInstruction(QStringLiteral("xml"), value));
     }
 
     void startDoctype(const XML_Char* name, const XML_Char* systemId, const XML_Char* publicId, int /*hasSubset*/) {
-        if (!isInPrologue_) {
-            stop();
-            return;
-        }
         inDoctype_ = true;
         // The XML library takes a document type only when a document is made.
         QDomDocument typed(
@@ -235,23 +238,57 @@ private:
     }
 
     void endDoctype() {
+        contentBegin_ =
+            static_cast<int>(XML_GetCurrentByteIndex(parser_.get())) + XML_GetCurrentByteCount(parser_.get());
         inDoctype_ = false;
+        stop();
+    }
+
+    void declareEntity(const XML_Char* name, int isParameter, const XML_Char* value, int length,
+                       const XML_Char* /*base*/, const XML_Char* /*systemId*/, const XML_Char* /*publicId*/,
+                       const XML_Char* notation) {
+        countDeclarations(std::strlen(name) + static_cast<std::size_t>(length));
+        if (isParameter != 0) {
+            return;
+        }
+        if (value != nullptr) {
+            entities_.add(name, QByteArray(value, length));
+        } else if (notation == nullptr) {
+            entities_.addExternal(name);
+        } else {
+            entities_.addUnparsed(name);
+        }
+    }
+
+    /** A reference to a parameter entity that the document does not declare. */
+    void skipDeclarations(const XML_Char* /*name*/, int /*isParameter*/) {
+        isDeclaredElsewhere_ = !isStandalone_;
+    }
+
+    /** Within a document type: its other declarations. */
+    void otherMarkup(const XML_Char* /*text*/, int length) {
+        if (inDoctype_) {
+            countDeclarations(static_cast<std::size_t>(length));
+        }
     }
 
     void startElement(const XML_Char* name, const XML_Char** attributes) {
-        QDomElement element = document_.createElement(shared(name));
+        if (XML_GetSpecifiedAttributeCount(parser_.get()) > 2 * kMaxAttributes) {
+            refuse("has more than " + std::to_string(kMaxAttributes) + " attributes in one tag");
+        }
+        if (++depth_ > kMaxElementDepth) {
+            refuse("is nested more than " + std::to_string(kMaxElementDepth) + " levels deep");
+        }
+        QDomElement element = document_.createElement(texts_.of(name));
         append(element);
         if (*attributes != nullptr) {
-            count(1, 0);
+            countNode();
         }
-        for (; *attributes != nullptr && !isStopped_; attributes += 2) {
-            count(1, static_cast<qint64>(std::strlen(attributes[1])));
-            element.setAttribute(shared(attributes[0]), shared(attributes[1]));
+        for (; *attributes != nullptr; attributes += 2) {
+            countNode();
+            element.setAttribute(texts_.of(attributes[0]), texts_.of(attributes[1]));
         }
         current_ = element;
-        if (++depth_ > kMaxElementDepth) {
-            stop();
-        }
     }
 
     void endElement(const XML_Char* /*name*/) {
@@ -261,18 +298,16 @@ private:
     }
 
     void characters(const XML_Char* text, int length) {
-        count(0, length);
         pendingText_.append(text, length);
     }
 
     void startCdata() {
         appendText();
-        inCdata_ = true;
     }
 
     void endCdata() {
-        appendText();
-        inCdata_ = false;
+        appendNode(document_.createCDATASection(QString::fromUtf8(pendingText_)));
+        pendingText_.clear();
     }
 
     void comment(const XML_Char* text) {
@@ -283,92 +318,51 @@ private:
 
     void instruction(const XML_Char* target, const XML_Char* data) {
         if (!inDoctype_) {
-            append(document_.createProcessingInstruction(shared(target), decoded(data)));
+            append(document_.createProcessingInstruction(texts_.of(target), decoded(data)));
         }
     }
 
-    /** A reference in the content to an entity in another file. */
-    static int XMLCALL refuseExternalEntity(XML_Parser /*parser*/, const XML_Char* /*context*/,
-                                            const XML_Char* /*base*/, const XML_Char* /*systemId*/,
-                                            const XML_Char* /*publicId*/) {
+    /** A reference to another file: in a document type for declarations, which are passed over, else for text. */
+    static int XMLCALL externalEntity(XML_Parser parser, const XML_Char* context, const XML_Char* /*base*/,
+                                      const XML_Char* /*systemId*/, const XML_Char* /*publicId*/) {
+        void* const builder = XML_GetUserData(parser);
+        if (context == nullptr) {
+            call<&TreeBuilder::skipDeclarations>(builder, static_cast<const XML_Char*>(nullptr), 1);
+            return XML_STATUS_OK;
+        }
+        call<&TreeBuilder::refuseUnknownEntity>(builder);
         return XML_STATUS_ERROR;
     }
 
-    static int XMLCALL noteDeclarationsElsewhere(void* builder) {
-        static_cast<TreeBuilder*>(builder)->hasDeclarationsElsewhere_ = true;
-        return XML_STATUS_OK;
-    }
-
-    static int XMLCALL unknownEncoding(void* builder, const XML_Char* name, XML_Encoding* info) {
-        const QTextCodec* const codec = QTextCodec::codecForName(name);
-        static_cast<TreeBuilder*>(builder)->isUtf8Alias_ = isUtf8(codec);
-        const bool isKnown = codec != nullptr && !isUtf8(codec) && describeEncoding(*codec, *info);
-        return isKnown ? XML_STATUS_OK : XML_STATUS_ERROR;
-    }
-
     const QByteArray& text_;
-    const ParserOwner parser_;
+    const std::string& name_;
+    const qint64 maxNodes_;
+    ParserOwner parser_{nullptr, &XML_ParserFree};
     QDomDocument document_{QString()}; ///< without a document type
     QDomNode current_ = document_;
+    SharedTexts texts_;
+    Entities entities_;
     QByteArray pendingText_;
-    std::unordered_map<std::string, QString, TextHash, std::equal_to<>> strings_; ///< by their UTF-8
     qint64 nodes_ = 0;
-    qint64 bytes_ = 0; ///< of all values and texts
+    qint64 declarations_ = 0; ///< bytes
     int depth_ = 0;
-    bool isInPrologue_ = true;
+    int contentBegin_ = 0;
     bool inDoctype_ = false;
-    bool inCdata_ = false;
+    bool isStandalone_ = false;
+    bool isDeclaredElsewhere_ = false; ///< entities may be
     bool isStopped_ = false;
-    bool isUtf8Alias_ = false;
-    bool hasDeclarationsElsewhere_ = false;
     std::exception_ptr failure_;
 };
 
-/** Notes whether a document refers to an entity that it does not declare. */
-class UndeclaredEntities : public QXmlStreamEntityResolver {
-public:
-    bool found() const {
-        return found_;
-    }
-
-protected:
-    QString resolveUndeclaredEntity(const QString& /*name*/) override {
-        found_ = true;
-        return {};
-    }
-
-private:
-    bool found_ = false;
-};
-
-/** For a document with declarations elsewhere: the parser passes over what might be declared there. */
-bool refersToUndeclaredEntity(const QByteArray& text) {
-    QXmlStreamReader reader(text);
-    reader.setNamespaceProcessing(false);
-    UndeclaredEntities undeclared;
-    reader.setEntityResolver(&undeclared);
-    while (!reader.atEnd()) {
-        reader.readNext();
-    }
-    return undeclared.found() || reader.hasError();
-}
-
 } // namespace
 
-std::optional<QDomDocument> parseXml(const QByteArray& text) {
-    if (hasLoneSurrogate(text)) {
-        return std::nullopt;
+ParsedXml parseXml(const QByteArray& text, const std::string& name) {
+    // By another beginning the parser, though told the encoding, would guess another one, or pass over a mark.
+    const bool beginsAsXml = text.isEmpty() || std::strchr("< \t\r\n", text.front()) != nullptr;
+    if (!beginsAsXml || text.left(2).contains('\0')) {
+        throw MalformedXml(name, 0);
     }
-    std::optional<TreeBuilder> builder(std::in_place, text, nullptr);
-    bool isTaken = builder->build();
-    if (builder->isUtf8Alias()) {
-        builder.emplace(text, "UTF-8");
-        isTaken = builder->build();
-    }
-    if (!isTaken || (builder->hasDeclarationsElsewhere() && refersToUndeclaredEntity(text))) {
-        return std::nullopt;
-    }
-    return builder->document();
+    return TreeBuilder(text, name).build();
 }
 
 } // namespace pos

@@ -1,18 +1,23 @@
 /**
  * @file
- * Turning bytes into a document.
+ * Turning the text of a document into a tree.
  */
 #ifndef POS_XMLPARSE_H
 #define POS_XMLPARSE_H
 
+#include "MalformedXml.h"
+
 #include <QByteArray>
 #include <QDomDocument>
-#include <optional>
+#include <string>
 
 namespace pos {
 
 /** Deepest nesting of elements that a document may have; its tree is walked recursively. */
-inline constexpr int kMaxElementDepth = 1000;
+inline constexpr int kMaxElementDepth = 256;
+
+/** Most attributes that a tag may have: the tree finds one among those that its hash cannot tell apart by trying. */
+inline constexpr int kMaxAttributes = 256;
 
 /**
  * Every document may have this many nodes: elements, attributes, texts, comments, processing instructions. An element
@@ -20,35 +25,38 @@ inline constexpr int kMaxElementDepth = 1000;
  */
 inline constexpr qint64 kSmallTree = 500'000;
 
-/**
- * A document with more nodes must have at least this many bytes for each; those that the program writes have. Nodes
- * that entities or declared default attributes add count too, so that 10 MB never take more than 256 MiB of memory.
- */
+/** A document with more nodes must have this many bytes for each, so that 10 MB take some 256 MiB at the most. */
 inline constexpr qint64 kMinBytesPerNode = 14;
 
-/** Every document's values and texts may add up to this many bytes; a larger sum must not exceed twice its size. */
+/** Every document may grow by its entities to this many bytes; none that is larger may more than double by them. */
 inline constexpr qint64 kSmallText = qint64{8} * 1024 * 1024;
 
-/** In how many bytes from its beginning a document's type must have ended: declarations cost more than their length. */
-inline constexpr int kMaxDoctypeEnd = 16 * 1024;
+/** What a document type may declare, bytes, parameter entities replaced: declarations cost more than their length. */
+inline constexpr qint64 kMaxDeclarations = qint64{64} * 1024;
 
-/** Longest tag, comment or processing instruction, bytes, up to one piece more: the parser takes in each at once. */
-inline constexpr int kMaxMarkup = 1024 * 1024;
+/** What parseXml makes of a text. */
+struct ParsedXml {
+    QDomDocument document; ///< the tree
+    int contentBegin;      ///< where the text goes on behind its document type, bytes; 0 without one
+};
 
 /**
  * Builds the tree of a document that is well-formed XML 1.0 within the limits above.
  *
- * Entities of the document's own are replaced by their text, attributes with a declared default are added. Nothing but
- * the bytes is read: no external subset, no external entity. Text that is all blanks is left out, as is everything in
- * the document type but its name and identifiers. Line ends become LF.
+ * - Entities that the document declares are replaced by their text. Nothing else is read: a reference that only another
+ *   file may explain is refused.
+ * - Of a document type the tree keeps name and identifiers. Defaults and types that it declares for attributes change
+ *   nothing.
+ * - Text between tags that is all blanks (space, tab, line end) is left out. Line ends become LF, and in attributes all
+ *   blanks become spaces, unless they are written as references.
  *
- * Encodings: UTF-8, UTF-16, ISO-8859-1, US-ASCII, and the single-byte ones that the XML library knows.
- *
- * @param text the bytes of the whole document
- * @return the document; nothing where it is malformed, beyond a limit or in another encoding, or refers to an entity
- *     that it does not declare or that is external, whose text would be lost
+ * @param text the whole document in UTF-8 without a byte-order mark, as decodeXml gives it
+ * @param name of the file, for messages
+ * @throw MalformedXml name + " is not valid XML"
+ * @throw std::runtime_error name + " refers to an entity that cannot be known without reading another file", + " is
+ *     written in version … of XML, and only 1.0 is read", or the limit that it does not keep, with its value
  */
-std::optional<QDomDocument> parseXml(const QByteArray& text);
+ParsedXml parseXml(const QByteArray& text, const std::string& name);
 
 } // namespace pos
 

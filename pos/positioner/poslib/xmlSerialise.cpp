@@ -1,14 +1,36 @@
 #include "xmlSerialise.h"
 
-#include <QRegularExpression>
+#include "fileAccess.h"
+#include "xmlEncoding.h"
+
 #include <QTextCodec>
-#include <QTextStream>
-#include <algorithm>
-#include <vector>
+#include <map>
+#include <stdexcept>
 
 namespace pos {
 
 namespace {
+
+/** Tells which characters an encoding has. */
+class Repertoire {
+public:
+    explicit Repertoire(const QTextCodec& encoding) : encoding_(encoding) {}
+
+    bool has(const QString& text) const {
+        return encoding_.canEncode(text);
+    }
+    bool has(uint codePoint) {
+        const auto known = known_.find(codePoint);
+        if (known != known_.end()) {
+            return known->second;
+        }
+        return known_[codePoint] = has(QString::fromUcs4(&codePoint, 1));
+    }
+
+private:
+    const QTextCodec& encoding_;
+    std::map<uint, bool> known_;
+};
 
 /** The XML declaration, or a null node. The XML library keeps it as the first processing instruction. */
 QDomNode declarationOf(const QDomDocument& document) {
@@ -16,117 +38,206 @@ QDomNode declarationOf(const QDomDocument& document) {
     return first.isProcessingInstruction() && first.nodeName() == QLatin1String("xml") ? first : QDomNode();
 }
 
-/** The encoding that a declaration names; UTF-8 where it names none. */
-const QTextCodec& declaredCodec(const QDomNode& declaration) {
-    static const QRegularExpression pattern(QStringLiteral("encoding\\s*=\\s*[\"']([^\"']*)[\"']"));
-    const QString name = pattern.match(declaration.nodeValue()).captured(1);
-    const QTextCodec* const codec = QTextCodec::codecForName(name.toLatin1());
-    return codec != nullptr ? *codec : *QTextCodec::codecForName("UTF-8");
-}
-
-/**
- * An encoding that has every character. The XML library asks the declared encoding about each character that it writes,
- * and the ordinary ones answer by encoding it.
- */
-class EveryCharacter : public QTextCodec {
+/** Writes a tree as the XML library does, but in one pass over every text. */
+class Writer {
 public:
-    QByteArray name() const override {
-        return "x-every-character";
-    }
-    int mibEnum() const override {
-        return kPrivateMib;
-    }
+    /** @param repertoire of the encoding; null where it has every character */
+    explicit Writer(Repertoire* repertoire) : repertoire_(repertoire) {}
 
-protected:
-    QString convertToUnicode(const char* /*text*/, int /*length*/, ConverterState* /*state*/) const override {
-        return {};
-    }
-    QByteArray convertFromUnicode(const QChar* /*text*/, int /*length*/, ConverterState* /*state*/) const override {
-        return {};
+    QString write(const QDomDocument& document) {
+        QDomNode node = document.firstChild();
+        if (!declarationOf(document).isNull()) {
+            // Where not every character was to be had in the declared encoding, it was not kept.
+            put("<?xml ").put(repertoire_ != nullptr ? node.nodeValue() : utf8Declaration(node)).put("?>\n");
+            node = node.nextSibling();
+        }
+        putDocumentType(document.doctype());
+        putSiblings(node, 0);
+        return text_;
     }
 
 private:
-    static constexpr int kPrivateMib = -20160815; ///< of no registered encoding
+    static QString utf8Declaration(const QDomNode& declaration) {
+        const QString value = declaration.nodeValue();
+        const QTextCodec* const declared = declaredEncoding(value);
+        return declared != nullptr && isUtf8(*declared) ? value : declaredAsUtf8(value);
+    }
+
+    template <typename Text> Writer& put(const Text& text) {
+        text_ += text;
+        checkOutputSize(text_.size()); // a character takes at least a byte
+        return *this;
+    }
+    Writer& put(const char* text) {
+        return put(QLatin1String(text));
+    }
+    Writer& put(char character) {
+        return put(QLatin1Char(character));
+    }
+
+    void putDocumentType(const QDomDocumentType& type) {
+        if (type.name().isEmpty()) {
+            return;
+        }
+        put("<!DOCTYPE ").put(type.name());
+        if (!type.publicId().isNull()) {
+            put(" PUBLIC ").putQuoted(type.publicId());
+        } else if (!type.systemId().isNull()) {
+            put(" SYSTEM");
+        }
+        if (!type.systemId().isNull()) {
+            put(' ').putQuoted(type.systemId());
+        }
+        put(">\n");
+    }
+
+    void putQuoted(const QString& identifier) {
+        const char quote = identifier.contains(QLatin1Char('\'')) ? '"' : '\'';
+        put(quote).put(identifier).put(quote);
+    }
+
+    /** A node and all that follow it in its parent. */
+    void putSiblings(QDomNode node, int depth) {
+        bool isBehindText = false;
+        for (; !node.isNull(); node = node.nextSibling()) {
+            const bool isText = node.isText(); // of CDATA sections too
+            if (!isText && !isBehindText && !node.isProcessingInstruction()) {
+                indent(depth);
+            }
+            putNode(node, depth);
+            if (!isText && !node.nextSibling().isText()) {
+                put('\n');
+            }
+            isBehindText = isText;
+        }
+    }
+
+    void putNode(const QDomNode& node, int depth) {
+        if (node.isElement()) {
+            putElement(node.toElement(), depth);
+        } else if (node.isCDATASection()) {
+            put("<![CDATA[").put(node.nodeValue()).put("]]>");
+        } else if (node.isText()) {
+            putEscaped(node.nodeValue(), false);
+        } else if (node.isComment()) {
+            put("<!--").put(node.nodeValue()).put("-->");
+        } else if (node.isProcessingInstruction()) {
+            put("<?").put(node.nodeName()).put(' ').put(node.nodeValue()).put("?>");
+        }
+    }
+
+    void putElement(const QDomElement& element, int depth) {
+        const QString name = element.tagName();
+        put('<').put(name);
+        const QDomNamedNodeMap attributes = element.attributes();
+        for (int i = 0; i < attributes.size(); ++i) {
+            const QDomNode attribute = attributes.item(i);
+            put(' ').put(attribute.nodeName()).put("=\"");
+            putEscaped(attribute.nodeValue(), true);
+            put('"');
+        }
+        const QDomNode first = element.firstChild();
+        if (first.isNull()) {
+            put("/>");
+            return;
+        }
+        put(first.isText() ? ">" : ">\n");
+        putSiblings(first, depth + 1);
+        if (!element.lastChild().isText()) {
+            indent(depth);
+        }
+        put("</").put(name).put('>');
+    }
+
+    void indent(int depth) {
+        put(QString(depth, QLatin1Char(' ')));
+    }
+
+    void putEscaped(const QString& text, bool isAttribute) {
+        if (repertoire_ != nullptr && !repertoire_->has(text)) {
+            putWithReferences(text, isAttribute);
+            return;
+        }
+        int begin = 0;
+        for (int i = 0; i < text.size(); ++i) {
+            if (const char* const escape = escapeOf(text, i, isAttribute)) {
+                put(text.midRef(begin, i - begin)).put(escape);
+                begin = i + 1;
+            }
+        }
+        put(text.midRef(begin));
+    }
+
+    /** Where the encoding lacks a character or more. */
+    void putWithReferences(const QString& text, bool isAttribute) {
+        for (int i = 0; i < text.size(); ++i) {
+            const bool isPair = text.at(i).isHighSurrogate();
+            const uint codePoint = isPair ? QChar::surrogateToUcs4(text.at(i), text.at(i + 1)) : text.at(i).unicode();
+            if (const char* const escape = escapeOf(text, i, isAttribute)) {
+                put(escape);
+            } else if (repertoire_->has(codePoint)) {
+                put(text.midRef(i, isPair ? 2 : 1));
+            } else {
+                put("&#x").put(QString::number(codePoint, 16)).put(';');
+            }
+            i += isPair ? 1 : 0;
+        }
+    }
+
+    /** What must stand for a character, null where it can stand for itself. */
+    static const char* escapeOf(const QString& text, int place, bool isAttribute) {
+        const ushort unit = text.at(place).unicode();
+        if (unit > '>') {
+            return nullptr; // most are: this is asked for every character
+        }
+        switch (unit) {
+        case '<':
+            return "&lt;";
+        case '&':
+            return "&amp;";
+        case '>':
+            return place >= 2 && text.at(place - 1) == QLatin1Char(']') && text.at(place - 2) == QLatin1Char(']')
+                       ? "&gt;"
+                       : nullptr;
+        case '"':
+            return isAttribute ? "&quot;" : nullptr;
+        case '\t':
+            return isAttribute ? "&#x9;" : nullptr;
+        case '\n':
+            return isAttribute ? "&#xa;" : nullptr;
+        case '\r':
+            return "&#xd;";
+        default:
+            return nullptr;
+        }
+    }
+
+    Repertoire* const repertoire_;
+    QString text_;
 };
-
-/** The declaration by which the XML library finds that encoding. */
-QString declarationOfEveryCharacter() {
-    // It registers itself and then belongs to the library.
-    static const EveryCharacter* const codec = new EveryCharacter;
-    return QStringLiteral("encoding='") + QString::fromLatin1(codec->name()) + QLatin1Char('\'');
-}
-
-/**
- * The text of a whole document, as characters.
- *
- * The XML library replaces what the declared encoding lacks by references, but halves a character beyond the basic
- * plane, into what no reader accepts. So it is made to believe in an encoding that lacks nothing.
- */
-QString characters(const QDomDocument& document) {
-    QDomNode declaration = declarationOf(document);
-    const QString value = declaration.nodeValue();
-    declaration.setNodeValue(declarationOfEveryCharacter());
-    QString text;
-    QTextStream stream(&text);
-    document.save(stream, 1);
-    stream.flush();
-    if (!declaration.isNull()) {
-        declaration.setNodeValue(value);
-        text.replace(0, text.indexOf(QLatin1Char('\n')), QStringLiteral("<?xml ") + value + QStringLiteral("?>"));
-    }
-    return text;
-}
-
-/** For each processing instruction of a tree, in document order: whether text follows it directly. */
-void findInstructionsBeforeText(const QDomNode& parent, std::vector<bool>& found) {
-    for (QDomNode node = parent.firstChild(); !node.isNull(); node = node.nextSibling()) {
-        if (node.isProcessingInstruction()) {
-            found.push_back(node.nextSibling().isText());
-        }
-        findInstructionsBeforeText(node, found);
-    }
-}
-
-/** Takes away the line break that the XML library puts between a processing instruction and the text behind it. */
-QString joinTextToInstructions(const QString& text, const std::vector<bool>& beforeText) {
-    static const QRegularExpression pattern(QStringLiteral("<!--.*?-->|<!\\[CDATA\\[.*?\\]\\]>|<\\?.*?\\?>"),
-                                            QRegularExpression::DotMatchesEverythingOption);
-    QString joined;
-    int copied = 0;
-    std::size_t instruction = 0;
-    for (auto matches = pattern.globalMatch(text); matches.hasNext();) {
-        const QRegularExpressionMatch match = matches.next();
-        if (match.capturedRef().startsWith(QLatin1String("<?")) && beforeText.at(instruction++)) {
-            joined += text.midRef(copied, match.capturedEnd() - copied);
-            copied = match.capturedEnd() + 1;
-        }
-    }
-    return joined + text.midRef(copied);
-}
-
-/** The bytes of a text in an encoding, with references for the characters that the encoding lacks. */
-QByteArray encode(const QString& text, const QTextCodec& codec) {
-    if (codec.canEncode(text)) {
-        return codec.fromUnicode(text);
-    }
-    QString escaped;
-    for (const uint codePoint : text.toUcs4()) {
-        const QString character = QString::fromUcs4(&codePoint, 1);
-        escaped += codec.canEncode(character) ? character : QStringLiteral("&#x%1;").arg(codePoint, 0, 16);
-    }
-    return codec.fromUnicode(escaped);
-}
 
 } // namespace
 
-QByteArray serialiseXml(const QDomDocument& document) {
-    QString text = characters(document);
-    std::vector<bool> beforeText;
-    findInstructionsBeforeText(document, beforeText);
-    if (std::find(beforeText.begin(), beforeText.end(), true) != beforeText.end()) {
-        text = joinTextToInstructions(text, beforeText);
+void checkOutputSize(qint64 bytes) {
+    if (bytes > kMaxFileSize) {
+        throw std::runtime_error("The output would be larger than 256 MiB");
     }
-    return encode(text, declaredCodec(declarationOf(document)));
+}
+
+QByteArray serialiseXml(const QDomDocument& document) {
+    const QTextCodec* const declared = declaredEncoding(declarationOf(document).nodeValue());
+    if (declared != nullptr && !isUtf8(*declared)) {
+        Repertoire repertoire(*declared);
+        const QString text = Writer(&repertoire).write(document);
+        const QByteArray bytes = declared->fromUnicode(text);
+        if (declared->toUnicode(bytes) == text) {
+            checkOutputSize(bytes.size());
+            return bytes;
+        }
+    }
+    const QByteArray bytes = Writer(nullptr).write(document).toUtf8();
+    checkOutputSize(bytes.size());
+    return bytes;
 }
 
 } // namespace pos

@@ -11,8 +11,21 @@
 namespace pos {
 
 /**
- * The document's text in the encoding that its XML declaration names (UTF-8 without one), indented by one space a
- * level. Characters that the encoding lacks become character references.
+ * Refuses a document that could not be read again.
+ *
+ * @param bytes how large it is at the least
+ * @throw std::runtime_error "The output would be larger than 256 MiB"
+ */
+void checkOutputSize(qint64 bytes);
+
+/**
+ * The text of a document, indented by one space a level, in the encoding that its XML declaration names (UTF-8 without
+ * one).
+ *
+ * What parseXml makes of it is the same tree. Characters that the encoding lacks become character references; where
+ * that cannot be, as in names, comments, CDATA sections and instructions, all is written in UTF-8 and declared so.
+ *
+ * @throw std::runtime_error as checkOutputSize, by the exact size
  */
 QByteArray serialiseXml(const QDomDocument& document);
 

@@ -3,6 +3,7 @@
 #include "TargetWalk.h"
 #include "Version.h"
 #include "fileAccess.h"
+#include "xmlEncoding.h"
 #include "xmlKeywords.h"
 #include "xmlParse.h"
 
@@ -15,14 +16,11 @@ QDomDocument loadXmlFile(const std::string& filename) {
     if (!text) {
         throw std::runtime_error(filename + " could not be opened");
     }
-    const std::optional<QDomDocument> document = parseXml(*text);
-    if (!document) {
-        throw std::runtime_error(filename + " is not valid XML");
-    }
-    if (!datamver.empty() && document->documentElement().attribute(attr::datamver).toStdString() != datamver) {
+    const QDomDocument document = parseXml(decodeXml(*text, filename), filename).document;
+    if (!datamver.empty() && document.documentElement().attribute(attr::datamver).toStdString() != datamver) {
         throw std::runtime_error("Data model version mismatch");
     }
-    return *document;
+    return document;
 }
 
 QDomElement findElement(QDomElement element, const QString& name) {

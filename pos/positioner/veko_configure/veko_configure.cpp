@@ -15,13 +15,11 @@
 #include "VekoXML.h"
 #include "Version.h"
 #include "angles.h"
-#include "fileAccess.h"
 #include "numberText.h"
 #include "xmlKeywords.h"
 #include "xmlSerialise.h"
 #include "xmlStructure.h"
 
-#include <QTextStream>
 #include <iostream>
 #include <optional>
 #include <stdexcept>
@@ -69,15 +67,6 @@ ConfiguredField readField(const QDomElement& element) {
     return {element, targets, science, scienceFibre(science)};
 }
 
-/** How large a field's new targets are when they are written, bytes, at the least: copies of the science target. */
-qint64 sizeOfTargets(const Veko& veko, const ConfiguredField& field) {
-    QString text;
-    QTextStream stream(&text);
-    field.targets.science.save(stream, 1);
-    stream.flush();
-    return static_cast<qint64>(veko.fibres.size()) * text.size();
-}
-
 /** Points at a field. @param observation receives the field centre too; a null element for every field but the first */
 void pointAtField(Veko& veko, const ConfiguredField& field, const QDomElement& observation) {
     placeVeko(veko, field.science, field.fibre);
@@ -94,15 +83,12 @@ void pointAtField(Veko& veko, const ConfiguredField& field, const QDomElement& o
  * @param defaultEpoch Julian epoch of generated positions, years
  */
 void configureFields(Veko& veko, const QDomElement& root, QDomElement observation, double defaultEpoch) {
+    const qint64 newTargets = countNewTargets(veko);
     std::vector<ConfiguredField> fields;
-    qint64 size = 0;
     for (QDomElement element = findFieldElement(root, QDomElement()); !element.isNull();
          element = findFieldElement(root, element)) {
         fields.push_back(readField(element));
-        size += sizeOfTargets(veko, fields.back());
-        if (size > kMaxFileSize) {
-            throw std::runtime_error("The output would be larger than 256 MiB");
-        }
+        checkOutputSize(static_cast<qint64>(fields.size()) * newTargets * kMinTargetSize);
         pointAtField(veko, fields.back(), observation);
         observation.clear();
     }

@@ -1,0 +1,102 @@
+#include "xmlEncoding.h"
+
+#include "MalformedXml.h"
+
+#include <QRegularExpression>
+#include <QTextCodec>
+#include <stdexcept>
+
+namespace pos {
+
+namespace {
+
+const QRegularExpression& encodingPattern() {
+    static const QRegularExpression pattern(QStringLiteral("\\bencoding\\s*=\\s*[\"']([^\"']*)[\"']"));
+    return pattern;
+}
+
+/** The XML declaration at the beginning of a text, as far as ASCII tells; empty without one. */
+QString declarationAtBeginning(const QByteArray& text) {
+    static const QRegularExpression begin(QStringLiteral("^<\\?xml\\s"));
+    if (!begin.match(QString::fromLatin1(text.left(6))).hasMatch()) {
+        return {};
+    }
+    return QString::fromLatin1(text.left(text.indexOf("?>")));
+}
+
+const QTextCodec& requireKnown(const QTextCodec* encoding, const std::string& name) {
+    if (encoding == nullptr) {
+        throw std::runtime_error(name + " declares an encoding that is not known");
+    }
+    return *encoding;
+}
+
+/** The encoding that the bytes themselves tell: by a mark, or as UTF-16 by the NUL beside the first character. */
+const QTextCodec* encodingByBytes(const QByteArray& bytes) {
+    if (const QTextCodec* const marked = QTextCodec::codecForUtfText(bytes, nullptr)) {
+        return marked;
+    }
+    if (bytes.size() < 2 || (bytes.at(0) != '\0' && bytes.at(1) != '\0')) {
+        return nullptr;
+    }
+    return QTextCodec::codecForName(bytes.at(0) == '\0' ? "UTF-16BE" : "UTF-16LE");
+}
+
+QByteArray fromUnicode(const QTextCodec& encoding, const QString& text) {
+    QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
+    return encoding.fromUnicode(text.constData(), text.size(), &state);
+}
+
+/**
+ * Converts from any encoding. Some converters do not count what they replace, so a replacement character must be what
+ * the bytes mean.
+ *
+ * @throw MalformedXml for bytes that mean nothing
+ */
+QByteArray toUtf8(const QTextCodec& encoding, const QByteArray& bytes, const std::string& name) {
+    QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
+    QString text = encoding.toUnicode(bytes.constData(), bytes.size(), &state);
+    if (state.invalidChars != 0 || state.remainingChars != 0 || !text.isValidUtf16() ||
+        (text.contains(QChar::ReplacementCharacter) && fromUnicode(encoding, text) != bytes)) {
+        throw MalformedXml(name, 0);
+    }
+    if (text.startsWith(QChar::ByteOrderMark)) {
+        text.remove(0, 1);
+    }
+    return text.toUtf8();
+}
+
+} // namespace
+
+const QTextCodec* declaredEncoding(const QString& declaration) {
+    const QRegularExpressionMatch match = encodingPattern().match(declaration);
+    return QTextCodec::codecForName(match.hasMatch() ? match.captured(1).toLatin1() : QByteArrayLiteral("UTF-8"));
+}
+
+QString declaredAsUtf8(QString declaration) {
+    return declaration.replace(encodingPattern(), QStringLiteral("encoding='UTF-8'"));
+}
+
+bool isUtf8(const QTextCodec& encoding) {
+    constexpr int kRegisteredNumber = 106;
+    return encoding.mibEnum() == kRegisteredNumber;
+}
+
+QByteArray decodeXml(const QByteArray& bytes, const std::string& name) {
+    const QTextCodec* const told = encodingByBytes(bytes);
+    if (told == nullptr) {
+        const QTextCodec& declared = requireKnown(declaredEncoding(declarationAtBeginning(bytes)), name);
+        // A character that is cut off at the end shows only when something follows it.
+        return isUtf8(declared) ? bytes : toUtf8(declared, bytes + '\n', name);
+    }
+    const QByteArray text = isUtf8(*told) ? bytes.mid(3) : toUtf8(*told, bytes, name);
+    const QString declaration = declarationAtBeginning(text);
+    // "UTF-16" may be declared for either order of bytes.
+    if (declaration.contains(encodingPattern()) &&
+        !told->name().startsWith(requireKnown(declaredEncoding(declaration), name).name())) {
+        throw MalformedXml(name, 0);
+    }
+    return text;
+}
+
+} // namespace pos

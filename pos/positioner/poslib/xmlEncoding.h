@@ -1,0 +1,46 @@
+/**
+ * @file
+ * The encodings of documents.
+ */
+#ifndef POS_XMLENCODING_H
+#define POS_XMLENCODING_H
+
+#include <QByteArray>
+#include <QString>
+#include <string>
+
+class QTextCodec;
+
+namespace pos {
+
+/**
+ * The encoding that an XML declaration names.
+ *
+ * @param declaration the declaration, or what stands in it behind "xml"; empty for a document without one
+ * @return the encoding, UTF-8 where none is named; null where it is not known
+ */
+const QTextCodec* declaredEncoding(const QString& declaration);
+
+/** A declaration with the name of its encoding replaced by UTF-8. */
+QString declaredAsUtf8(QString declaration);
+
+/** Whether an encoding is UTF-8, under whatever name. */
+bool isUtf8(const QTextCodec& encoding);
+
+/**
+ * The text of a document in UTF-8, without a byte-order mark.
+ *
+ * The encoding is the one that a byte-order mark or the first NUL tells, else the declared one, else UTF-8, which is
+ * handed on unchecked: the parser knows its rules.
+ *
+ * @param bytes the whole document
+ * @param name of the file, for messages
+ * @throw MalformedXml name + " is not valid XML" for bytes that the encoding does not have, and for a declaration that
+ *     contradicts the bytes
+ * @throw std::runtime_error name + " declares an encoding that is not known"
+ */
+QByteArray decodeXml(const QByteArray& bytes, const std::string& name);
+
+} // namespace pos
+
+#endif

@@ -1,0 +1,60 @@
+"""Runs the program on each attack of 10 MB, and on part of each as a configuration.
+
+Usage: check_attacks.py PROGRAM. A run must end with status 1 and the message of the attack, leave the older output as it
+is, and never have had more than 256 MiB.
+"""
+
+import pathlib
+import subprocess
+import sys
+import tempfile
+
+from attacks import ATTACKS
+
+SIZE = 10_000_000
+MAX_MEMORY = 256  # MiB
+CONFIGURATION_SIZE = 200_000  # larger ones take the configuration's own parser longer
+
+
+def run(program, *arguments):
+    """Runs the program from a process of its own, as a child begins with its parent's memory. Returns its result and
+    the most memory that it had, MiB."""
+    script = ("import resource, subprocess, sys; status = subprocess.run(sys.argv[1:]).returncode;"
+              "print(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss); sys.exit(status & 127)")
+    result = subprocess.run([sys.executable, "-c", script, program, *arguments], capture_output=True, text=True)
+    return result.returncode, result.stderr, int(result.stdout) / 1024
+
+
+def expected(attack, name):
+    if attack.refusal.startswith("Configure"):
+        return attack.refusal + "\n"
+    return f"Error parsing field definition file: {name} {attack.refusal}\n"
+
+
+def check(program, folder):
+    problems = []
+    document, output = folder / "in.xml", folder / "out.xml"
+    output.write_text("old")
+    for attack in ATTACKS:
+        text = attack.text(SIZE)
+        if len(text) > 1.1 * SIZE:
+            problems.append(f"{attack.name}: {len(text)} bytes")
+        document.write_text(text)
+        status, message, memory = run(program, "-i", document, "-o", output)
+        is_node_limit = attack.refusal.startswith("elements") and message.endswith(attack.refusal + "\n")
+        if status != 1 or not (is_node_limit or message == expected(attack, document)) or memory > MAX_MEMORY:
+            problems.append(f"{attack.name}: {status}, {message[:200]!r}, {memory:.0f} MiB")
+        document.write_text(text[:CONFIGURATION_SIZE])
+        status, message, memory = run(program, "-c", document, "-i", "nothing.xml", "-o", output)
+        if status != 1 or not message or memory > MAX_MEMORY:
+            problems.append(f"{attack.name}, as a configuration: {status}, {message[:200]!r}, {memory:.0f} MiB")
+    if output.read_text() != "old":
+        problems.append("the older output has changed")
+    return problems
+
+
+if __name__ == "__main__":
+    with tempfile.TemporaryDirectory() as name:
+        complaints = check(sys.argv[1], pathlib.Path(name))
+    print("\n".join(complaints) or f"{len(ATTACKS)} attacks refused or read")
+    sys.exit(bool(complaints))
