@@ -34,22 +34,6 @@ template <typename T> const T& pick(FuzzedDataProvider& bytes, const std::vector
     return from[bytes.ConsumeIntegralInRange<std::size_t>(0, from.size() - 1)];
 }
 
-std::string chosenNumber(FuzzedDataProvider& bytes) {
-    switch (bytes.ConsumeIntegralInRange<int>(0, 4)) {
-    case 0:
-        return std::to_string(bytes.ConsumeIntegral<std::int16_t>());
-    case 1:
-        return std::to_string(bytes.ConsumeIntegral<std::int32_t>());
-    case 2: // the six decimals of the documents' angles
-        return QString::number(bytes.ConsumeIntegralInRange<int>(-400'000'000, 400'000'000) / 1e6, 'f', 6)
-            .toStdString();
-    case 3:
-        return QString::number(bytes.ConsumeIntegral<std::int16_t>() / 100.0, 'f', 2).toStdString();
-    default:
-        return QString::number(bytes.ConsumeFloatingPoint<double>(), 'g', 17).toStdString();
-    }
-}
-
 /** Replaces, inserts or removes one character. */
 void touch(FuzzedDataProvider& bytes, std::string& text) {
     const auto place = bytes.ConsumeIntegralInRange<std::size_t>(0, text.size());
@@ -173,6 +157,22 @@ std::string encoded(const Encoding& encoding, const std::string& text) {
 }
 
 } // namespace
+
+std::string chosenNumber(FuzzedDataProvider& bytes) {
+    switch (bytes.ConsumeIntegralInRange<int>(0, 4)) {
+    case 0:
+        return std::to_string(bytes.ConsumeIntegral<std::int16_t>());
+    case 1:
+        return std::to_string(bytes.ConsumeIntegral<std::int32_t>());
+    case 2: // the six decimals of the documents' angles
+        return QString::number(bytes.ConsumeIntegralInRange<int>(-400'000'000, 400'000'000) / 1e6, 'f', 6)
+            .toStdString();
+    case 3:
+        return QString::number(bytes.ConsumeIntegral<std::int16_t>() / 100.0, 'f', 2).toStdString();
+    default:
+        return QString::number(bytes.ConsumeFloatingPoint<double>(), 'g', 17).toStdString();
+    }
+}
 
 std::string chosenValue(FuzzedDataProvider& bytes) {
     switch (bytes.ConsumeIntegralInRange<int>(0, 3)) {

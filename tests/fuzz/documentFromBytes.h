@@ -8,6 +8,9 @@
 #include <string>
 #include <vector>
 
+/** The text of a number as a fuzzer's bytes choose it: small, large, of few decimals or of all. */
+std::string chosenNumber(FuzzedDataProvider& bytes);
+
 /** A value as a fuzzer's bytes choose it: an ordinary number, one of a list of bad values, or bytes of its own. */
 std::string chosenValue(FuzzedDataProvider& bytes);
 
