@@ -56,8 +56,8 @@ std::vector<SystemCall> callsIn(const std::string& trace) {
 
 /** Ways in which a call may fail, in the tracer's words. */
 std::vector<std::string> faultsOf(const std::string& call) {
-    static const Names kNeedSpace = {"write", "ftruncate", "fdatasync", "openat", "linkat", "rename"};
-    static const Names kMayWait = {"write", "ftruncate", "fdatasync", "openat", "read", "close"};
+    static const Names kNeedSpace = {"write", "ftruncate", "fdatasync", "fsync", "openat", "linkat", "rename"};
+    static const Names kMayWait = {"write", "ftruncate", "fdatasync", "fsync", "openat", "read", "close"};
     static const Names kNeedMemory = {"mmap", "munmap"};
     if (call == "brk") {
         // Gives no error but the old end of the heap; any that is below the wanted one is refused in the same way.
@@ -187,6 +187,7 @@ void expectTemporary(const Names& names) {
 TEST_P(EverySystemCall, MayFailWithoutLoss) {
     int written = 0;
     int refused = 0;
+    int uncertain = 0; // the new document is there, the folder not synchronised
     for (const SystemCall& call : phase_) {
         if (call.name == "exit_group") {
             continue; // cannot fail
@@ -197,6 +198,11 @@ TEST_P(EverySystemCall, MayFailWithoutLoss) {
             if (result.status == 0) {
                 ++written;
                 expectEnd(result, 0, "");
+                EXPECT_TRUE(readBytes(path("out.xml")) == expected_);
+            } else if (call.name == "fsync") {
+                ++uncertain;
+                expectEnd(result, 1, result.err);
+                EXPECT_THAT(result.err, MatchesRegex(notCertain("[^:]*", "[A-Z][^;\n]*")));
                 EXPECT_TRUE(readBytes(path("out.xml")) == expected_);
             } else {
                 ++refused;
@@ -213,7 +219,8 @@ TEST_P(EverySystemCall, MayFailWithoutLoss) {
     RecordProperty("calls", static_cast<int>(phase_.size()));
     RecordProperty("written", written);
     RecordProperty("refused", refused);
-    EXPECT_GE(written + refused, static_cast<int>(situation_.fewest) - 1);
+    RecordProperty("uncertain", uncertain);
+    EXPECT_GE(written + refused + uncertain, static_cast<int>(situation_.fewest) - 1);
     EXPECT_GT(refused, 0);
 }
 
@@ -250,22 +257,23 @@ TEST_P(EverySystemCall, MayBeTheLastWithoutLoss) {
 
 INSTANTIATE_TEST_SUITE_P(
     OfThePhase, EverySystemCall,
-    testing::Values(Situation{"NewOutput", "out.xml", "", 15, {"openat", "write", "ftruncate", "fdatasync", "close"}},
-                    Situation{"ReplacedOutput",
-                              "out.xml",
-                              "old",
-                              20,
-                              {"openat", "fchmod", "fchown", "write", "ftruncate", "fdatasync", "rename", "close"}},
-                    Situation{"DanglingLink", "link", "", 18, {"readlink", "openat", "write", "fdatasync", "close"}},
-                    Situation{"LinkedOutput", "link", "old", 23, {"readlink", "openat", "write", "rename", "close"}},
-                    Situation{"Descriptor",
-                              "/dev/fd/9",
-                              std::string(20'000, 'o'),
-                              12,
-                              {"openat", "read", "write", "ftruncate", "fdatasync", "close"}},
-                    Situation{"MountPoint",
-                              "out.xml",
-                              "old",
-                              30,
-                              {"openat", "read", "write", "ftruncate", "fdatasync", "rename", "unlink", "close"}}),
+    testing::Values(
+        Situation{"NewOutput", "out.xml", "", 15, {"openat", "write", "ftruncate", "fdatasync", "fsync", "close"}},
+        Situation{"ReplacedOutput",
+                  "out.xml",
+                  "old",
+                  20,
+                  {"openat", "fchmod", "fchown", "write", "ftruncate", "fdatasync", "rename", "fsync", "close"}},
+        Situation{"DanglingLink", "link", "", 18, {"readlink", "openat", "write", "fdatasync", "fsync", "close"}},
+        Situation{"LinkedOutput", "link", "old", 23, {"readlink", "openat", "write", "rename", "fsync", "close"}},
+        Situation{"Descriptor",
+                  "/dev/fd/9",
+                  std::string(20'000, 'o'),
+                  12,
+                  {"openat", "read", "write", "ftruncate", "fdatasync", "close"}},
+        Situation{"MountPoint",
+                  "out.xml",
+                  "old",
+                  30,
+                  {"openat", "read", "write", "ftruncate", "fdatasync", "rename", "unlink", "close"}}),
     [](const auto& situation) { return situation.param.name; });

@@ -146,6 +146,45 @@ TEST_F(InjectedFaults, FileWithoutANameIsNotNeeded) {
     EXPECT_EQ(outputs(), Names({"out.xml"}));
 }
 
+TEST_F(InjectedFaults, FolderThatIsNotSynchronisedLeavesTheNewFileAndIsTold) {
+    for (const std::string old : {"", "old"}) {
+        for (const auto& [error, reason] :
+             {std::pair("EIO", "Input/output error"), {"ENOSPC", "No space left on device"}}) {
+            if (!old.empty()) {
+                write("out.xml", old);
+            }
+            expectEnd(runWith(std::string("fsync:error=") + error), 1, notCertain("out.xml", reason));
+            EXPECT_EQ(readBytes(path("out.xml")), expected_) << error;
+            EXPECT_EQ(outputs(), Names({"out.xml"})) << error;
+            std::filesystem::remove(path("out.xml"));
+        }
+    }
+    // Made under its own name, because a temporary file cannot get it.
+    std::vector<std::string> faults = tracer("linkat:error=EPERM");
+    faults.insert(faults.end(), {"-e", "trace=linkat,fsync", "-e", "inject=fsync:error=EIO"});
+    expectEnd(runTraced("out.xml", faults), 1, notCertain("out.xml", "Input/output error"));
+    EXPECT_EQ(readBytes(path("out.xml")), expected_);
+}
+
+TEST_F(InjectedFaults, FolderThatCannotBeSynchronisedIsNoError) {
+    for (const std::string error : {"EINVAL", "EOPNOTSUPP", "EROFS"}) {
+        expectEnd(runWith("fsync:error=" + error), 0, "");
+        EXPECT_EQ(readBytes(path("out.xml")), expected_) << error;
+        std::filesystem::remove(path("out.xml"));
+    }
+}
+
+TEST_F(InjectedFaults, FolderThatCannotBeReadIsSynchronisedWithItsFileSystem) {
+    REQUIRE_PRIVILEGE(isRoot(), "root");
+    permit("out", 0333);
+    std::vector<std::string> faults = tracer("syncfs:error=EIO");
+    faults.insert(faults.end(), {"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"});
+    for (int time = 0; time < 2; ++time) {
+        expectEnd(runTraced("out.xml", faults), 1, notCertain("out.xml", "Input/output error"));
+        EXPECT_EQ(readBytes(path("out.xml")), expected_);
+    }
+}
+
 TEST_F(InjectedFaults, OwnerThatCannotBeKeptIsNoError) {
     write("out.xml", "old");
     permit("out/out.xml", 0640);

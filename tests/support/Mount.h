@@ -1,6 +1,8 @@
 #ifndef POS_TESTS_MOUNT_H
 #define POS_TESTS_MOUNT_H
 
+#include "Program.h"
+
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/mount.h>
@@ -15,6 +17,10 @@ public:
     /** Another file. */
     static Mount file(const std::string& name, const std::string& point) {
         return {point, ::mount(name.c_str(), point.c_str(), nullptr, MS_BIND, nullptr) == 0};
+    }
+    /** The file system in an image file, with these options ("commit=300"). */
+    static Mount image(const std::string& name, const std::string& folder, const std::string& options) {
+        return {folder, runCommand({"mount", "-o", "loop," + options, name, folder}).status == 0};
     }
     ~Mount() {
         if (mounted_) {

@@ -79,6 +79,12 @@ inline std::string notWritten(const std::string& name, const std::string& reason
     return "File write error: Unable to write output file " + name + ": " + reason + "\n";
 }
 
+/** Said where a new file is there and its folder could not be synchronised. */
+inline std::string notCertain(const std::string& name, const std::string& reason) {
+    return notWritten(name, reason + "; the new file stands under its name, but it is not certain that it survives a "
+                                     "power cut");
+}
+
 /** A command that lets no file of a program grow beyond so many KiB; the output has over 100. */
 inline std::vector<std::string> limitedTo(int kibibytes) {
     return {"bash", "-c", "ulimit -f " + std::to_string(kibibytes) + "; exec \"$0\" \"$@\""};

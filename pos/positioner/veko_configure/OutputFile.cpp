@@ -32,6 +32,8 @@ struct Place {
 class Descriptor {
 public:
     Descriptor(const char* name, int flags) : number_(::open(name, flags | O_CLOEXEC | O_NOCTTY, 0666)) {}
+    /** Another descriptor of an open file. */
+    explicit Descriptor(int file) : number_(::fcntl(file, F_DUPFD_CLOEXEC, 0)) {}
     ~Descriptor() {
         if (number_ >= 0) {
             // What was to be kept has been synchronised.
@@ -43,7 +45,7 @@ public:
     Descriptor(Descriptor&&) = delete;
     Descriptor& operator=(Descriptor&&) = delete;
 
-    /** Negative where the file could not be opened. */
+    /** Negative where there is none. */
     int number() const {
         return number_;
     }
@@ -97,6 +99,11 @@ Place findPlace(const std::string& name) {
     return place;
 }
 
+/** Whether an error says that a file system, a pipe or a device has no way of being synchronised. */
+bool cannotSynchronise(int error) {
+    return error == EINVAL || error == ENOTSUP || error == EROFS;
+}
+
 /**
  * Writes at the current offset of an open file, ends the file at a size and makes sure of all that.
  *
@@ -115,10 +122,31 @@ std::optional<std::string> writeAll(int file, const QByteArray& content, qint64 
     if (::ftruncate(file, size) != 0 && errno != EINVAL) {
         return std::strerror(errno);
     }
-    if (::fdatasync(file) != 0 && errno != EINVAL && errno != ENOTSUP && errno != EROFS) {
+    if (::fdatasync(file) != 0 && !cannotSynchronise(errno)) {
         return std::strerror(errno);
     }
     return std::nullopt;
+}
+
+/** A folder, to be synchronised; it opens only where it may be read too. */
+Descriptor openFolder(const fs::path& folder) {
+    return {folder.c_str(), O_RDONLY | O_DIRECTORY};
+}
+
+/**
+ * Makes sure of the name that a file has been given.
+ *
+ * @param name the name for the message
+ * @param folder the folder that holds the name; where it is not open, its whole file system is synchronised
+ * @param file the file, open
+ */
+void synchroniseFolder(const std::string& name, const Descriptor& folder, int file) {
+    const int result = folder.number() >= 0 ? ::fsync(folder.number()) : ::syncfs(file);
+    if (result != 0 && !cannotSynchronise(errno)) {
+        failToWrite(name,
+                    std::string(std::strerror(errno)) +
+                        "; the new file stands under its name, but it is not certain that it survives a power cut");
+    }
 }
 
 /** Gives a new file owner, group and mode of the one that it will replace. @return false without the mode */
@@ -146,10 +174,19 @@ bool replaceFile(const std::string& name, const Place& place, const QByteArray& 
     if (place.exists && !takeOver(file.handle(), place.status)) {
         return false;
     }
+    const Descriptor openedFolder = openFolder(folder);
+    const Descriptor written(file.handle()); // stays open when the file gets its name
+    if (written.number() < 0) {
+        return false;
+    }
     if (const auto reason = writeAll(file.handle(), content, content.size())) {
         failToWrite(name, *reason);
     }
-    return file.commit();
+    if (!file.commit()) {
+        return false;
+    }
+    synchroniseFolder(name, openedFolder, written.number());
+    return true;
 }
 
 /** Makes a file where replaceFile() cannot, such as one with the longest of names. */
@@ -162,6 +199,7 @@ void makeFile(const std::string& name, const Place& place, const QByteArray& con
         static_cast<void>(::unlink(place.path.c_str()) == 0);
         failToWrite(name, *reason);
     }
+    synchroniseFolder(name, openFolder(folderOf(place.path)), file.number());
 }
 
 /** Puts back what writeAll() has changed so far. @return whether the file has its old content again */

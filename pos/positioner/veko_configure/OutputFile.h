@@ -13,7 +13,8 @@ namespace pos {
 /**
  * Writes a file whole.
  *
- * A missing or regular file is made or replaced in one step once the content is on disk: symbolic links keep pointing
+ * A missing or regular file is made or replaced in one step once the content is on disk, and its folder is synchronised
+ * after that, so that a power cut does not undo it: symbolic links keep pointing
  * at the file that is replaced or made, other hard links keep the old content, mode and (where permitted) owner and
  * group are kept. Where that cannot be done, a regular file that can be written is overwritten in place, owner, group
  * and hard links and all: in a folder that takes no new files, another user's file in a sticky folder, a mount point.
@@ -27,7 +28,9 @@ namespace pos {
  *     never be opened: an empty one, one that is not UTF-8, and one that begins with ":" (an embedded resource)
  * @throw std::runtime_error "File write error: Unable to write output file " + name + ": " + reason. The older file is
  *     whole; where one was being overwritten in place and its old contents could not be put back, the message ends with
- *     "; its old contents could not be put back". Where there was no file, there is none
+ *     "; its old contents could not be put back". Where there was no file, there is none. Where only the folder could
+ *     not be synchronised, the new file is there, whole, and the message ends with "; the new file stands under its
+ *     name, but it is not certain that it survives a power cut"
  */
 void writeFile(const std::string& name, const QByteArray& content);
 
