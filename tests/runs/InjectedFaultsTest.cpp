@@ -1,3 +1,4 @@
+#include "extendedAttributes.h"
 #include "outputRun.h"
 #include "privilege.h"
 
@@ -115,6 +116,38 @@ TEST_F(InjectedFaults, FileThatCannotBeReplacedIsOverwritten) {
             EXPECT_EQ(modeOf(path("out.xml")), 0640U) << fault;
             EXPECT_EQ(outputs(), Names({"out.xml"})) << fault;
         }
+    }
+}
+
+TEST_F(InjectedFaults, FileWhoseAttributesCannotBeKeptIsOverwritten) {
+    write("out.xml", "old");
+    // Every file made later gets a list from the folder.
+    REQUIRE_PRIVILEGE(setAttribute(path("out.xml"), "user.a", "one") &&
+                          setAttribute(folder_.path("out"), kDefaultList, kNamedUser),
+                      "a file system with access control lists");
+    const ino_t inode = statusOf(path("out.xml")).st_ino;
+    for (const std::string fault : {"listxattr:error=EIO", "getxattr:error=EACCES", "flistxattr:error=EIO",
+                                    "fgetxattr:error=EIO", "fremovexattr:error=EPERM", "fsetxattr:error=ENOSPC"}) {
+        write("out.xml", "old");
+        expectEnd(runWith(fault), 0, "");
+        EXPECT_EQ(readBytes(path("out.xml")), expected_) << fault;
+        EXPECT_EQ(statusOf(path("out.xml")).st_ino, inode) << fault;
+        EXPECT_EQ(attribute(path("out.xml"), "user.a"), "one") << fault;
+        EXPECT_EQ(attribute(path("out.xml"), kAccessList), std::nullopt) << fault;
+        EXPECT_EQ(outputs(), Names({"out.xml"})) << fault;
+    }
+}
+
+TEST_F(InjectedFaults, FileSystemWithoutAttributesHasNoneToKeep) {
+    write("out.xml", "old");
+    for (const std::string error : {"EOPNOTSUPP", "ENOSYS"}) {
+        std::filesystem::create_hard_link(path("out.xml"), path("old.xml"));
+        std::vector<std::string> faults = tracer("listxattr:error=" + error);
+        faults.insert(faults.end(), {"-e", "trace=listxattr,flistxattr", "-e", "inject=flistxattr:error=" + error});
+        expectEnd(runTraced("out.xml", faults), 0, "");
+        EXPECT_EQ(readBytes(path("out.xml")), expected_) << error;
+        EXPECT_NE(statusOf(path("out.xml")).st_ino, statusOf(path("old.xml")).st_ino) << error;
+        std::filesystem::remove(path("old.xml"));
     }
 }
 

@@ -1,6 +1,7 @@
 #include "OutputFile.h"
 
 #include "fileAccess.h"
+#include "fileProperties.h"
 
 #include <QSaveFile>
 #include <cerrno>
@@ -149,16 +150,6 @@ void synchroniseFolder(const std::string& name, const Descriptor& folder, int fi
     }
 }
 
-/** Gives a new file owner, group and mode of the one that it will replace. @return false without the mode */
-bool takeOver(int file, const struct stat& previous) {
-    if (::fchown(file, previous.st_uid, previous.st_gid) != 0) {
-        // Without the privilege the file goes to the user who runs the program, and stays in its group if it can.
-        static_cast<void>(::fchown(file, static_cast<uid_t>(-1), previous.st_gid) == 0);
-    }
-    // Only now, because a change of owner clears some of its bits.
-    return ::fchmod(file, previous.st_mode & ALLPERMS) == 0;
-}
-
 /** Makes or replaces a file in one step. @return false where that cannot be done; then nothing has changed */
 bool replaceFile(const std::string& name, const Place& place, const QByteArray& content) {
     std::error_code error;
@@ -171,7 +162,7 @@ bool replaceFile(const std::string& name, const Place& place, const QByteArray& 
     if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
         return false;
     }
-    if (place.exists && !takeOver(file.handle(), place.status)) {
+    if (place.exists && !takeOverProperties(file.handle(), place.path, place.status)) {
         return false;
     }
     const Descriptor openedFolder = openFolder(folder);

@@ -13,14 +13,14 @@ namespace pos {
 /**
  * Writes a file whole.
  *
- * A missing or regular file is made or replaced in one step once the content is on disk, and its folder is synchronised
- * after that, so that a power cut does not undo it: symbolic links keep pointing
- * at the file that is replaced or made, other hard links keep the old content, mode and (where permitted) owner and
- * group are kept. Where that cannot be done, a regular file that can be written is overwritten in place, owner, group
- * and hard links and all: in a folder that takes no new files, another user's file in a sticky folder, a mount point.
- * Anything else, such as a device or a FIFO (which waits for its reader), is opened and written as it is. So is a name
- * under /proc that stands for an open descriptor, such as /dev/stdout; a regular file behind it is overwritten in place
- * from its start.
+ * A missing or regular file is made or replaced in one step once the content is on disk, and then its folder is
+ * synchronised, so that a power cut does not undo it. Symbolic links keep pointing at the file that is replaced or
+ * made, other hard links keep the old content; mode, access control list, other extended attributes and (where
+ * permitted) owner and group are kept. Where that cannot be done, a regular file that can be written is overwritten in
+ * place, owner, group and hard links and all: in a folder that takes no new files, another user's file in a sticky
+ * folder, a mount point, one with attributes that cannot be given to a new file. Anything else, such as a device or a
+ * FIFO (which waits for its reader), is opened and written as it is. So is a name under /proc that stands for an open
+ * descriptor, such as /dev/stdout; a regular file behind it is overwritten in place from its start.
  *
  * @param name file name, bytes as given
  * @param content the whole content
