@@ -57,7 +57,7 @@ std::vector<SystemCall> callsIn(const std::string& trace) {
 /** Ways in which a call may fail, in the tracer's words. */
 std::vector<std::string> faultsOf(const std::string& call) {
     static const Names kNeedSpace = {"write", "ftruncate", "fdatasync", "fsync", "openat", "linkat", "rename"};
-    static const Names kMayWait = {"write", "ftruncate", "fdatasync", "fsync", "openat", "read", "close"};
+    static const Names kMayWait = {"write", "ftruncate", "fdatasync", "fsync", "openat", "read", "flock", "close"};
     static const Names kNeedMemory = {"mmap", "munmap"};
     if (call == "brk") {
         // Gives no error but the old end of the heap; any that is below the wanted one is refused in the same way.

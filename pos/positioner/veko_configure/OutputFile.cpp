@@ -11,6 +11,7 @@
 #include <linux/magic.h>
 #include <optional>
 #include <stdexcept>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/vfs.h>
 #include <unistd.h>
@@ -202,16 +203,26 @@ bool putBack(int file, const QByteArray& oldContent) {
     return overwritten >= 0 && ::lseek(file, 0, SEEK_SET) == 0 && !writeAll(file, lost, oldContent.size());
 }
 
+/** Waits until no other run is writing into an open file and keeps them all waiting until it is closed. */
+void lock(int file, const std::string& name) {
+    while (::flock(file, LOCK_EX) != 0) {
+        if (errno != EINTR) {
+            failToWrite(name, std::strerror(errno));
+        }
+    }
+}
+
 /**
- * Overwrites a regular file in place. It is cut only after the last byte is written, so that on a full disk, or beyond
- * the limit of file sizes, putting back the old content needs no space.
+ * Overwrites a regular file in place, one run after the other. It is cut only after the last byte is written, so that
+ * on a full disk, or beyond the limit of file sizes, putting back the old content needs no space.
  */
 void overwriteFile(const std::string& name, const QByteArray& content) {
-    const std::optional<QByteArray> oldContent = readFile(name);
     const Descriptor file(name.c_str(), O_WRONLY);
     if (file.number() < 0) {
         failToOpen();
     }
+    lock(file.number(), name);
+    const std::optional<QByteArray> oldContent = readFile(name);
     if (const auto reason = writeAll(file.number(), content, content.size())) {
         const bool whole = oldContent && putBack(file.number(), *oldContent);
         failToWrite(name, *reason + (whole ? "" : "; its old contents could not be put back"));

@@ -22,6 +22,9 @@ namespace pos {
  * FIFO (which waits for its reader), is opened and written as it is. So is a name under /proc that stands for an open
  * descriptor, such as /dev/stdout; a regular file behind it is overwritten in place from its start.
  *
+ * A regular file that is overwritten in place is locked meanwhile (flock), so that writers wait for each other, and for
+ * whoever else holds that lock.
+ *
  * @param name file name, bytes as given
  * @param content the whole content
  * @throw std::runtime_error "File open error: Unable to open output file"; an older file is untouched. Names that can
