@@ -107,6 +107,8 @@ def cases():
     yield "endless input", ["-i", "/dev/zero", "-o", "out.xml"], {}
     yield "missing folder", ["-i", "in.xml", "-o", "missing/out.xml"], {}
     yield "full device", ["-i", "in.xml", "-o", "/dev/full"], {}
+    for name in ("configure.xml", "map.xml", "bundle.xml"):
+        yield f"output over {name}", ["-i", "in.xml", "-c", "configure.xml", "-o", name], {}
     for arguments in ARGUMENTS:
         yield f"arguments {arguments}", files + arguments, {}
     groups = [("in.xml", FIELD, FIELD_CHANGES), ("in.xml", MASKED, MASK_CHANGES),

@@ -80,6 +80,7 @@ PosConfig::PosConfig(const char* filename, format fileFormat) {
     } else if (fileFormat == XML) {
         takeRoot(readXml(*content, name));
     }
+    name_ = name;
     directory_ = boost::filesystem::path(name).parent_path().string();
 }
 

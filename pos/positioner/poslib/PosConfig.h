@@ -77,10 +77,16 @@ public:
      */
     std::string getFilename(const std::string& key) const;
 
+    /** The name of the configuration file, as it was given. */
+    const std::string& name() const {
+        return name_;
+    }
+
 private:
     void takeRoot(const boost::property_tree::ptree& document);
 
     boost::property_tree::ptree tree_;
+    std::string name_;
     std::string directory_; ///< parent path of the configuration file's name as given
 };
 

@@ -20,6 +20,8 @@
 #include "xmlSerialise.h"
 #include "xmlStructure.h"
 
+#include <QTextStream>
+#include <filesystem>
 #include <iostream>
 #include <optional>
 #include <stdexcept>
@@ -98,6 +100,21 @@ void configureFields(Veko& veko, const QDomElement& root, QDomElement observatio
     }
 }
 
+/** @param file a file of the configuration, or an embedded resource, which no output can be */
+void refuseIfSame(const std::string& output, const std::string& file, const std::string& what) {
+    std::error_code notThere;
+    if (!file.starts_with(":") && std::filesystem::equivalent(output, file, notThere)) {
+        throw std::runtime_error("The output file " + output + " is the " + what + " in use");
+    }
+}
+
+/** Refuses an output that would take the place of what every run needs. */
+void checkOutput(const PosConfig& config, const std::string& output) {
+    refuseIfSame(output, config.name(), "configuration file");
+    refuseIfSame(output, config.getFilename("telescope.focal_plane_map"), "focal-plane map");
+    refuseIfSame(output, config.getFilename("veko_definition"), "bundle definition");
+}
+
 /** Writes the document. @return the exit status; where it is 1, the error stream has said why */
 int saveDocument(const std::string& output, const QDomDocument& document) {
     try {
@@ -155,5 +172,6 @@ int veko_configure(const PosConfig& config, const std::string& input, const std:
     saveHourAngleLimits(limits.hourAngleLimits(), document, configure);
     saveFocalPlaneXML(focalPlane, document, configure);
     configureFields(*veko, root, observation, defaultEpoch);
+    checkOutput(config, output);
     return saveDocument(output, document);
 }

@@ -31,6 +31,8 @@ class PosConfig;
  *     tree apart because the process ends; null to have that done
  * @return 0 when the output is on disk, whole. 1, with a message on the error stream, when the input cannot be read, no
  *     epoch is given, the document's hour angle is not a number, or the output cannot be opened or written
+ * @throw std::runtime_error "The output file " + output + " is the configuration file in use", or the "focal-plane map"
+ *     or the "bundle definition", by whatever name
  * @throw std::exception "Configure element not found", "field is below the horizon limit", "field position angle is
  *     outside the rotator limits", and whatever reading the document, the configuration and the bundle throws
  */
