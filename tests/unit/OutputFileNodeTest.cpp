@@ -7,6 +7,8 @@
 #include <fcntl.h>
 #include <future>
 #include <gtest/gtest.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
@@ -65,6 +67,35 @@ bool makeMemoryDevice(const std::string& name, unsigned int minor) {
     ::close(file);
     return file >= 0;
 }
+
+/** Makes a folder append-only until the object goes: what is in it keeps its name. */
+class AppendOnly {
+public:
+    explicit AppendOnly(const std::string& folder) : folder_(folder, O_RDONLY | O_DIRECTORY) {
+        made_ = ::ioctl(folder_.number(), FS_IOC_GETFLAGS, &before_) == 0 && set(before_ | FS_APPEND_FL);
+    }
+    ~AppendOnly() {
+        EXPECT_TRUE(!made_ || set(before_));
+    }
+    AppendOnly(const AppendOnly&) = delete;
+    AppendOnly& operator=(const AppendOnly&) = delete;
+    AppendOnly(AppendOnly&&) = delete;
+    AppendOnly& operator=(AppendOnly&&) = delete;
+
+    /** Whether that is permitted, and the file system knows such folders. */
+    bool made() const {
+        return made_;
+    }
+
+private:
+    bool set(unsigned int flags) const {
+        return ::ioctl(folder_.number(), FS_IOC_SETFLAGS, &flags) == 0;
+    }
+
+    OpenFile folder_;
+    unsigned int before_ = 0;
+    bool made_ = false;
+};
 
 constexpr unsigned int kNull = 3;
 constexpr unsigned int kFull = 7;
@@ -242,4 +273,34 @@ TEST(OutputFileNode, MountPointIsOverwrittenInPlace) {
     EXPECT_TRUE(readBytes(file) == kContent.toStdString());
     EXPECT_EQ(readBytes(point), "below the mount");
     EXPECT_EQ(entriesOf(folder.name()), Names({"file.xml", "point.xml"}));
+}
+
+TEST(OutputFileNode, AppendOnlyFolderTakesANewFileAndLetsTheOlderOneBeOverwritten) {
+    const TemporaryFolder folder;
+    const std::string old = folder.write("old.xml", std::string(500'000, 'o'));
+    const ino_t inode = statusOf(old).st_ino;
+    const AppendOnly appendOnly(folder.name());
+    REQUIRE_PRIVILEGE(appendOnly.made(), "the right to make a folder append-only");
+    writeFile(old, kContent);
+    writeFile(folder.path("new.xml"), kContent);
+    EXPECT_TRUE(readBytes(old) == kContent.toStdString());
+    EXPECT_TRUE(folder.read("new.xml") == kContent.toStdString());
+    EXPECT_EQ(statusOf(old).st_ino, inode);
+    EXPECT_EQ(entriesOf(folder.name()), Names({"new.xml", "old.xml"}));
+}
+
+TEST(OutputFileNode, AppendOnlyFolderKeepsTheOlderContentAndTakesNoUnfinishedFile) {
+    const TemporaryFolder folder;
+    const std::string old = folder.write("old.xml", "old");
+    const AppendOnly appendOnly(folder.name());
+    REQUIRE_PRIVILEGE(appendOnly.made(), "the right to make a folder append-only");
+    for (const std::string& name : {old, folder.path("new.xml")}) {
+        EXPECT_EQ(messageOf([&] {
+                      const FileSizeLimit limit(1000);
+                      writeFile(name, kContent);
+                  }),
+                  "File write error: Unable to write output file " + name + ": File too large");
+    }
+    EXPECT_EQ(readBytes(old), "old");
+    EXPECT_EQ(entriesOf(folder.name()), Names({"old.xml"}));
 }

@@ -151,12 +151,19 @@ void synchroniseFolder(const std::string& name, const Descriptor& folder, int fi
     }
 }
 
+/** Whether files in a folder keep their names: a temporary one made there could be neither renamed nor removed. */
+bool isAppendOnly(const fs::path& folder) {
+    struct statx status {};
+    return ::statx(AT_FDCWD, folder.c_str(), 0, STATX_TYPE, &status) == 0 &&
+           (status.stx_attributes & STATX_ATTR_APPEND) != 0;
+}
+
 /** Makes or replaces a file in one step. @return false where that cannot be done; then nothing has changed */
 bool replaceFile(const std::string& name, const Place& place, const QByteArray& content) {
     std::error_code error;
     const fs::path folder = fs::canonical(folderOf(place.path), error);
     const std::optional<QString> fileName = fileNameFromBytes(folder / place.path.filename());
-    if (error || !fileName) {
+    if (error || !fileName || (place.exists && isAppendOnly(folder))) {
         return false;
     }
     QSaveFile file(*fileName);

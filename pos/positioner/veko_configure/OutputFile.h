@@ -17,10 +17,10 @@ namespace pos {
  * synchronised, so that a power cut does not undo it. Symbolic links keep pointing at the file that is replaced or
  * made, other hard links keep the old content; mode, access control list, other extended attributes and (where
  * permitted) owner and group are kept. Where that cannot be done, a regular file that can be written is overwritten in
- * place, owner, group and hard links and all: in a folder that takes no new files, another user's file in a sticky
- * folder, a mount point, one with attributes that cannot be given to a new file. Anything else, such as a device or a
- * FIFO (which waits for its reader), is opened and written as it is. So is a name under /proc that stands for an open
- * descriptor, such as /dev/stdout; a regular file behind it is overwritten in place from its start.
+ * place, owner, group and hard links and all: in a folder that takes no new files or is append-only, another user's
+ * file in a sticky folder, a mount point, one with attributes that cannot be given to a new file. Anything else, such
+ * as a device or a FIFO (which waits for its reader), is opened and written as it is. So is a name under /proc that
+ * stands for an open descriptor, such as /dev/stdout; a regular file behind it is overwritten in place from its start.
  *
  * A regular file that is overwritten in place is locked meanwhile (flock), so that writers wait for each other, and for
  * whoever else holds that lock.
