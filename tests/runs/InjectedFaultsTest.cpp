@@ -209,6 +209,7 @@ TEST_F(InjectedFaults, FolderThatCannotBeSynchronisedIsNoError) {
 
 TEST_F(InjectedFaults, FolderThatCannotBeReadIsSynchronisedWithItsFileSystem) {
     REQUIRE_PRIVILEGE(isRoot(), "root");
+    prepareForOtherUsers();
     permit("out", 0333);
     std::vector<std::string> faults = tracer("syncfs:error=EIO");
     faults.insert(faults.end(), {"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"});

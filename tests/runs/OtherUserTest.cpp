@@ -14,10 +14,7 @@ constexpr uid_t kThirdUser = 1;
 class OtherUser : public OutputRun {
 protected:
     void SetUp() override {
-        // The coverage counters of an instrumented program go where every user can write.
-        std::filesystem::create_directory(folder_.path("coverage"));
-        permit("coverage", 0777);
-        environment_ = {"GCOV_PREFIX=" + folder_.path("coverage")};
+        prepareForOtherUsers();
         REQUIRE_PRIVILEGE(isRoot() && runAsOtherUser({"true"}).status == 0, "the right to become another user");
     }
 

@@ -46,6 +46,13 @@ protected:
         return entriesOf(folder_.path("out"));
     }
 
+    /** Lets the coverage counters of an instrumented program go where every user can write. */
+    void prepareForOtherUsers() {
+        std::filesystem::create_directory(folder_.path("coverage"));
+        permit("coverage", 0777);
+        environment_.push_back("GCOV_PREFIX=" + folder_.path("coverage"));
+    }
+
     /** A run with this output name, in the folder of the output, behind a command that ends in running the program. */
     ProgramResult run(const std::string& output, std::vector<std::string> wrapper = {},
                       const std::string& redirection = "") const {
