@@ -20,7 +20,6 @@
 #include "xmlSerialise.h"
 #include "xmlStructure.h"
 
-#include <QTextStream>
 #include <filesystem>
 #include <iostream>
 #include <optional>
