@@ -204,6 +204,16 @@ TEST_F(ProgramCommandLine, SyntaxErrorsEndTheProgramBeforeTheRun) {
     }
 }
 
+TEST_F(ProgramCommandLine, AnOutputNamedLikeAPlaceholderOfTheParserDoesNotHideWhatIsWrong) {
+    const std::string output = "out%value%.xml";
+    expectFailure({"-i", "in.xml", "-o", output, "--bogus"}, "unrecognised option '--bogus'\n");
+    EXPECT_FALSE(folder_.contains(output));
+    expectFailure({"-i", "in.xml", "-o", output, "--epoch", "%value%"}, "the argument '%value%' is not valid\n");
+    EXPECT_FALSE(folder_.contains(output));
+    EXPECT_EQ(run({"-i", "in.xml", "-o", output}).status, 0);
+    EXPECT_TRUE(folder_.contains(output));
+}
+
 TEST_F(ProgramCommandLine, WhatTheRunThrowsIsPrinted) {
     folder_.write("bare.xml", "<configuration datamver='8.00'><observation/></configuration>");
     expectFailure({"-i", "bare.xml", "-o", "out.xml"}, "Configure element not found\n");

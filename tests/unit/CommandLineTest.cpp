@@ -162,6 +162,19 @@ TEST(CommandLine, ArgumentThatHoldsAPlaceholderOfTheParsersMessagesIsRefusedToo)
     EXPECT_EQ(refusalOf({"--x%other%"}), "unrecognised option '--x%other%'");
 }
 
+TEST(CommandLine, APlaceholderInAnotherArgumentThanTheWrongOneIsNotBlamed) {
+    EXPECT_EQ(refusalOf({"--bogus", "-o", "out%value%.xml"}), "unrecognised option '--bogus'");
+    EXPECT_EQ(refusalOf({"-o", "%original_token%", "--bogus"}), "unrecognised option '--bogus'");
+    EXPECT_EQ(refusalOf({"-o%option%", "--epoch", "soon"}), "the argument ('soon') for option '--epoch' is invalid");
+    EXPECT_EQ(refusalOf({"-o", "%canonical_option%", "--ha"}), "the required argument for option '--ha' is missing");
+    EXPECT_EQ(refusalOf({"-o", "a", "-o", "%prefix%"}), "option '--output' cannot be specified more than once");
+    // Of several that hold one it is the argument at fault, with what the user wrote of it.
+    EXPECT_EQ(refusalOf({"-o", "%value%", "--epoch=%value%"}), "the argument '--epoch=%value%' is not valid");
+    EXPECT_EQ(refusalOf({"-o", "%value%", "--epoch", "2%value%"}), "the argument '2%value%' is not valid");
+    EXPECT_EQ(refusalOf({"-o", "%value%", "--bogus%value%"}), "the argument '--bogus%value%' is not valid");
+    EXPECT_EQ(refusalOf({"-o", "%value%", "-hx%value%"}), "the argument '-hx%value%' is not valid");
+}
+
 TEST(CommandLine, RefusesUnknownOptions) {
     EXPECT_EQ(refusalOf({"--bogus"}), "unrecognised option '--bogus'");
     EXPECT_EQ(refusalOf({"-x"}), "unrecognised option '-x'");

@@ -11,7 +11,9 @@
 #include <boost/lexical_cast/try_lexical_convert.hpp>
 #include <cmath>
 #include <iostream>
+#include <map>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 namespace pos {
@@ -52,17 +54,23 @@ void refuseLeftOver(const po::parsed_options& parsed) {
     }
 }
 
+/** An error of the parser, seen for the texts that it puts into its message in the place of placeholders. */
+struct MessageTexts : po::error_with_option_name {
+    /** By the name of their placeholder: the argument as the user wrote it, the value in it or behind it. */
+    static const std::map<std::string, std::string>& of(const po::error_with_option_name& error) {
+        return error.*(&MessageTexts::m_substitutions);
+    }
+};
+
 /**
  * Throws an error of the parser on, whose message replaces placeholders such as "%value%" by what the user wrote. It
  * goes on to replace them there without end, so an argument that holds one gets a message of its own.
  */
-[[noreturn]] void rethrowParserError(int argc, const char* const* argv) {
-    for (int i = 1; i < argc; ++i) {
-        const std::string argument = argv[i];
-        for (const std::string placeholder :
-             {"%canonical_option%", "%option%", "%original_token%", "%prefix%", "%value%"}) {
-            if (argument.find(placeholder) != std::string::npos) {
-                throw po::error("the argument '" + argument + "' is not valid");
+[[noreturn]] void rethrowParserError(const po::error_with_option_name& error) {
+    for (const auto& [name, text] : MessageTexts::of(error)) {
+        for (const char* placeholder : {"%canonical_option%", "%option%", "%original_token%", "%prefix%", "%value%"}) {
+            if (text.find(placeholder) != std::string::npos) {
+                throw po::error("the argument '" + text + "' is not valid");
             }
         }
     }
@@ -76,8 +84,8 @@ po::variables_map parseOptions(int argc, const char* const* argv, const po::opti
         refuseLeftOver(parsed);
         po::store(parsed, values);
         po::notify(values);
-    } catch (const po::error_with_option_name&) {
-        rethrowParserError(argc, argv);
+    } catch (const po::error_with_option_name& error) {
+        rethrowParserError(error);
     }
     return values;
 }
