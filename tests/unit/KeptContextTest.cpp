@@ -3,6 +3,8 @@
 #include "TestPointing.h"
 #include "telescope.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <erfa.h>
 #include <limits>
@@ -35,6 +37,48 @@ protected:
 
     std::mt19937 random_{kSeed};
 };
+
+/** The library's own context for all conversions at once. @return its status, negative for a date that it refuses */
+int fullContext(const TelescopeSettings& telescope, const Conditions& now, eraASTROM& context) {
+    double utc1 = 0.0;
+    double utc2 = 0.0;
+    if (eraTaiutc(2400000.5, now.epoch, &utc1, &utc2) < 0) {
+        return -1;
+    }
+    double equationOfOrigins = 0.0;
+    return eraApco13(utc1, utc2, 0.0, rad(telescope.eastLongitude), rad(telescope.latitude), telescope.height, 0.0, 0.0,
+                     now.pressure, now.temperature - 273.15, now.relativeHumidity, 0.6, &context, &equationOfOrigins);
+}
+
+/** Fails the test unless a pointing observes its centre, and sees the sky, through this context. */
+void expectSeenThrough(const FocalPlane& focalPlane, eraASTROM context, double horizonLimit) {
+    const CIRS place = libraryCirs(focalPlane.fieldCentre(), focalPlane.date());
+    ObservedPlace centre = libraryObserved(place, context);
+    if (centre.zenithDistance > kTestPi / 2 - horizonLimit) {
+        context.refa = 0.0;
+        context.refb = 0.0;
+        centre = libraryObserved(place, context);
+    }
+    EXPECT_EQ(focalPlane.zenithDistance(), centre.zenithDistance);
+    EXPECT_EQ(focalPlane.hourAngle(), centre.hourAngle);
+    EXPECT_EQ(focalPlane.tangentDec(), centre.dec);
+    const PlateCoordinates position(30.0, -80.0);
+    const auto standard = static_cast<StandardCoordinates>(FocalPlaneCoordinates(position));
+    double ra = 0.0;
+    double dec = 0.0;
+    eraTpsts(standard.xi, standard.eta, centre.ra, centre.dec, &ra, &dec);
+    CIRS expected{};
+    eraAtoiq("R", ra, dec, &context, &expected.ra, &expected.dec);
+    const CIRS back = focalPlane.xyToCirs(position);
+    EXPECT_EQ(back.ra, expected.ra);
+    EXPECT_EQ(back.dec, expected.dec);
+    const ObservedPlace seen = libraryObserved(expected, context);
+    double xi = 0.0;
+    double eta = 0.0;
+    ASSERT_EQ(eraTpxes(seen.ra, seen.dec, centre.ra, centre.dec, &xi, &eta), 0);
+    EXPECT_EQ(focalPlane.cirsToStd(expected).xi, xi);
+    EXPECT_EQ(focalPlane.cirsToStd(expected).eta, eta);
+}
 
 /** Fails the test unless two pointings agree in every bit of what they derive. */
 void expectSame(const FocalPlane& one, const FocalPlane& other) {
@@ -84,6 +128,46 @@ TEST_F(KeptContext, GivesTheBitsOfTheLibrarysOwnConversions) {
             EXPECT_EQ(back.dec, dec);
         }
     }
+}
+
+TEST_F(KeptContext, OfTheObserverGivesTheBitsOfTheLibrarysContextForAllConversions) {
+    int refused = 0;
+    int warned = 0;
+    int belowTheLimit = 0;
+    for (int site = 0; site < 16; ++site) {
+        TelescopeSettings telescope;
+        telescope.eastLongitude = site == 0 ? 180.0 : between(-180.0, 360.0);
+        telescope.latitude = site < 2 ? 90.0 - 180.0 * site : between(-90.0, 90.0);
+        telescope.height = between(-400.0, 9000.0);
+        const PosConfig config = telescopeConfig(telescope);
+        FocalPlane focalPlane(config, PlateName::VEKO, highField(), 0.0, ordinaryConditions());
+        for (int i = 0; i < 250; ++i) {
+            Conditions now = conditions();
+            // Ordinary ones, some centuries, all of history, the whole calendar and beyond both of its ends.
+            const double span = std::array{0.0, 1e5, 2.4e6, 1e9, 3e9}.at(static_cast<std::size_t>(i % 5));
+            now.epoch = span == 0.0 ? now.epoch : between(std::max(-span, -2.6e6), span);
+            if (i % 7 == 0) {
+                now = {now.epoch, between(-100.0, 500.0), between(-100.0, 12000.0), between(-1.0, 2.0)};
+            }
+            focalPlane.setConditions(now);
+            focalPlane.setFieldCentre(place(), 0.0);
+            eraASTROM context{};
+            const int status = fullContext(telescope, now, context);
+            SCOPED_TRACE(testing::Message() << "site " << site << ", row " << i << ", MJD " << now.epoch);
+            if (status < 0) {
+                ++refused;
+                EXPECT_TRUE(std::isnan(focalPlane.hourAngle()));
+                continue;
+            }
+            warned += status;
+            expectSeenThrough(focalPlane, context, rad(telescope.horizonLimit));
+            belowTheLimit += focalPlane.zenithDistance() > rad(90.0 - telescope.horizonLimit) ? 1 : 0;
+        }
+    }
+    // Each kind has had its share of the 4000.
+    EXPECT_GT(refused, 100);
+    EXPECT_GT(warned, 1000);
+    EXPECT_GT(belowTheLimit, 500);
 }
 
 TEST_F(KeptContext, IsNeverThatOfAnotherDateOrOtherWeather) {

@@ -154,7 +154,14 @@ void FocalPlane::updateContexts() {
     }
 }
 
-/** Fills the context of the observer. @return whether the library takes the date */
+/**
+ * Fills the context of the observer. Only eraAtioq and eraAtoiq see it. Of what eraApco13 fills in they read the turn
+ * of the Earth, the site and the refraction constants, which eraApio13 works out by the same formulae in the same
+ * order, to the bit, without the Earth's orbit and precession-nutation, on which eraApco13 spends nearly all of its
+ * time.
+ *
+ * @return whether the library takes the date
+ */
 bool FocalPlane::fillObserverContext() {
     double utc1 = kMjdZero;
     double utc2 = date_;
@@ -162,11 +169,12 @@ bool FocalPlane::fillObserverContext() {
     if (!std::isfinite(date_) || eraTaiutc(kMjdZero, date_, &utc1, &utc2) < 0) {
         return false;
     }
-    double equationOfOrigins = 0.0;
+    const int status = eraApio13(utc1, utc2, 0.0, eastLongitude_, latitude_, height_, 0.0, 0.0, pressure_,
+                                 temperature_ - kCelsiusZero, relativeHumidity_, kWavelength, &observerContext_);
+    // The one difference: eraApco13 counts the observer's own speed to that of the Earth and leaves this at 0.
+    observerContext_.diurab = 0.0;
     // A positive status only says that leap seconds are not known for the date.
-    return eraApco13(utc1, utc2, 0.0, eastLongitude_, latitude_, height_, 0.0, 0.0, pressure_,
-                     temperature_ - kCelsiusZero, relativeHumidity_, kWavelength, &observerContext_,
-                     &equationOfOrigins) >= 0;
+    return status >= 0;
 }
 
 /** Observes the field centre: the tangent point and where it stands in the sky. */
