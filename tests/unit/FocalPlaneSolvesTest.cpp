@@ -4,6 +4,7 @@
 #include "thrown.h"
 #include "tolerances.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
@@ -34,15 +35,28 @@ double wrapped(double angle) {
     return std::fabs(rest) > kTestPi ? rest - std::copysign(2 * kTestPi, angle) : rest;
 }
 
+/** A step of the hour-angle solve, by setting the date. */
+void stepOfHourAngle(FocalPlane& focalPlane, double h) {
+    focalPlane.setDate(focalPlane.date() - wrapped(focalPlane.hourAngle() - h) * 12 / kTestPi / 24 / 1.00273790934);
+}
+
 /** The hour-angle solve by setting dates one after the other. @return the number of steps */
 int stepToHourAngle(FocalPlane& focalPlane, double h) {
     int steps = 0;
     while (std::fabs(wrapped(focalPlane.hourAngle() - h)) > 7.27220521664304e-05) {
-        const double date = focalPlane.conditions().epoch;
-        focalPlane.setDate(date - wrapped(focalPlane.hourAngle() - h) * 12 / kTestPi / 24 / 1.00273790934);
+        stepOfHourAngle(focalPlane, h);
         ++steps;
     }
     return steps;
+}
+
+/** A pointing this near to the celestial pole, in degrees, seen from a latitude, also in degrees. */
+FocalPlane nearThePole(double distance, double latitude) {
+    TelescopeSettings telescope;
+    telescope.latitude = latitude;
+    const Conditions conditions{57389.0, 283.15, 770.0, 0.2};
+    const Astrometric centre = CIRS{1.0, rad(90.0 - distance)}.toAstrometric(conditions.epoch);
+    return {telescopeConfig(telescope), VEKO, centre, 0.0, conditions};
 }
 
 PlateCoordinates plateOf(const FocalPlane& focalPlane, CIRS place) {
@@ -149,14 +163,46 @@ TEST_F(FocalPlaneSolvesTest, TheHourAngleSolveKeepsTheWeather) {
 
 TEST_F(FocalPlaneSolvesTest, NearTheCelestialPoleTheSolveTakesThousandsOfStepsAndIsNotCutShort) {
     // Refraction moves the place by more than its distance from the pole: the solve creeps.
-    const Astrometric centre = CIRS{1.0, rad(90.0 - 0.01)}.toAstrometric(57389.0);
-    const FocalPlane start(telescopeConfig(), VEKO, centre, 0.0, {57389.0, 283.15, 770.0, 0.2});
+    const FocalPlane start = nearThePole(0.01, TelescopeSettings{}.latitude);
     FocalPlane stepped = start;
     EXPECT_GT(stepToHourAngle(stepped, 1.5), 5000);
     FocalPlane solved = start;
     solved.setHourAngle(1.5);
     EXPECT_EQ(solved.conditions().epoch, stepped.conditions().epoch);
     EXPECT_NEAR(solved.hourAngle(), 1.5, kSecondOfTime);
+}
+
+TEST_F(FocalPlaneSolvesTest, AnHourAngleThatTakesNearly50000StepsIsReached) {
+    // At the horizon limit of this site, where refraction comes and goes with the hour angle: 45,613 steps.
+    FocalPlane focalPlane = nearThePole(0.006, 5.0);
+    focalPlane.setHourAngle(-1.0);
+    EXPECT_NEAR(focalPlane.hourAngle(), -1.0, kSecondOfTime);
+}
+
+TEST_F(FocalPlaneSolvesTest, AnHourAngleThatIsNotReachedIn50000StepsIsGivenUp) {
+    // No date of these steps comes again.
+    FocalPlane focalPlane = nearThePole(0.006, 5.0);
+    const std::string message = messageOf([&] { focalPlane.setHourAngle(0.5); });
+    EXPECT_EQ(message, "Hour angle not converging at MJD " + twoDecimals(focalPlane.conditions().epoch));
+}
+
+TEST_F(FocalPlaneSolvesTest, ADateThatComesAgainEndsTheHourAngleSolve) {
+    const FocalPlane start = nearThePole(0.0001, TelescopeSettings{}.latitude);
+    for (const double h : {-2.0, -2.5}) {
+        FocalPlane stepped = start;
+        std::vector<double> dates;
+        do {
+            dates.push_back(stepped.date());
+            stepOfHourAngle(stepped, h);
+            ASSERT_LT(dates.size(), 50000U);
+        } while (std::find(dates.begin(), dates.end(), stepped.date()) == dates.end());
+        // Not the date before: several take turns.
+        EXPECT_NE(stepped.date(), dates.back());
+        FocalPlane solved = start;
+        EXPECT_EQ(messageOf([&] { solved.setHourAngle(h); }),
+                  "Hour angle not converging at MJD " + twoDecimals(dates.back()));
+        EXPECT_EQ(solved.date(), dates.back());
+    }
 }
 
 TEST_F(FocalPlaneSolvesTest, AJulianDateTypedAsTheEpochEndsWithAnError) {

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <limits>
 #include <stdexcept>
+#include <unordered_set>
 
 namespace pos {
 
@@ -24,7 +25,10 @@ constexpr double kCelsiusZero = 273.15;
 constexpr double kHourAngleTolerance = 7.27220521664304e-05;
 /** Sidereal days in a solar day. */
 constexpr double kSiderealRate = 1.00273790934;
-/** An ordinary field takes one or two steps, one within a fraction of a degree of the pole some 15,000. */
+/**
+ * An ordinary field takes one or two steps, one within a fraction of a degree of the pole some 15,000; where the pole
+ * stands at the horizon limit, and where the epoch is absurd, solves have ended well at any number of steps up to this.
+ */
 constexpr int kMaxHourAngleSteps = 50000;
 /** A target this near to its wanted place has arrived, mm². */
 constexpr double kPlacementTolerance = 1e-8;
@@ -95,12 +99,14 @@ void FocalPlane::setFieldCentre(Astrometric target, PlateCoordinates wanted) {
 }
 
 void FocalPlane::setHourAngle(double hourAngle) {
+    // A step depends on nothing but the date that it starts from: from one that comes again the steps go in a circle.
+    std::unordered_set<double> dates = {date_};
     double previousError = kNaN;
     double error = wrapAngle(hourAngle_ - hourAngle);
     for (int steps = 0; !dateAccepted_ || std::fabs(error) > kHourAngleTolerance; ++steps) {
         const double next = date_ - error * 12 / kPi / 24 / kSiderealRate;
         // An hour angle so large that rounding swallows the field's own leaves the same error at every step.
-        if (!dateAccepted_ || next == date_ || error == previousError || steps == kMaxHourAngleSteps) {
+        if (!dateAccepted_ || error == previousError || steps == kMaxHourAngleSteps || !dates.insert(next).second) {
             throw std::runtime_error("Hour angle not converging at MJD " + fixedText(date_, 2).toStdString());
         }
         setDate(next);

@@ -72,8 +72,8 @@ public:
      * Changes the date so that the field centre has an observed hour angle, to one second of time.
      *
      * @param hourAngle radians; NaN and the infinities leave the date as it is
-     * @throw std::runtime_error "Hour angle not converging at MJD …" after 50,000 steps, when a step no longer changes
-     *     the date, or when the astronomy library refuses the date
+     * @throw std::runtime_error "Hour angle not converging at MJD …" after 50,000 steps, when a step leads back to an
+     *     earlier date, or when the astronomy library refuses the date
      */
     void setHourAngle(double hourAngle);
 
