@@ -348,6 +348,27 @@ TEST_F(FocalPlaneSolvesTest, APlaceFarOffThePlateDoesNotConverge) {
     EXPECT_EQ(focalPlane.hourAngle(), seen.hourAngle);
 }
 
+TEST_F(FocalPlaneSolvesTest, ASolveThatComesNearerAtEachOfAMillionStepsIsGivenUp) {
+    // At 0.22359155 degrees from the pole the steps turn from ones that arrive into ones that do not: the nearer to
+    // that distance, the smaller the gain of each. The first target takes 650,000 steps, the second would take two
+    // million.
+    const PlateCoordinates wanted(-11.0, -22.0);
+    const auto target = [](double distance) {
+        return CIRS{1.0, rad(90.0 - distance)}.toAstrometric(kAirlessNight.epoch);
+    };
+    FocalPlane focalPlane(telescopeConfig(), VEKO, target(1.0), 0.0, kAirlessNight);
+    const Astrometric slow = target(0.2235926);
+    focalPlane.setFieldCentre(slow, wanted);
+    const PlateCoordinates landed = plateOf(focalPlane, slow.toCirs(kAirlessNight.epoch));
+    EXPECT_LE(std::sqrt(squaredDistance(landed, wanted)), kPlacementToleranceMm);
+
+    const Astrometric slower = target(0.2235918);
+    EXPECT_EQ(messageOf([&] { focalPlane.setFieldCentre(slower, wanted); }), kNotConverging);
+    // It has come within a millimetre, and would have gone on.
+    const PlateCoordinates last = plateOf(focalPlane, slower.toCirs(kAirlessNight.epoch));
+    EXPECT_LE(std::sqrt(squaredDistance(last, wanted)), 1.0);
+}
+
 TEST_F(FocalPlaneSolvesTest, AWantedPlaceThatIsNoNumberDoesNotConverge) {
     FocalPlane focalPlane = pointing({1.3, 0.1});
     for (const PlateCoordinates& wanted : {PlateCoordinates(kNaN, 0.0), PlateCoordinates(0.0, kNaN)}) {

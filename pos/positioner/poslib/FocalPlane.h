@@ -63,8 +63,8 @@ public:
      *
      * @param target a place at the present date
      * @param wanted plate position, mm
-     * @throw std::runtime_error "Field centre not converging" when a step does not bring the target nearer, or with
-     *     NaN; the model keeps the last trial centre. Also what cirsToStd and xyToCirs throw
+     * @throw std::runtime_error "Field centre not converging" when a step does not bring the target nearer, after a
+     *     million steps, or with NaN; the model keeps the last trial centre. Also what cirsToStd and xyToCirs throw
      */
     void setFieldCentre(Astrometric target, PlateCoordinates wanted);
 
