@@ -33,6 +33,7 @@ function end_release() {
         date = ""
         exit status = 1
     }
+    close(command) # or two releases of one day would have one answer between them
     print package " (" $2 ") unstable; urgency=medium\n"
 }
 /^- / {
