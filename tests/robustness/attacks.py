@@ -5,6 +5,7 @@ piece that it reads, or as often as entities say.
 """
 
 import itertools
+import pathlib
 from typing import Callable, NamedTuple
 
 
@@ -58,7 +59,7 @@ def tags(size: int, names: list[str]) -> str:
 
 
 # The hash of the standard library: MurmurHash64A, whose mixing has an inverse.
-MULTIPLIER, MASK, SEED = 0xC6A4A7935BD1E995, 2**64 - 1, 0xC70F6907
+MULTIPLIER, WORD, SEED = 0xC6A4A7935BD1E995, 2**64 - 1, 0xC70F6907
 INVERSE = pow(MULTIPLIER, -1, 2**64)
 
 
@@ -73,11 +74,11 @@ def colliding_values(size: int) -> str:
         if len(values) == 1000:
             return filled(size, "".join(values))
         begin = f"{first:08}".encode()
-        mixed = (shift_mix(int.from_bytes(begin, "little") * MULTIPLIER & MASK) * MULTIPLIER) & MASK
-        state = ((SEED ^ (16 * MULTIPLIER & MASK)) ^ mixed) * MULTIPLIER & MASK
+        mixed = (shift_mix(int.from_bytes(begin, "little") * MULTIPLIER & WORD) * MULTIPLIER) & WORD
+        state = ((SEED ^ (16 * MULTIPLIER & WORD)) ^ mixed) * MULTIPLIER & WORD
         # The second word that makes the state after both of them 0.
-        second = state * INVERSE & MASK
-        second = (shift_mix(second) * INVERSE) & MASK
+        second = state * INVERSE & WORD
+        second = (shift_mix(second) * INVERSE) & WORD
         end = second.to_bytes(8, "little")
         if all(0x20 <= byte < 0x7F and byte not in b"<&'" for byte in end):
             values.append(f"<a b='{begin.decode()}{end.decode()}'/>")
@@ -167,4 +168,28 @@ ATTACKS = [
     Attack("less-thans", MALFORMED, lambda n: "<" * n),
     Attack("ampersands", MALFORMED, lambda n: "<a>" + "&" * n),
     Attack("NULs", MALFORMED, lambda n: "\0" * n),
+]
+
+EXAMPLE = (pathlib.Path(__file__).resolve().parents[2] / "examples" / "sombrero_south.xml").read_text()
+CONFIGURED = ""  # no message at all
+
+
+def in_field(content: str) -> str:
+    """The example with more at the beginning of its field."""
+    begin = 'Dec_d="-11.623054">'
+    return EXAMPLE.replace(begin, begin + content, 1)
+
+
+TARGET = '<target targname="one of the rest" targuse="R" targra="190.123456" targdec="-11.654321"/>'
+MASK = '<mask RA_d="190.123456" Dec_d="-11.654321" name="a star that is bright"/>'
+
+GROWTHS = [
+    Attack("elements in a field", CONFIGURED,
+           lambda n: in_field(filled(n, "<a b='0123456789abcdefghijklmnopqrstuvwxyz'/>"))),
+    Attack("instructions before text", CONFIGURED, lambda n: in_field(filled(n, "<?x?>yyyyyyyyyyyyyyyyyyyyyyy"))),
+    Attack("targets", CONFIGURED, lambda n: in_field(filled(n, TARGET))),
+    Attack("groups of a target", CONFIGURED, lambda n: in_field(filled(n, f"<group>{TARGET}</group>"))),
+    Attack("masks", CONFIGURED, lambda n: in_field(f"<avoidance_list>{filled(n, MASK)}</avoidance_list>")),
+    Attack("observations that are none", CONFIGURED,
+           lambda n: in_field(filled(n, "<observation name='none of that name'><a/></observation>"))),
 ]

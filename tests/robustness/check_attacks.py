@@ -1,7 +1,7 @@
-"""Runs the program on each attack of 10 MB, and on part of each as a configuration.
+"""Runs the program on each attack of 10 MB, on part of each as a configuration, and on documents of 10 MB that it takes.
 
-Usage: check_attacks.py PROGRAM. A run must end with status 1 and the message of the attack, leave the older output as it
-is, and never have had more than 256 MiB.
+Usage: check_attacks.py PROGRAM. A run must end with the attack's message and status 1, or with none and status 0, and
+never have had more than 256 MiB; where it is refused, the older output stays as it is.
 """
 
 import pathlib
@@ -9,10 +9,11 @@ import subprocess
 import sys
 import tempfile
 
-from attacks import ATTACKS
+from attacks import ATTACKS, GROWTHS
 
 SIZE = 10_000_000
 MAX_MEMORY = 256  # MiB
+MAX_GROWTH_MEMORY = 512  # MiB; of what is written there are two texts beside the tree
 CONFIGURATION_SIZE = 200_000  # larger ones take the configuration's own parser longer
 
 
@@ -50,6 +51,11 @@ def check(program, folder):
             problems.append(f"{attack.name}, as a configuration: {status}, {message[:200]!r}, {memory:.0f} MiB")
     if output.read_text() != "old":
         problems.append("the older output has changed")
+    for growth in GROWTHS:
+        document.write_text(growth.text(SIZE))
+        status, message, memory = run(program, "-i", document, "-o", output)
+        if status != 0 or message or memory > MAX_GROWTH_MEMORY:
+            problems.append(f"{growth.name}: {status}, {message[:200]!r}, {memory:.0f} MiB")
     return problems
 
 
