@@ -89,7 +89,7 @@ QByteArray decodeXml(const QByteArray& bytes, const std::string& name) {
         // A character that is cut off at the end shows only when something follows it.
         return isUtf8(declared) ? bytes : toUtf8(declared, bytes + '\n', name);
     }
-    const QByteArray text = isUtf8(*told) ? bytes.mid(3) : toUtf8(*told, bytes, name);
+    QByteArray text = isUtf8(*told) ? bytes.mid(3) : toUtf8(*told, bytes, name);
     const QString declaration = declarationAtBeginning(text);
     // "UTF-16" may be declared for either order of bytes.
     if (declaration.contains(encodingPattern()) &&

@@ -229,13 +229,13 @@ QByteArray serialiseXml(const QDomDocument& document) {
     if (declared != nullptr && !isUtf8(*declared)) {
         Repertoire repertoire(*declared);
         const QString text = Writer(&repertoire).write(document);
-        const QByteArray bytes = declared->fromUnicode(text);
+        QByteArray bytes = declared->fromUnicode(text);
         if (declared->toUnicode(bytes) == text) {
             checkOutputSize(bytes.size());
             return bytes;
         }
     }
-    const QByteArray bytes = Writer(nullptr).write(document).toUtf8();
+    QByteArray bytes = Writer(nullptr).write(document).toUtf8();
     checkOutputSize(bytes.size());
     return bytes;
 }
