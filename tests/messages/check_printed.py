@@ -64,7 +64,7 @@ FIELD_CHANGES = [
     (SCIENCE, SCIENCE + ' automatic="x"'),
     (FIELD_RA, 'RA_d="x"'), (FIELD_DEC, 'Dec_d="x"'), (FIELD_RA, 'RA_d="189.9"'), (FIELD_DEC, 'Dec_d="-11.6"'),
     (FIELD_RA, 'RA_d="nan"'), (FIELD_DEC, 'Dec_d="nan"'), ('targra="190.120000"', 'targra="10.120000"'),
-    (SCIENCE, SCIENCE + ' targpmra="nan"'),
+    (SCIENCE, SCIENCE + ' targpmra="nan"'), (SCIENCE, SCIENCE + "".join(f" a{i}=''" for i in range(245))),
 ]
 MASK_CHANGES = [('RA_d="1.00000"', 'RA_d="x"'), ('Dec_d="1.00000"', 'Dec_d="x"'), ('RA_d="1.00000"', 'RA_d="1.0"'),
                 ('Dec_d="1.00000"', 'Dec_d="1.0"'), ('RA_d="1.00000"', 'RA_d="inf"'),
@@ -81,6 +81,7 @@ MAP_CHANGES = [('focal_length="11724.24"', ""), ('c3="3.0191"', 'c3="x"'), ('<PL
                ('version="1.0"', 'version="1.1"'), ("</focal_plane_map>", "<a>" * 300),
                ("<focal_plane_map", "<focal_plane_map" + "".join(f" a{i}=''" for i in range(260))),
                ("</focal_plane_map>", "<a/>" * 500_000 + "</focal_plane_map>"),
+               ("<focal_plane_map", "<!DOCTYPE a [" + "".join(f"<!ENTITY e{i} ''>" for i in range(260)) + "]><focal_plane_map"),
                ("<focal_plane_map", "<!DOCTYPE a [<!ELEMENT " + "a" * 70_000 + " ANY>]><focal_plane_map"),
                ("<focal_plane_map", f"<!DOCTYPE a [<!ENTITY e '{'x' * 50_000}'>]><focal_plane_map a='{'&e;' * 200}'")]
 BUNDLE_CHANGES = [

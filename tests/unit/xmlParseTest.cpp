@@ -338,15 +338,29 @@ TEST(XmlParse, DocumentMayGrowByItsEntitiesTo8MiBOrTwiceItsSize) {
     EXPECT_EQ(refusal(padded(1010)), kTooManyEntities);
 }
 
-TEST(XmlParse, LongChainsOfEntitiesDoNotOverflowTheStack) {
-    constexpr int kLength = 1500;
-    std::string text = "<!DOCTYPE a [<!ENTITY e0 'x'>";
-    for (int i = 1; i <= kLength; ++i) {
-        text += "<!ENTITY e" + std::to_string(i) + " '&e" + std::to_string(i - 1) + ";'>";
-    }
-    const std::string last = "&e" + std::to_string(kLength) + ";";
-    EXPECT_EQ(refusal(text + "]><a>" + last + "</a>"), "");
-    EXPECT_EQ(refusal(text + "]><a b='" + last + "'/>"), "");
+TEST(XmlParse, DocumentMayDeclare256EntitiesEachWithinAnother) {
+    const auto chain = [](int length) {
+        std::string text = "<!DOCTYPE a [<!ENTITY e0 'x'>";
+        for (int i = 1; i < length; ++i) {
+            text += "<!ENTITY e" + std::to_string(i) + " '&e" + std::to_string(i - 1) + ";'>";
+        }
+        const std::string last = "&e" + std::to_string(length - 1) + ";";
+        return text + "]><a b='" + last + "'>" + last + "</a>";
+    };
+    EXPECT_EQ(refusal(chain(256)), "");
+    EXPECT_EQ(refusal(chain(257)), "declares more than 256 entities");
+    EXPECT_EQ(refusal(chain(2'000)), "declares more than 256 entities");
+    EXPECT_EQ(refusal("<!DOCTYPE a [" + numbered(300, "<!ENTITY % p# ''>") + "]><a/>"),
+              "declares more than 256 entities");
+}
+
+TEST(XmlParse, ByteOrderMarksWithinTheDocumentAreText) {
+    const std::string mark = "\xef\xbb\xbf";
+    EXPECT_EQ(treeText(parsed("<a b='&#xfeff;x' c='" + mark + "'>" + mark + mark + "t<!--" + mark + "c--><![CDATA[" +
+                              mark + "d]]><?p " + mark + "i?></a>")
+                           .documentElement()),
+              "<a b='" + mark + "x' c='" + mark + "'>\n [3 #text] " + mark + mark + "t\n [8 #comment] " + mark +
+                  "c\n [4 #cdata-section] " + mark + "d\n [7 p] " + mark + "i\n");
 }
 
 TEST(XmlParse, EntitiesThatParameterEntitiesDeclareAreReplaced) {

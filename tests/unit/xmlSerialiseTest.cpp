@@ -270,6 +270,28 @@ TEST_F(XmlSerialise, MultiByteEncodingsAreKept) {
               "<?xml version='1.0' encoding='EUC-JP'?>\n<a>&#x1f600;</a>\n");
 }
 
+TEST_F(XmlSerialise, EncodingsThatChangeTheDeclarationItselfGiveWayToUtf8) {
+    for (const std::string encoding : {"HZ-GB-2312", "ISO-2022-KR", "Adobe-Standard-Encoding"}) {
+        const QDomDocument document = load(R"(<?xml version="1.0" encoding=")" + encoding + R"("?><a b="1"/>)");
+        EXPECT_EQ(saved(document), "<?xml version='1.0' encoding='UTF-8'?>\n<a b=\"1\"/>\n");
+    }
+}
+
+TEST_F(XmlSerialise, CarriageReturnsOfASectionSurvive) {
+    const QDomDocument document = load("<!DOCTYPE a [<!ENTITY e '<![CDATA[x&#13;<y]]>'>]><a>&e;</a>");
+    EXPECT_EQ(saved(document), "<!DOCTYPE a>\n<a>x&#xd;&lt;y</a>\n");
+}
+
+TEST_F(XmlSerialise, TagMayHave256AttributesAsWhenItIsRead) {
+    QDomDocument document = load("<a/>");
+    for (int i = 0; i < 256; ++i) {
+        document.documentElement().setAttribute(QStringLiteral("b%1").arg(i), "");
+    }
+    expectSurvives(saved(document));
+    document.documentElement().setAttribute("c", "");
+    EXPECT_EQ(messageOf([&] { saved(document); }), "The output would have more than 256 attributes in one tag");
+}
+
 TEST_F(XmlSerialise, OutputMayHave256MiB) {
     // All but the text: "<a></a>" and a line end.
     const auto withText = [](int size) {

@@ -86,8 +86,13 @@ QByteArray decodeXml(const QByteArray& bytes, const std::string& name) {
     const QTextCodec* const told = encodingByBytes(bytes);
     if (told == nullptr) {
         const QTextCodec& declared = requireKnown(declaredEncoding(declarationAtBeginning(bytes)), name);
+        if (isUtf8(declared)) {
+            return bytes;
+        }
         // A character that is cut off at the end shows only when something follows it.
-        return isUtf8(declared) ? bytes : toUtf8(declared, bytes + '\n', name);
+        QByteArray text = toUtf8(declared, bytes + '\n', name);
+        text.chop(1);
+        return text;
     }
     QByteArray text = isUtf8(*told) ? bytes.mid(3) : toUtf8(*told, bytes, name);
     const QString declaration = declarationAtBeginning(text);

@@ -18,8 +18,15 @@ namespace {
 using ParserOwner = std::unique_ptr<std::remove_pointer_t<XML_Parser>, decltype(&XML_ParserFree)>;
 
 /** A text that may be missing; then it is null. */
-QString decoded(const XML_Char* text) {
-    return QString::fromUtf8(text);
+QString decoded(const XML_Char* text, int length = -1) {
+    const QString unicode = QString::fromUtf8(text, length);
+    // The XML library takes such a character at the beginning for a mark, and drops it.
+    const bool isDropped = text != nullptr && std::strncmp(text, "\xef\xbb\xbf", 3) == 0;
+    return isDropped ? QChar(QChar::ByteOrderMark) + unicode : unicode;
+}
+
+QString decoded(const QByteArray& text) {
+    return decoded(text.constData(), text.size());
 }
 
 bool isBlank(const QByteArray& text) {
@@ -205,7 +212,7 @@ private:
     /** Appends the text that has come in pieces. */
     void appendText() {
         if (!isBlank(pendingText_)) {
-            appendNode(document_.createTextNode(QString::fromUtf8(pendingText_)));
+            appendNode(document_.createTextNode(decoded(pendingText_)));
         }
         pendingText_.clear();
     }
@@ -248,6 +255,9 @@ private:
                        const XML_Char* /*base*/, const XML_Char* /*systemId*/, const XML_Char* /*publicId*/,
                        const XML_Char* notation) {
         countDeclarations(std::strlen(name) + static_cast<std::size_t>(length));
+        if (++declaredEntities_ > kMaxEntities) {
+            refuse("declares more than " + std::to_string(kMaxEntities) + " entities");
+        }
         if (isParameter != 0) {
             return;
         }
@@ -306,7 +316,7 @@ private:
     }
 
     void endCdata() {
-        appendNode(document_.createCDATASection(QString::fromUtf8(pendingText_)));
+        appendNode(document_.createCDATASection(decoded(pendingText_)));
         pendingText_.clear();
     }
 
@@ -345,6 +355,7 @@ private:
     QByteArray pendingText_;
     qint64 nodes_ = 0;
     qint64 declarations_ = 0; ///< bytes
+    int declaredEntities_ = 0;
     int depth_ = 0;
     int contentBegin_ = 0;
     bool inDoctype_ = false;

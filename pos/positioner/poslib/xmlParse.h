@@ -19,6 +19,9 @@ inline constexpr int kMaxElementDepth = 256;
 /** Most attributes that a tag may have: the tree finds one among those that its hash cannot tell apart by trying. */
 inline constexpr int kMaxAttributes = 256;
 
+/** Most entities that a document may declare: the parser calls itself for each that stands within another. */
+inline constexpr int kMaxEntities = 256;
+
 /**
  * Every document may have this many nodes: elements, attributes, texts, comments, processing instructions. An element
  * with attributes counts twice, because it keeps a table of them.

@@ -2,6 +2,7 @@
 
 #include "fileAccess.h"
 #include "xmlEncoding.h"
+#include "xmlParse.h"
 
 #include <QTextCodec>
 #include <map>
@@ -115,9 +116,9 @@ private:
     void putNode(const QDomNode& node, int depth) {
         if (node.isElement()) {
             putElement(node.toElement(), depth);
-        } else if (node.isCDATASection()) {
+        } else if (node.isCDATASection() && !node.nodeValue().contains(QLatin1Char('\r'))) {
             put("<![CDATA[").put(node.nodeValue()).put("]]>");
-        } else if (node.isText()) {
+        } else if (node.isText()) { // and a section that holds what only a reference can stand for
             putEscaped(node.nodeValue(), false);
         } else if (node.isComment()) {
             put("<!--").put(node.nodeValue()).put("-->");
@@ -130,6 +131,10 @@ private:
         const QString name = element.tagName();
         put('<').put(name);
         const QDomNamedNodeMap attributes = element.attributes();
+        if (attributes.size() > kMaxAttributes) {
+            throw std::runtime_error("The output would have more than " + std::to_string(kMaxAttributes) +
+                                     " attributes in one tag");
+        }
         for (int i = 0; i < attributes.size(); ++i) {
             const QDomNode attribute = attributes.item(i);
             put(' ').put(attribute.nodeName()).put("=\"");
@@ -216,6 +221,15 @@ private:
     QString text_;
 };
 
+/** Whether bytes are read as a text: some encodings put something before a declaration, or have no way back. */
+bool isReadAs(const QString& text, const QByteArray& bytes) {
+    try {
+        return decodeXml(bytes, "") == text.toUtf8();
+    } catch (const MalformedXml&) {
+        return false;
+    }
+}
+
 } // namespace
 
 void checkOutputSize(qint64 bytes) {
@@ -230,7 +244,7 @@ QByteArray serialiseXml(const QDomDocument& document) {
         Repertoire repertoire(*declared);
         const QString text = Writer(&repertoire).write(document);
         QByteArray bytes = declared->fromUnicode(text);
-        if (declared->toUnicode(bytes) == text) {
+        if (isReadAs(text, bytes)) {
             checkOutputSize(bytes.size());
             return bytes;
         }

@@ -25,7 +25,8 @@ void checkOutputSize(qint64 bytes);
  * What parseXml makes of it is the same tree. Characters that the encoding lacks become character references; where
  * that cannot be, as in names, comments, CDATA sections and instructions, all is written in UTF-8 and declared so.
  *
- * @throw std::runtime_error as checkOutputSize, by the exact size
+ * @throw std::runtime_error as checkOutputSize, by the exact size; "The output would have more than 256 attributes in
+ * one tag", which would not be read again
  */
 QByteArray serialiseXml(const QDomDocument& document);
 
