@@ -21,6 +21,7 @@ set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 # Manual pages compressed, and the files that only a Debian package has.
 set(CPACK_POS_SOURCE "${PROJECT_SOURCE_DIR}")
+set(CPACK_POS_BUILD "${PROJECT_BINARY_DIR}")
 set(CPACK_PRE_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/packaging/complete_packages.cmake")
 
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)

@@ -35,3 +35,6 @@ if(NOT DEFINED ENV{SOURCE_DATE_EPOCH})
                   COMMAND_ERROR_IS_FATAL ANY)
   set(ENV{SOURCE_DATE_EPOCH} "${seconds}")
 endif()
+
+# CMake's lists of what was installed would name the files of the packages, as if they had been installed from here.
+file(REMOVE "${CPACK_POS_BUILD}/install_manifest_program.txt" "${CPACK_POS_BUILD}/install_manifest_development.txt")
