@@ -8,7 +8,7 @@ Fenced blocks of a page, in their order:
   lines, or in a line for any text. A command that fails must be followed by "$ echo $?".
 - a block with a second word, as in "xml field.xml": a file of that name with that text.
 
-Everything happens in a folder of its own that holds a copy of the examples, with the program in the PATH, as the page's
+Everything happens in a folder of its own that holds a copy of the examples and schemas, with the program in the PATH, as the page's
 own preparations leave it. Other blocks are not run.
 """
 import os
@@ -86,7 +86,8 @@ def main():
         (folder / "bin" / "veko_configure").symlink_to(program)
         work = folder / "fields"
         work.mkdir()
-        shutil.copytree(project / "examples", work / "examples")
+        for copied in ("examples", "schemas"):
+            shutil.copytree(project / copied, work / copied)
         environment = {**os.environ, "PATH": f"{folder / 'bin'}:{os.environ['PATH']}", "LC_ALL": "C.UTF-8"}
         count, wrong = run_page(page, work, environment)
     if count == 0:
