@@ -11,6 +11,7 @@ int main(int argc, char* argv[]) {
     if (argc != 6) {
         return EXIT_FAILURE;
     }
+    //! [star on plate]
     const auto radians = [argv](int i) { return pos::degreesToRadians(std::atof(argv[i])); };
     const pos::PosConfig config(":/configure.xml", pos::PosConfig::XML);
     const double mjd = 51544.5 + (std::atof(argv[3]) - 2000.0) * 365.25;
@@ -19,5 +20,6 @@ int main(int argc, char* argv[]) {
     const pos::CIRS star = pos::Astrometric{radians(4), radians(5)}.toCirs(mjd);
     const pos::PlateCoordinates position{pos::FocalPlaneCoordinates(pointing.cirsToStd(star))};
     std::printf("%.6f %.6f\n", position.x, position.y);
+    //! [star on plate]
     return EXIT_SUCCESS;
 }
