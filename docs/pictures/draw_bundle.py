@@ -6,6 +6,7 @@
 The first field's targets are drawn around its science target: north up, east to the left, offsets in arcseconds. The
 same document gives the same bytes.
 """
+import argparse
 import html
 import math
 import sys
@@ -111,4 +112,6 @@ def draw(document):
 
 
 if __name__ == "__main__":
-    sys.stdout.buffer.write(draw(sys.argv[1]).encode())
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("configured", metavar="CONFIGURED.xml", help="a document that veko_configure has written")
+    sys.stdout.buffer.write(draw(parser.parse_args().configured).encode())
