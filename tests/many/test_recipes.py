@@ -1,6 +1,7 @@
 """Runs the recipes of examples/many/ on many documents of which one fails: test_recipes.py PROGRAM PROJECT COUNT."""
 import os
 import pathlib
+import re
 import subprocess
 import sys
 import tempfile
@@ -109,7 +110,15 @@ class MakeDoesOnlyWhatIsLeft(Recipe):
             return status, out + err
 
         self.check_calls(call, runs)
+        self.check_page()
         self.assertEqual(run([*command, "CONFIGURED=./fields"], self.folder, MAKEFLAGS="", MAKELEVEL="")[0], 2)
+
+
+    def check_page(self):
+        """make names the line of its file; the page shows it."""
+        shown = re.search(r"Makefile:(\d+): ", (PROJECT / "docs" / "many-documents.md").read_text()).group(1)
+        lines = (RECIPES / "Makefile").read_text().splitlines()
+        self.assertIn("$(VEKO_CONFIGURE)", lines[int(shown) - 1])
 
 
 class SlurmTasksDoTheirSlice(Recipe):
