@@ -27,13 +27,16 @@ function end_release() {
 /^## / {
     end_release()
     day = substr($3, 2, 10)
-    command = "LC_ALL=C date --utc --rfc-email --date=" day
+    release = $2
+    sub(/.*-/, "", release)
+    # A minute a release: releases of one day must follow each other.
+    command = "LC_ALL=C date --utc --rfc-email --date='" day " " int(release) " minutes'"
     if (NF != 3 || $3 != "(" day ")" || day !~ /^[0-9-]+$/ || (command | getline date) <= 0) {
         print "CHANGELOG.md: no version and day in: " $0 >"/dev/stderr"
         date = ""
         exit status = 1
     }
-    close(command) # or two releases of one day would have one answer between them
+    close(command)
     print package " (" $2 ") unstable; urgency=medium\n"
 }
 /^- / {
