@@ -28,6 +28,12 @@ install(
         examples/virgo_two_fields.xml
   DESTINATION "${program_data}/examples"
   COMPONENT program)
+# Beside the examples and the schemas, as in the sources, so that links between them hold.
+install(
+  FILES docs/accuracy.md docs/documents.md docs/input-and-output.md docs/many-documents.md docs/messages.md
+        docs/position.md docs/tutorial.md
+  DESTINATION "${program_data}/docs"
+  COMPONENT program)
 install(FILES examples/many/Makefile DESTINATION "${program_data}/examples/many" COMPONENT program)
 install(PROGRAMS examples/many/configure_all.parallel.sh examples/many/configure_all.slurm
         DESTINATION "${program_data}/examples/many" COMPONENT program)

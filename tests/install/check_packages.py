@@ -121,6 +121,13 @@ class Packages(unittest.TestCase):
                              "{http://relaxng.org/ns/structure/1.0}grammar", schema.name)
         output_of("bash", "-n", str(self.usr / "share/bash-completion/completions/veko_configure"))
 
+    def test_links_between_the_installed_pages_hold(self):
+        pages = sorted((self.usr / "share/veko_configure").rglob("*.md"))
+        links = [(page, link) for page in pages for link in re.findall(r"\]\(([^)#]+)[^)]*\)", page.read_text())]
+        self.assertGreater(len(links), 10)
+        for page, link in links:
+            self.assertTrue((page.parent / link).exists(), f"{page.name}: {link}")
+
     def test_the_program_configures_an_installed_example(self):
         example = self.usr / "share/veko_configure/examples" / EXAMPLE
         configured = self.root / "configured.xml"
