@@ -60,18 +60,3 @@ TEST(Examples, NorthOfTheZenithTheRotatorNeedsAPositionAngleNear180Degrees) {
     EXPECT_EQ(result.err, "field position angle is outside the rotator limits\n");
     EXPECT_FALSE(folder.contains("out.xml"));
 }
-
-TEST(Examples, TheReadmesOwnFieldGivesTheHourAngleWindowThatItShows) {
-    const TemporaryFolder folder;
-    ASSERT_EQ(runVekoConfigure({"-i", kExamples + "sombrero_south.xml", "-o", folder.path("out.xml")}).status, 0);
-    const std::string readme = readBytes(std::string(POS_SOURCE_FOLDER) + "/README.md");
-    const QDomDocument output = parseDocument(folder.read("out.xml"));
-    const QDomElement limits = output.elementsByTagName("hour_angle_limits").at(0).toElement();
-    const QDomElement field = output.elementsByTagName("field").at(0).toElement();
-    const std::string shownLimits = "<hour_angle_limits latest=\"" + limits.attribute("latest").toStdString() +
-                                    "\" earliest=\"" + limits.attribute("earliest").toStdString() + "\"/>";
-    const std::string shownField = "<field RA_d=\"" + field.attribute("RA_d").toStdString() + "\" Dec_d=\"" +
-                                   field.attribute("Dec_d").toStdString() + "\">";
-    EXPECT_NE(readme.find(shownLimits), std::string::npos) << shownLimits;
-    EXPECT_NE(readme.find(shownField), std::string::npos) << shownField;
-}
