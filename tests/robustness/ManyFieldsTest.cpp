@@ -1,6 +1,7 @@
 #include "fileAccess.h"
 #include "hostileRun.h"
 #include "measuredRun.h"
+#include "repeated.h"
 
 #include <gtest/gtest.h>
 
@@ -8,21 +9,13 @@
 
 namespace {
 
-std::string times(int count, const std::string& text) {
-    std::string all;
-    for (int i = 0; i < count; ++i) {
-        all += text;
-    }
-    return all;
-}
-
 class ManyFields : public testing::Test {
 protected:
     /** An example with its field many times over, then once more as it is given here. */
     static std::string document(int fields, const std::string& last) {
         std::string text = example("sombrero_south");
         const std::size_t begin = text.find("<field ");
-        return text.replace(begin, fieldOf(text).size(), times(fields, fieldOf(text)) + last);
+        return text.replace(begin, fieldOf(text).size(), repeated(fields, fieldOf(text)) + last);
     }
     static std::string field() {
         return fieldOf(example("sombrero_south"));
@@ -106,7 +99,7 @@ protected:
     /** Runs on so many fields. @return the size of the output; nothing where it was refused as too large */
     std::optional<std::uintmax_t> sizeOf(int fields) const {
         const std::string science = R"(targuse="T" )";
-        folder_.write("in.xml", document(0, times(fields, changed(field(), science, science + GetParam().science))));
+        folder_.write("in.xml", document(0, repeated(fields, changed(field(), science, science + GetParam().science))));
         const std::string output = folder_.path("out.xml");
         std::filesystem::remove(output);
         const ProgramResult result =

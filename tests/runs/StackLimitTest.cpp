@@ -1,19 +1,12 @@
 #include "Program.h"
 #include "TemporaryFolder.h"
+#include "repeated.h"
 
 #include <gtest/gtest.h>
 
 // Nested input within small stacks and little memory.
 
 namespace {
-
-std::string times(int count, const std::string& text) {
-    std::string all;
-    for (int i = 0; i < count; ++i) {
-        all += text;
-    }
-    return all;
-}
 
 /** Starts the program within limits of bash's "ulimit". */
 ProgramResult runWithin(const std::string& limit, const std::vector<std::string>& arguments) {
@@ -28,10 +21,10 @@ TEST(StackLimit, NestedInputNeverOverflowsTheStack) {
     const TemporaryFolder folder;
     const std::string output = folder.path("out.xml");
     for (const int levels : {200, 256, 257, 1000, 40'000}) {
-        const std::string nested = times(levels, "<a>") + times(levels, "</a>");
+        const std::string nested = repeated(levels, "<a>") + repeated(levels, "</a>");
         const std::string input = folder.write("in.xml", nested);
         const std::string withType =
-            folder.write("type.xml", "<!DOCTYPE a [" + times(levels, "</a>") + "]>" + times(levels, "<a>"));
+            folder.write("type.xml", "<!DOCTYPE a [" + repeated(levels, "</a>") + "]>" + repeated(levels, "<a>"));
         for (const std::string limit : {"-s 512", "-s 700", "-s 1000", "-s 1300", "-v 60000", "-v 70000"}) {
             for (const std::vector<std::string>& arguments :
                  std::vector<std::vector<std::string>>{{"-i", input, "-o", output},
@@ -52,8 +45,8 @@ TEST(StackLimit, DeepestDocumentIsConfiguredWithinHalfAMebibyte) {
     const std::string root = "</field_definition>";
     const std::size_t end = example.find(root);
     // The document element is the first level.
-    const std::string input =
-        folder.write("in.xml", example.substr(0, end) + times(255, "<a>") + times(255, "</a>") + example.substr(end));
+    const std::string input = folder.write("in.xml", example.substr(0, end) + repeated(255, "<a>") +
+                                                         repeated(255, "</a>") + example.substr(end));
     const ProgramResult result = runWithin("-s 512", {"-i", input, "-o", folder.path("out.xml")});
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_NE(folder.read("out.xml").find(std::string(255, ' ') + "<a/>"), std::string::npos);

@@ -2,6 +2,7 @@
 #include "ProcessWideState.h"
 #include "TemporaryFolder.h"
 #include "Version.h"
+#include "repeated.h"
 #include "surroundings.h"
 #include "thrown.h"
 
@@ -108,16 +109,9 @@ TEST_F(PosConfigInfoTest, MalformedTextIsRefusedWithTheParsersMessage) {
 }
 
 TEST_F(PosConfigInfoTest, FileMayHave16KiBHoweverItIsNested) {
-    const auto times = [](int count, const std::string& text) {
-        std::string all;
-        for (int i = 0; i < count; ++i) {
-            all += text;
-        }
-        return all;
-    };
-    EXPECT_EQ(load(times(1001, "k { v \"y\" }\n")).get<std::string>("k.v"), "y");
-    EXPECT_NO_THROW(load(times(2'730, "a\n{") + times(2'730, "}\n")));
-    EXPECT_EQ(messageOf<info_parser_error>([&] { load(times(5'460, "a\n{")); }),
+    EXPECT_EQ(load(repeated(1001, "k { v \"y\" }\n")).get<std::string>("k.v"), "y");
+    EXPECT_NO_THROW(load(repeated(2'730, "a\n{") + repeated(2'730, "}\n")));
+    EXPECT_EQ(messageOf<info_parser_error>([&] { load(repeated(5'460, "a\n{")); }),
               "<unspecified file>(5461): unmatched {");
     EXPECT_EQ(messageOf([&] { load(std::string(16'385, ';')); }), folder_.path("site.info") + " is larger than 16 KiB");
 }

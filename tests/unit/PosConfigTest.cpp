@@ -2,6 +2,7 @@
 #include "ProcessWideState.h"
 #include "TemporaryFolder.h"
 #include "Version.h"
+#include "repeated.h"
 #include "surroundings.h"
 #include "thrown.h"
 
@@ -192,25 +193,18 @@ TEST_F(PosConfigTest, MalformedXmlIsRefusedWithTheParsersMessage) {
 }
 
 TEST_F(PosConfigTest, LevelsAreLimitedWhateverTheTreesReaderTakesThemFor) {
-    const auto times = [](int count, const std::string& text) {
-        std::string all;
-        for (int i = 0; i < count; ++i) {
-            all += text;
-        }
-        return all;
-    };
     const auto nested = [&](int levels) {
-        return "<c datamver='8.00'>" + times(levels, "<a>") + times(levels, "</a>") + "</c>";
+        return "<c datamver='8.00'>" + repeated(levels, "<a>") + repeated(levels, "</a>") + "</c>";
     };
     EXPECT_NO_THROW(load(nested(255)));
     const std::string name = folder_.path("configure.xml");
     EXPECT_EQ(refusalOf(nested(256)), name + " is nested more than 256 levels deep");
     EXPECT_EQ(refusalOf(nested(40'000)), name + " is nested more than 256 levels deep");
-    const std::string manyTags = times(40'000, "<a>");
-    EXPECT_EQ(refusalOf("<!DOCTYPE a [" + times(40'000, "</a>") + "]>" + manyTags), name + " is not valid XML");
-    EXPECT_EQ(refusalOf("<c datamver='8.00'>" + times(40'000, "<a></b>")), name + " is not valid XML");
+    const std::string manyTags = repeated(40'000, "<a>");
+    EXPECT_EQ(refusalOf("<!DOCTYPE a [" + repeated(40'000, "</a>") + "]>" + manyTags), name + " is not valid XML");
+    EXPECT_EQ(refusalOf("<c datamver='8.00'>" + repeated(40'000, "<a></b>")), name + " is not valid XML");
     // To the tree's reader this document type ends at the first bracket.
-    EXPECT_EQ(load("<!DOCTYPE c [<!ENTITY e ']>" + times(10'000, "<a>") + "'>]><c datamver='8.00'><a>1</a></c>")
+    EXPECT_EQ(load("<!DOCTYPE c [<!ENTITY e ']>" + repeated(10'000, "<a>") + "'>]><c datamver='8.00'><a>1</a></c>")
                   .get<double>("a"),
               1.0);
 }
