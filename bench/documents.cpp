@@ -6,6 +6,7 @@
 #include "repeatedField.h"
 
 #include "ConditionsXML.h"
+#include "FibreTargets.h"
 #include "FieldXML.h"
 #include "FocalPlaneXML.h"
 #include "TargetXML.h"
@@ -28,7 +29,7 @@ constexpr double kGeneratedEpoch = 2016.0;
 /** The example with one field, its bundle pointed at it. */
 struct Observation {
     PosConfig config = embeddedConfig();
-    QDomDocument document = parseXml(QByteArray::fromStdString(repeatedField(1))).value();
+    QDomDocument document = parseXml(QByteArray::fromStdString(repeatedField(1)), "the example").document;
     QDomElement configure = findConfigureElement(document.documentElement());
     QDomElement field = findFieldElement(document.documentElement(), QDomElement());
     VekoTargets targets = findVekoTargets(field);
@@ -39,7 +40,8 @@ struct Observation {
         placeVeko(*veko, science, scienceFibre(science));
     }
     void saveTargets() {
-        saveVekoTargets(*veko, field, targets.science, scienceFibre(science), kGeneratedEpoch);
+        const FibreTargets fibres(*veko, kGeneratedEpoch);
+        fibres.save(field, targets.science, scienceFibre(science));
     }
 };
 
@@ -63,7 +65,7 @@ void parseDocument(benchmark::State& state, bool checked) {
     for (auto iteration : state) {
         QDomDocument document;
         if (checked) {
-            document = parseXml(text).value();
+            document = parseXml(text, "the example").document;
         } else {
             document.setContent(text);
         }

@@ -293,3 +293,26 @@ TEST(OwnConfiguration, FailsWhereItsDataFilesDo) {
     configuration = {};
     expectFailure(configuration, "Error parsing field definition file: Data model version mismatch\n", "8.00");
 }
+
+TEST(OwnConfiguration, TellsOfAFibreThatIsNowhereBeforeTheGuideStarAndTheNextField) {
+    OwnConfiguration own;
+    own.datamver = "8.00";
+    own.fibres += R"(<fibre id="305" pos_x="nan" pos_y="0" fibre_name="nowhere"/>)";
+    const std::string nowhere = "Inverse distortion not converging at a radius of nan mm\n";
+    const std::string farGuideStar = fieldXml(scienceTargetXml() + targetXml("G", "far", "330.000000", "-20.000000"));
+    const std::string withoutTargets = fieldXml("");
+    for (const auto& [fields, message] :
+         {std::pair{std::vector{ordinaryFieldXml()}, nowhere},
+          {std::vector{farGuideStar}, nowhere},
+          {std::vector{ordinaryFieldXml(), withoutTargets}, nowhere},
+          {std::vector{withoutTargets, ordinaryFieldXml()}, std::string("No science target in field\n")}}) {
+        const TemporaryFolder folder;
+        const ProgramResult result =
+            runVekoConfigure({"-c", own.write(folder), "-i", folder.write("in.xml", documentWithFields(fields)), "-o",
+                              folder.path("out.xml")});
+        EXPECT_EQ(result.status, 1);
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.err, message);
+        EXPECT_FALSE(folder.contains("out.xml"));
+    }
+}

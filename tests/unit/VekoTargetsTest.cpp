@@ -157,6 +157,34 @@ TEST_F(VekoPlacement, TheFieldCentreIsWhatThePlatesOriginSees) {
     EXPECT_NEAR(expected.dec, focalPlane.fieldCentre().dec, 2 * kMicroarcsecond);
 }
 
+TEST_F(VekoPlacement, IsHadAgainFromItsFieldCentreToTheSameBits) {
+    for (const double paDeg : {0.0, 45.0, 270.0, -180.0}) {
+        SCOPED_TRACE(paDeg);
+        const auto veko = smallBundle("centre_x='5' centre_y='-7' orientation='30'", paDeg);
+        FocalPlane& focalPlane = veko->focalPlane;
+        const auto pointing = [&] {
+            const CIRS seen = focalPlane.xyToCirs({120.0, -55.0});
+            const Astrometric centre = vekoFieldCentre(*veko);
+            return std::vector{focalPlane.positionAngle(),
+                               focalPlane.tangentDec(),
+                               focalPlane.zenithDistance(),
+                               focalPlane.hourAngle(),
+                               focalPlane.parallacticAngle(),
+                               centre.ra,
+                               centre.dec,
+                               seen.ra,
+                               seen.dec};
+        };
+        placeVeko(*veko, scienceTarget(), 500);
+        const Astrometric centre = focalPlane.fieldCentre();
+        const std::vector<double> placed = pointing();
+        placeVeko(*veko, scienceTarget(), 104);
+        ASSERT_NE(pointing(), placed);
+        focalPlane.setFieldCentre(centre, focalPlane.positionAngle());
+        EXPECT_EQ(pointing(), placed);
+    }
+}
+
 TEST_F(VekoPlacement, RefusesAFibreThatTheBundleDoesNotHave) {
     Target negative = scienceTarget();
     negative.fibreid = -160;

@@ -1,5 +1,7 @@
 #include "numberText.h"
 
+#include "attributeText.h"
+
 #include <QTextStream>
 #include <cmath>
 #include <gtest/gtest.h>
@@ -96,5 +98,32 @@ TEST(NumberText, SpecialValuesAreThoseOfTheStream) {
                                -std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN()}) {
         EXPECT_EQ(fixed(value, 3), streamed(value, 3));
         EXPECT_EQ(fixed(value, 3), filledIn(value, 3));
+    }
+}
+
+TEST(NumberText, InGeneralNotationIsThatOfTheAttributeSetter) {
+    constexpr unsigned kSeed = 20261121;
+    std::mt19937 random(kSeed);
+    std::uniform_real_distribution<double> mantissa(-1.0, 1.0);
+    std::uniform_int_distribution<int> exponent(-1074, 1024);
+    std::vector<double> values = {0.0,
+                                  -0.0,
+                                  1.0,
+                                  -20.0,
+                                  0.0001,
+                                  0.00001,
+                                  1e15,
+                                  1e16,
+                                  1e17,
+                                  std::ldexp(1.0, -17),
+                                  std::numeric_limits<double>::max(),
+                                  -std::numeric_limits<double>::infinity(),
+                                  std::numeric_limits<double>::quiet_NaN(),
+                                  -std::numeric_limits<double>::quiet_NaN()};
+    for (int i = 0; i < 2000; ++i) {
+        values.push_back(i % 2 == 0 ? std::ldexp(mantissa(random), exponent(random)) : 300.0 * mantissa(random));
+    }
+    for (const double value : values) {
+        EXPECT_EQ(generalText(value).toStdString(), setterText(value)) << "seed " << kSeed;
     }
 }

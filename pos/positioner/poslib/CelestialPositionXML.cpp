@@ -116,11 +116,15 @@ Astrometric createAstrometricXML(const std::string& name, const QDomElement& e) 
     return {ra, dec};
 }
 
+void saveCataloguePlaceXML(double ra, double dec, QDomElement e) {
+    e.setAttribute(attr::targra, fixedText(radiansToDegrees(ra), 6));
+    e.setAttribute(attr::targdec, fixedText(radiansToDegrees(dec), 6));
+}
+
 void saveIcrsXML(const ICRS& p, QDomElement e) {
     e.removeAttribute(attr::targra);
     e.removeAttribute(attr::targdec);
-    e.setAttribute(attr::targra, fixedText(radiansToDegrees(p.ra), 6));
-    e.setAttribute(attr::targdec, fixedText(radiansToDegrees(p.dec), 6));
+    saveCataloguePlaceXML(p.ra, p.dec, e);
     e.setAttribute(attr::targepoch, fixedText(p.epoch, 2));
     if (p.pmRa != 0 || p.pmDec != 0) {
         e.setAttribute(attr::targpmra, fixedText(p.pmRa, 0));

@@ -43,6 +43,15 @@ ICRS createIcrsXML(const std::string& name, const QDomElement& e);
 Astrometric createAstrometricXML(const std::string& name, const QDomElement& e);
 
 /**
+ * Writes "targra" and "targdec", degrees with 6 decimals, of a position whose other attributes stay as they are.
+ *
+ * @param ra ICRS, radians
+ * @param dec ICRS, radians
+ * @param e receives the attributes
+ */
+void saveCataloguePlaceXML(double ra, double dec, QDomElement e);
+
+/**
  * Writes a catalogue position: "targra" and "targdec" with 6 decimals and "targepoch" with 2; both proper motions, if
  * either is not zero, the parallax in milliarcseconds and the radial velocity, if not zero, without decimals. An
  * attribute that is not written keeps the value that it has.

@@ -15,28 +15,6 @@ namespace {
 /** The middle of the bundle. */
 constexpr std::uint32_t kDefaultScienceFibre = 304;
 
-/** Sets what every target on the plate carries. @param spaxel UTF-8, empty for a target outside the bundle */
-void savePlatePlace(const Veko& veko, QDomElement& element, PlateCoordinates position, const std::string& spaxel) {
-    element.setAttribute(attr::targx, position.x);
-    element.setAttribute(attr::targy, position.y);
-    element.setAttribute(attr::ifuPa, radiansToDegrees(veko.focalPlane.positionAngle()));
-    element.setAttribute(attr::ifuSpaxel, QString::fromStdString(spaxel));
-}
-
-/** The target that a fibre other than the science fibre sees. */
-Target fibreTarget(const Veko& veko, const SatelliteFibre<Veko::VekoCentre>& fibre, const std::string& spaxel,
-                   double epoch) {
-    const FocalPlane& focalPlane = veko.focalPlane;
-    const Astrometric sky = focalPlane.xyToCirs(fibre.platePosition()).toAstrometric(focalPlane.dateContext());
-    Target target;
-    target.position = {sky.ra, sky.dec, epoch, 0.0, 0.0, 0.0, 0.0};
-    target.use = spaxel.starts_with('S') ? TargetUse::S : TargetUse::T;
-    const auto id = static_cast<std::int32_t>(fibre.id);
-    target.fibreid = fibre.status == FibreStatus::Enabled ? id : -id;
-    target.automatic = true;
-    return target;
-}
-
 } // namespace
 
 VekoTargets findVekoTargets(const QDomElement& field) {
@@ -82,28 +60,15 @@ Astrometric vekoFieldCentre(const Veko& veko) {
     return veko.focalPlane.xyToCirs({0.0, 0.0}).toAstrometric(veko.focalPlane.dateContext());
 }
 
-void saveVekoTargets(const Veko& veko, QDomElement field, QDomElement science, std::uint32_t fibre, double epoch) {
-    for (const auto& [id, satellite] : veko.fibres) {
-        if (satellite.status == FibreStatus::Absent) {
-            continue;
-        }
-        const std::string& spaxel = veko.names.at(id);
-        QDomElement element = science;
-        if (id == fibre) {
-            element.setAttribute(attr::fibreid, id);
-        } else {
-            element = saveTargetXML(fibreTarget(veko, satellite, spaxel, epoch), field, science);
-        }
-        savePlatePlace(veko, element, satellite.platePosition(), spaxel);
-        element.setAttribute(attr::configid, id);
-    }
-}
-
 void saveGuideStar(const Veko& veko, QDomElement guide) {
     const FocalPlane& focalPlane = veko.focalPlane;
     const Astrometric place = createTargetXML(guide).position.toAstrometric(focalPlane.date());
     const StandardCoordinates standard = focalPlane.cirsToStd(place.toCirs(focalPlane.dateContext()));
-    savePlatePlace(veko, guide, PlateCoordinates{FocalPlaneCoordinates(standard)}, std::string());
+    const PlateCoordinates position{FocalPlaneCoordinates(standard)};
+    guide.setAttribute(attr::targx, position.x);
+    guide.setAttribute(attr::targy, position.y);
+    guide.setAttribute(attr::ifuPa, radiansToDegrees(focalPlane.positionAngle()));
+    guide.setAttribute(attr::ifuSpaxel, QString());
     guide.setAttribute(attr::fibreid, QString());
     guide.setAttribute(attr::configid, 0);
 }

@@ -1,6 +1,6 @@
 /**
  * @file
- * Placing the bundle on a field, and the targets that its fibres then see.
+ * A field's two targets, and placing the bundle on them.
  *
  * The position angle, the date and the rest of the pointing are those of the bundle's focal plane.
  */
@@ -49,29 +49,11 @@ void placeVeko(Veko& veko, const Target& science, std::uint32_t fibre);
 /** A new target is written in no fewer bytes: so many its own attributes take, with the shortest of values. */
 inline constexpr qint64 kMinTargetSize = 256;
 
-/** How many targets saveVekoTargets adds to a field: one for each usable fibre but the science target's. */
+/** How many targets FibreTargets::save adds to a field: one for each usable fibre but the science target's. */
 qint64 countNewTargets(const Veko& veko);
 
 /** Where the bundle's plate origin points: the field centre at the focal plane's date. Throws as xyToCirs does. */
 Astrometric vekoFieldCentre(const Veko& veko);
-
-/**
- * Writes one record per fibre, in ascending identifier; an absent fibre gets none.
- *
- * The science fibre's record goes onto the science target's own element. Every other fibre gets a new target, the last
- * child of the field, that begins as a copy of the science target's element. A fibre that is not enabled is marked by
- * a negative "fibreid".
- *
- * @param veko the bundle, placed on the field
- * @param field receives the new targets
- * @param science the science target's element
- * @param fibre the science target's fibre
- * @param epoch Julian epoch of the positions written, years
- * @throw std::runtime_error "Inverse distortion not converging at a radius of … mm", from FocalPlane::xyToCirs, for a
- *     fibre too far from the optical axis; those before it are written
- * @throw std::out_of_range "map::at" for a fibre without a name, which the reader of the bundle never makes
- */
-void saveVekoTargets(const Veko& veko, QDomElement field, QDomElement science, std::uint32_t fibre, double epoch);
 
 /** Writes the guide star's plate position onto its element. Throws as createTargetXML and FocalPlane::cirsToStd do. */
 void saveGuideStar(const Veko& veko, QDomElement guide);

@@ -19,6 +19,11 @@ inline QString fixedText(double value, int decimals) {
     return QString::number(value, 'f', decimals);
 }
 
+/** A number as the XML library's setter of attributes writes a double: 17 significant digits, in either notation. */
+inline QString generalText(double value) {
+    return QString::number(value, 'g', 17);
+}
+
 } // namespace pos
 
 #endif

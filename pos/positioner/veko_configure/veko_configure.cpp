@@ -5,6 +5,7 @@
 
 #include "CelestialPositionXML.h"
 #include "ConditionsXML.h"
+#include "FibreTargets.h"
 #include "FieldXML.h"
 #include "FocalPlaneXML.h"
 #include "LimitsCalc.h"
@@ -54,48 +55,52 @@ void saveHourAngleLimits(std::pair<double, double> limits, QDomDocument document
     element.setAttribute(attr::earliest, fixedText(radiansToHours(limits.second), 4));
 }
 
-/** A field of the document and what is configured on it. */
-struct ConfiguredField {
+/** A field of the document on which the bundle has been placed. */
+struct PlacedField {
     QDomElement element;
-    VekoTargets targets;
-    Target science;
-    std::uint32_t fibre; ///< for the science target
+    QDomElement science;
+    std::uint32_t fibre;  ///< for the science target
+    Astrometric pointing; ///< the field centre that puts the science target on the fibre
 };
 
-ConfiguredField readField(const QDomElement& element) {
-    const VekoTargets targets = findVekoTargets(element);
-    const Target science = createTargetXML(targets.science);
-    return {element, targets, science, scienceFibre(science)};
-}
-
-/** Points at a field. @param observation receives the field centre too; a null element for every field but the first */
-void pointAtField(Veko& veko, const ConfiguredField& field, const QDomElement& observation) {
-    placeVeko(veko, field.science, field.fibre);
+/**
+ * Places the bundle on a field.
+ *
+ * @param observation receives the field centre too; a null element for every field but the first
+ */
+PlacedField placeOnField(Veko& veko, const FibreTargets& fibres, const QDomElement& field, const VekoTargets& targets,
+                         const Target& science, const QDomElement& observation) {
+    const std::uint32_t fibre = scienceFibre(science);
+    placeVeko(veko, science, fibre);
     const Astrometric centre = vekoFieldCentre(veko);
-    saveAstrometricXML(centre, field.element);
+    saveAstrometricXML(centre, field);
     saveAstrometricXML(centre, observation);
-    saveGuideStar(veko, field.targets.guide);
+    fibres.requirePlaces(fibre);
+    saveGuideStar(veko, targets.guide);
+    return {field, targets.science, fibre, veko.focalPlane.fieldCentre()};
 }
 
 /**
- * Configures the bundle on every field. All are read and pointed at before the first of their many targets is written:
+ * Configures the bundle on every field. On all of them it is placed before the first of their many targets is written:
  * a field that cannot be configured costs neither time nor memory for those before it.
  *
  * @param defaultEpoch Julian epoch of generated positions, years
  */
 void configureFields(Veko& veko, const QDomElement& root, QDomElement observation, double defaultEpoch) {
+    const FibreTargets fibres(veko, defaultEpoch);
     const qint64 newTargets = countNewTargets(veko);
-    std::vector<ConfiguredField> fields;
+    std::vector<PlacedField> fields;
     for (QDomElement element = findFieldElement(root, QDomElement()); !element.isNull();
          element = findFieldElement(root, element)) {
-        fields.push_back(readField(element));
-        checkOutputSize(static_cast<qint64>(fields.size()) * newTargets * kMinTargetSize);
-        pointAtField(veko, fields.back(), observation);
+        const VekoTargets targets = findVekoTargets(element);
+        const Target science = createTargetXML(targets.science);
+        checkOutputSize(static_cast<qint64>(fields.size() + 1) * newTargets * kMinTargetSize);
+        fields.push_back(placeOnField(veko, fibres, element, targets, science, observation));
         observation.clear();
     }
-    for (const ConfiguredField& field : fields) {
-        placeVeko(veko, field.science, field.fibre);
-        saveVekoTargets(veko, field.element, field.targets.science, field.fibre, defaultEpoch);
+    for (const PlacedField& field : fields) {
+        veko.focalPlane.setFieldCentre(field.pointing, veko.focalPlane.positionAngle());
+        fibres.save(field.element, field.science, field.fibre);
     }
 }
 

@@ -1,4 +1,4 @@
-#include "VekoTargets.h"
+#include "FibreTargets.h"
 
 #include "VekoField.h"
 #include "attributeText.h"
@@ -82,16 +82,16 @@ std::string skyAttributes(const Veko& veko, std::uint32_t id) {
            fixedPointText(sky.dec * 180 / 3.141592653589793, 6) + "' ";
 }
 
-class VekoTargetsSave : public VekoField {
+class FibreTargetsSave : public VekoField {
 protected:
-    static void save(const Veko& veko, const QDomElement& field, std::uint32_t fibre = 304) {
-        saveVekoTargets(veko, field, scienceOf(field), fibre, kEpoch);
+    static void save(const Veko& veko, const QDomElement& field, std::uint32_t fibre = 304, double epoch = kEpoch) {
+        FibreTargets(veko, epoch).save(field, scienceOf(field), fibre);
     }
 };
 
 } // namespace
 
-TEST_F(VekoTargetsSave, WritesEveryFibreButTheAbsentOneInAscendingIdentifier) {
+TEST_F(FibreTargetsSave, WritesEveryFibreButTheAbsentOneInAscendingIdentifier) {
     const QDomElement field = fieldWith("");
     save(*centredBundle(), field);
     const auto generated = generatedIn(field);
@@ -101,20 +101,20 @@ TEST_F(VekoTargetsSave, WritesEveryFibreButTheAbsentOneInAscendingIdentifier) {
     EXPECT_EQ(treeText(field.childNodes().at(1)), treeText(parseElement("<target targuse='G'/>")));
 }
 
-TEST_F(VekoTargetsSave, AFibreThatIsNotEnabledHasANegativeFibreIdOnly) {
+TEST_F(FibreTargetsSave, AFibreThatIsNotEnabledHasANegativeFibreIdOnly) {
     const QDomElement field = fieldWith("");
     save(*centredBundle(), field);
     EXPECT_THAT(column(generatedIn(field), "fibreid"),
                 ElementsAre("101", "102", "-103", "-104", "105", "-200", "-400", "500"));
 }
 
-TEST_F(VekoTargetsSave, ANameThatBeginsWithACapitalSIsSky) {
+TEST_F(FibreTargetsSave, ANameThatBeginsWithACapitalSIsSky) {
     const QDomElement field = fieldWith("");
     save(*centredBundle(), field);
     EXPECT_THAT(column(generatedIn(field), "targuse"), ElementsAre("T", "S", "T", "S", "T", "T", "T", "T"));
 }
 
-TEST_F(VekoTargetsSave, AGeneratedTargetIsACopyOfTheScienceTargetWithItsOwnPlace) {
+TEST_F(FibreTargetsSave, AGeneratedTargetIsACopyOfTheScienceTargetWithItsOwnPlace) {
     const auto veko = smallBundle("centre_x='5' centre_y='-7' orientation='30'", 45.0);
     const QDomElement field = fieldWith("fibreid='304' configid='77' automatic='0' targx='999' targy='999' "
                                         "ifu_pa='999' ifu_spaxel='old' ");
@@ -135,7 +135,7 @@ TEST_F(VekoTargetsSave, AGeneratedTargetIsACopyOfTheScienceTargetWithItsOwnPlace
     }
 }
 
-TEST_F(VekoTargetsSave, WhatTheScienceTargetLacksIsFilledInOnItsCopies) {
+TEST_F(FibreTargetsSave, WhatTheScienceTargetLacksIsFilledInOnItsCopies) {
     const QDomElement field = parseElement("<field><target targra='150.010000' targdec='30.020000'/>"
                                            "<target/><avoidance_list/></field>");
     const auto veko = centredBundle();
@@ -152,7 +152,7 @@ TEST_F(VekoTargetsSave, WhatTheScienceTargetLacksIsFilledInOnItsCopies) {
     }
 }
 
-TEST_F(VekoTargetsSave, CopiesMadeBehindTheScienceFibreKeepNothingOfItsPlace) {
+TEST_F(FibreTargetsSave, CopiesMadeBehindTheScienceFibreKeepNothingOfItsPlace) {
     // No copy may keep the fibre, place or id that the science target's own element has got in between.
     const QDomElement field = fieldWith("");
     const auto veko = centredBundle();
@@ -174,7 +174,7 @@ TEST_F(VekoTargetsSave, CopiesMadeBehindTheScienceFibreKeepNothingOfItsPlace) {
     }
 }
 
-TEST_F(VekoTargetsSave, TheScienceFibresRecordGoesOntoTheScienceTargetItself) {
+TEST_F(FibreTargetsSave, TheScienceFibresRecordGoesOntoTheScienceTargetItself) {
     const auto veko = smallBundle("centre_x='5' centre_y='-7' orientation='30'", -60.0);
     const QDomElement field = fieldWith("automatic='0' configid='77' ");
     save(*veko, field, 500);
@@ -185,7 +185,7 @@ TEST_F(VekoTargetsSave, TheScienceFibresRecordGoesOntoTheScienceTargetItself) {
     EXPECT_EQ(byConfigid(field).count("304"), 1U);
 }
 
-TEST_F(VekoTargetsSave, AScienceFibreThatIsNotEnabledKeepsItsPositiveId) {
+TEST_F(FibreTargetsSave, AScienceFibreThatIsNotEnabledKeepsItsPositiveId) {
     const QDomElement field = fieldWith("");
     save(*centredBundle(), field, 104);
     EXPECT_EQ(attributeText(scienceOf(field), "fibreid"), "104");
@@ -194,7 +194,7 @@ TEST_F(VekoTargetsSave, AScienceFibreThatIsNotEnabledKeepsItsPositiveId) {
     EXPECT_EQ(attributeText(scienceOf(field), "targuse"), "T");
 }
 
-TEST_F(VekoTargetsSave, AnAbsentScienceFibreLeavesTheScienceTargetAsItIs) {
+TEST_F(FibreTargetsSave, AnAbsentScienceFibreLeavesTheScienceTargetAsItIs) {
     const QDomElement field = fieldWith("");
     save(*centredBundle(), field, 305);
     EXPECT_EQ(treeText(scienceOf(field)), treeText(scienceOf(fieldWith(""))));
@@ -202,7 +202,7 @@ TEST_F(VekoTargetsSave, AnAbsentScienceFibreLeavesTheScienceTargetAsItIs) {
     EXPECT_EQ(byConfigid(field).count("305"), 0U);
 }
 
-TEST_F(VekoTargetsSave, FibresLieWhereOrientationAndCentrePutThem) {
+TEST_F(FibreTargetsSave, FibresLieWhereOrientationAndCentrePutThem) {
     struct Case {
         const char* root;
         const char* id;
@@ -226,7 +226,7 @@ TEST_F(VekoTargetsSave, FibresLieWhereOrientationAndCentrePutThem) {
     }
 }
 
-TEST_F(VekoTargetsSave, TheSkyPositionsFollowThePlateScaleAndThePositionAngle) {
+TEST_F(FibreTargetsSave, TheSkyPositionsFollowThePlateScaleAndThePositionAngle) {
     struct Case {
         double paDeg;
         const char* id;
@@ -249,29 +249,41 @@ TEST_F(VekoTargetsSave, TheSkyPositionsFollowThePlateScaleAndThePositionAngle) {
     }
 }
 
-TEST_F(VekoTargetsSave, TheEpochIsTheOneGiven) {
+TEST_F(FibreTargetsSave, TheEpochIsTheOneGiven) {
     const QDomElement field = fieldWith("");
-    saveVekoTargets(*centredBundle(), field, scienceOf(field), 304, 2024.125);
+    save(*centredBundle(), field, 304, 2024.125);
     for (const std::string& text : column(generatedIn(field), "targepoch")) {
         EXPECT_EQ(text, fixedPointText(2024.125, 2));
     }
     EXPECT_EQ(attributeText(scienceOf(field), "targepoch"), "2000.0");
 }
 
-TEST_F(VekoTargetsSave, AFibreWithoutANameEndsTheWriting) {
+TEST_F(FibreTargetsSave, AFibreWithoutANameIsRefused) {
     const auto veko = centredBundle();
     veko->names.erase(102);
-    const QDomElement field = fieldWith("");
-    EXPECT_EQ(messageOf<std::out_of_range>([&] { save(*veko, field); }), "map::at");
+    EXPECT_EQ(messageOf<std::out_of_range>([&] { FibreTargets(*veko, kEpoch); }), "map::at");
 }
 
-TEST_F(VekoTargetsSave, AnEmptyBundleWritesNothing) {
+TEST_F(FibreTargetsSave, AFibreThatIsNowhereIsRefusedUnlessItIsOnTheScienceTarget) {
+    const auto veko = smallBundle("centre_x='0' centre_y='0' orientation='0'", 0.0,
+                                  "<fibre id='1' pos_x='0' pos_y='0' fibre_name='A'/>"
+                                  "<fibre id='2' pos_x='nan' pos_y='0' fibre_name='B'/>");
+    const std::string message = "Inverse distortion not converging at a radius of nan mm";
+    const FibreTargets fibres(*veko, kEpoch);
+    EXPECT_EQ(messageOf([&] { fibres.requirePlaces(1); }), message);
+    const QDomElement field = fieldWith("");
+    EXPECT_EQ(messageOf([&] { fibres.save(field, scienceOf(field), 1); }), message);
+    EXPECT_NO_THROW(fibres.requirePlaces(2));
+    EXPECT_NO_THROW(fibres.save(field, scienceOf(field), 2));
+}
+
+TEST_F(FibreTargetsSave, AnEmptyBundleWritesNothing) {
     const QDomElement field = fieldWith("");
     save(*smallBundle("centre_x='0' centre_y='0' orientation='0'", 0.0, ""), field);
     EXPECT_EQ(treeText(field), treeText(fieldWith("")));
 }
 
-TEST_F(VekoTargetsSave, TheShippedBundleWrites602TargetsAndTheScienceTarget) {
+TEST_F(FibreTargetsSave, TheShippedBundleWrites602TargetsAndTheScienceTarget) {
     const auto veko = shippedBundle();
     const QDomElement field = fieldWith("");
     save(*veko, field);
