@@ -12,28 +12,28 @@ import sys
 
 ANY = ""
 RUN = "veko_configure("
+CONFIGURE = "pos::configureDocument("
 LOAD = "pos::loadXmlFile("
-TARGETS = "pos::saveVekoTargets("
 BUNDLE = "pos::createVekoXML("
 POINTING = "pos::FocalPlane::FocalPlane("
 DOCUMENT_END = "QDomDocument::~QDomDocument("
-FIBRE_PLACES = [(TARGETS, "pos::CIRS::toAstrometric("), (TARGETS, "pos::FocalPlane::xyToCirs(")]
 
 # Phase, calls that count, calls that do not: (beginning of the caller's name, beginning of the callee's).
 PHASES = [
     ("command line", [(ANY, "main")], [(ANY, RUN), (ANY, "pos::PosConfig::PosConfig(")]),
     ("configuration", [("pos::runCommandLine(", "pos::PosConfig::PosConfig(")], []),
     ("reading documents", [(ANY, LOAD)], []),
-    ("table of fibres", [(RUN, BUNDLE)], [(BUNDLE, LOAD), (BUNDLE, POINTING), (BUNDLE, DOCUMENT_END)]),
+    ("table of fibres", [(CONFIGURE, BUNDLE)], [(BUNDLE, LOAD), (BUNDLE, POINTING), (BUNDLE, DOCUMENT_END)]),
     ("pointing, limits, solves",
-     [(BUNDLE, POINTING), (RUN, "pos::pointFocalPlane("), (RUN, "pos::LimitsCalc::"), (RUN, "pos::placeVeko("),
-      (RUN, "pos::vekoFieldCentre("), (RUN, "pos::saveGuideStar(")],
+     [(BUNDLE, POINTING), (CONFIGURE, "pos::pointFocalPlane("), (CONFIGURE, "pos::LimitsCalc::"),
+      (CONFIGURE, "pos::placeVeko("), (CONFIGURE, "pos::vekoFieldCentre("), (CONFIGURE, "pos::saveGuideStar(")],
      [(POINTING, LOAD)]),
-    ("places of the fibres", FIBRE_PLACES, []),
-    ("cloning, attributes", [(RUN, TARGETS)], FIBRE_PLACES),
+    ("places of the fibres", [(CONFIGURE, "pos::FibreTargets::skyPlaces(")], []),
+    ("cloning, attributes",
+     [(CONFIGURE, "pos::FibreTargets::FibreTargets("), (CONFIGURE, "pos::FibreTargets::save(")], []),
     ("serialisation", [(RUN, "pos::serialiseXml(")], []),
     ("writing the file", [(RUN, "pos::writeFile(")], []),
-    ("destruction of documents", [(RUN, DOCUMENT_END), (BUNDLE, DOCUMENT_END)], []),
+    ("destruction of documents", [(BUNDLE, DOCUMENT_END)], []),
 ]
 
 

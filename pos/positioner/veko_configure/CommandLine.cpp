@@ -140,7 +140,7 @@ CommandLine parseCommandLine(int argc, const char* const* argv, const po::option
     return commandLine;
 }
 
-int runCommandLine(int argc, const char* const* argv, QDomDocument* kept) {
+int runCommandLine(int argc, const char* const* argv) {
     const po::options_description options = describeOptions();
     const CommandLine commandLine = parseCommandLine(argc, argv, options);
     if (commandLine.help) {
@@ -162,7 +162,7 @@ int runCommandLine(int argc, const char* const* argv, QDomDocument* kept) {
     qInitResources_config_files();
     qInitResources_plate_files();
     return veko_configure(config, *commandLine.input, *commandLine.output, commandLine.epoch, commandLine.hourAngle,
-                          commandLine.pressure, commandLine.zenithDistanceLimit, kept);
+                          commandLine.pressure, commandLine.zenithDistanceLimit);
 }
 
 } // namespace pos

@@ -9,8 +9,6 @@
 #include <optional>
 #include <string>
 
-class QDomDocument;
-
 namespace pos {
 
 /** What the command line asks for. */
@@ -47,11 +45,10 @@ CommandLine parseCommandLine(int argc, const char* const* argv,
  *
  * @param argc how many arguments there are, the program's name included
  * @param argv the arguments, the first of which is the program's name
- * @param kept as `veko_configure` takes it
  * @return the exit status
  * @throw std::exception for a failure that is to be reported on the error stream
  */
-int runCommandLine(int argc, const char* const* argv, QDomDocument* kept = nullptr);
+int runCommandLine(int argc, const char* const* argv);
 
 } // namespace pos
 

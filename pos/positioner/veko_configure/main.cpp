@@ -1,11 +1,9 @@
 #include "CommandLine.h"
 #include "ProcessState.h"
 
-#include <QDomDocument>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
-#include <memory>
 #include <new>
 
 int main(int argc, char* argv[]) {
@@ -14,9 +12,7 @@ int main(int argc, char* argv[]) {
     ::setenv("QT_HASH_SEED", "0", 1);
     pos::prepareProcess();
     try {
-        // Never taken apart, which would be a tenth of a run: the system takes the memory back.
-        static QDomDocument* const document = std::make_unique<QDomDocument>().release();
-        return pos::runCommandLine(argc, argv, document);
+        return pos::runCommandLine(argc, argv);
     } catch (const std::bad_alloc&) {
         std::cerr << "There is not enough memory to configure the field definition" << std::endl;
         return 1;

@@ -7,18 +7,15 @@
 
 #include <string>
 
-class QDomDocument;
-
 namespace pos {
 class PosConfig;
 }
 
 /**
- * Configures the VEKO for every field of an observation.
+ * Configures the VEKO for every field of an observation: loads the field-definition document, configures it as
+ * `configureDocument` does, and saves it. The output file is touched only after every field has succeeded.
  *
- * Reads the field-definition document, points the focal plane at the first field, checks horizon and rotator, places
- * the bundle on each field's science target, writes one target per usable fibre, and saves the document. The output
- * file is touched only after every field has succeeded.
+ * The document stays in memory until the next run, for the process to end without taking its tree apart.
  *
  * @param config description of telescope and instrument
  * @param input name of the field-definition document
@@ -27,16 +24,14 @@ class PosConfig;
  * @param hourAngle hour angle of the first field's centre, hours; 100.0 for the document's
  * @param pressure millibar; 0.0 for the document's
  * @param zenithDistanceLimit the field must be nearer to the zenith than this, radians
- * @param kept receives the document that was read, as far as it was configured, for a caller that need not take its
- *     tree apart because the process ends; null to have that done
  * @return 0 when the output is on disk, whole. 1, with a message on the error stream, when the input cannot be read, no
  *     epoch is given, the document's hour angle is not a number, or the output cannot be opened or written
  * @throw std::runtime_error "The output file " + output + " is the configuration file in use", or the "focal-plane map"
  *     or the "bundle definition", by whatever name
- * @throw std::exception "Configure element not found", "field is below the horizon limit", "field position angle is
- *     outside the rotator limits", and whatever reading the document, the configuration and the bundle throws
+ * @throw std::exception "No such node (default_epoch)" before anything is read, and whatever else `configureDocument`
+ *     throws
  */
 int veko_configure(const pos::PosConfig& config, const std::string& input, const std::string& output, double epoch,
-                   double hourAngle, double pressure, double zenithDistanceLimit, QDomDocument* kept = nullptr);
+                   double hourAngle, double pressure, double zenithDistanceLimit);
 
 #endif

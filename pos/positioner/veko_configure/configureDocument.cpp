@@ -1,0 +1,139 @@
+#include "configureDocument.h"
+
+#include "Pointing.h"
+
+#include "CelestialPositionXML.h"
+#include "ConditionsXML.h"
+#include "FibreTargets.h"
+#include "FieldXML.h"
+#include "FocalPlaneXML.h"
+#include "LimitsCalc.h"
+#include "PosConfig.h"
+#include "TargetXML.h"
+#include "Veko.h"
+#include "VekoTargets.h"
+#include "VekoXML.h"
+#include "Version.h"
+#include "angles.h"
+#include "numberText.h"
+#include "xmlKeywords.h"
+#include "xmlSerialise.h"
+#include "xmlStructure.h"
+
+#include <optional>
+#include <vector>
+
+namespace pos {
+
+namespace {
+
+QDomElement requireConfigureElement(const QDomElement& root) {
+    QDomElement configure = findConfigureElement(root);
+    if (configure.isNull()) {
+        throw std::runtime_error("Configure element not found");
+    }
+    return configure;
+}
+
+double requireDate(double epoch, const Conditions& conditions) {
+    const std::optional<double> date = resolveDate(epoch, conditions);
+    if (!date) {
+        throw NoEpoch();
+    }
+    return *date;
+}
+
+double requireHourAngle(double hours, const QDomElement& conditions) {
+    const std::optional<double> hourAngle = resolveHourAngle(hours, conditions);
+    if (!hourAngle) {
+        throw BadHourAngle();
+    }
+    return *hourAngle;
+}
+
+void saveHourAngleLimits(std::pair<double, double> limits, QDomDocument document, QDomElement configure) {
+    QDomElement element = findOrCreateChild(document, configure, tag::hourAngleLimits);
+    element.setAttribute(attr::latest, fixedText(radiansToHours(limits.first), 4));
+    element.setAttribute(attr::earliest, fixedText(radiansToHours(limits.second), 4));
+}
+
+/** A field of the document on which the bundle has been placed. */
+struct PlacedField {
+    QDomElement element;
+    QDomElement science;
+    std::uint32_t fibre;  ///< for the science target
+    Astrometric pointing; ///< the field centre that puts the science target on the fibre
+};
+
+/**
+ * Places the bundle on a field.
+ *
+ * @param observation receives the field centre too; a null element for every field but the first
+ */
+PlacedField placeOnField(Veko& veko, const FibreTargets& fibres, const QDomElement& field, const VekoTargets& targets,
+                         const Target& science, const QDomElement& observation) {
+    const std::uint32_t fibre = scienceFibre(science);
+    placeVeko(veko, science, fibre);
+    const Astrometric centre = vekoFieldCentre(veko);
+    saveAstrometricXML(centre, field);
+    saveAstrometricXML(centre, observation);
+    fibres.requirePlaces(fibre);
+    saveGuideStar(veko, targets.guide);
+    return {field, targets.science, fibre, veko.focalPlane.fieldCentre()};
+}
+
+/**
+ * Configures the bundle on every field. On all of them it is placed before the first of their many targets is written:
+ * a field that cannot be configured costs neither time nor memory for those before it.
+ *
+ * @param defaultEpoch Julian epoch of generated positions, years
+ */
+void configureFields(Veko& veko, const QDomElement& root, QDomElement observation, double defaultEpoch) {
+    const FibreTargets fibres(veko, defaultEpoch);
+    const qint64 newTargets = countNewTargets(veko);
+    std::vector<PlacedField> fields;
+    for (QDomElement element = findFieldElement(root, QDomElement()); !element.isNull();
+         element = findFieldElement(root, element)) {
+        const VekoTargets targets = findVekoTargets(element);
+        const Target science = createTargetXML(targets.science);
+        checkOutputSize(static_cast<qint64>(fields.size() + 1) * newTargets * kMinTargetSize);
+        fields.push_back(placeOnField(veko, fibres, element, targets, science, observation));
+        observation.clear();
+    }
+    for (const PlacedField& field : fields) {
+        veko.focalPlane.setFieldCentre(field.pointing, veko.focalPlane.positionAngle());
+        fibres.save(field.element, field.science, field.fibre);
+    }
+}
+
+} // namespace
+
+void configureDocument(const PosConfig& config, QDomDocument document, const Estimates& estimates) {
+    const auto defaultEpoch = config.get<double>("default_epoch");
+    const QDomElement root = document.documentElement();
+    const QDomElement observation = findObservationElement(root);
+    const double positionAngle = degreesToRadians(observation.attribute(attr::pa).toDouble());
+
+    QDomElement configure = requireConfigureElement(root);
+    const QDomElement conditionsElement = findOrCreateConditionsElement(configure);
+    Conditions conditions = createConditionsXML(conditionsElement);
+    conditions.epoch = requireDate(estimates.epoch, conditions);
+    const double hourAngle = requireHourAngle(estimates.hourAngle, conditionsElement);
+    conditions.pressure = resolvePressure(estimates.pressure, conditions);
+    configure.setAttribute(attr::configureVersion, QString::fromStdString(configure_version));
+
+    const std::unique_ptr<Field> firstField = createFieldXML(findFieldElement(root, QDomElement()));
+    const std::unique_ptr<Veko> veko =
+        createVekoXML(config, config.getFilename("veko_definition"), *firstField, conditions);
+    FocalPlane& focalPlane = veko->focalPlane;
+    pointFocalPlane(focalPlane, positionAngle, hourAngle);
+    const LimitsCalc limits(config, focalPlane, estimates.zenithDistanceLimit);
+    checkLimits(limits);
+
+    saveConditionsXML(focalPlane.conditions(), focalPlane.hourAngle(), document, configure);
+    saveHourAngleLimits(limits.hourAngleLimits(), document, configure);
+    saveFocalPlaneXML(focalPlane, document, configure);
+    configureFields(*veko, root, observation, defaultEpoch);
+}
+
+} // namespace pos

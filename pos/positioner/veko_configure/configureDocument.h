@@ -1,0 +1,59 @@
+/**
+ * @file
+ * The configuration run on a document in memory.
+ */
+#ifndef POS_CONFIGUREDOCUMENT_H
+#define POS_CONFIGUREDOCUMENT_H
+
+#include <QDomDocument>
+#include <stdexcept>
+
+namespace pos {
+
+class PosConfig;
+
+/** What is known of the observation beside its document. */
+struct Estimates {
+    double epoch;               ///< Julian epoch of the observation, years; 0.0 for the document's
+    double hourAngle;           ///< hour angle of the first field's centre, hours; 100.0 for the document's
+    double pressure;            ///< millibar; 0.0 for the document's
+    double zenithDistanceLimit; ///< the field must be nearer to the zenith than this, radians
+};
+
+/** Neither the estimates nor the document have a date. */
+struct NoEpoch : std::runtime_error {
+    NoEpoch() : std::runtime_error("No epoch specified") {}
+};
+
+/** The document's hour angle is asked for and is not a finite number. */
+struct BadHourAngle : std::runtime_error {
+    BadHourAngle() : std::runtime_error("Bad hour angle in XML") {}
+};
+
+/**
+ * Configures the VEKO for every field of an observation.
+ *
+ * Points the focal plane at the first field and checks horizon and rotator. Writes conditions, hour-angle limits and
+ * focal-plane record into the "configure" element. For each field places the bundle on the science target and writes
+ * the field centre, one target per usable fibre, and the guide star's place. The optical model and the plate geometry
+ * of the process are then those of this configuration.
+ *
+ * Of several faults the one is told that the first of these steps finds, and of the fields the first: what a fibre sees
+ * counts before the guide star, a whole field before the next one is read.
+ *
+ * @param config description of telescope and instrument; "default_epoch" is the epoch of generated positions
+ * @param document as loadXmlFile gives it; configured in place. After a failure it has been changed in part, and only
+ *     fit to be dropped
+ * @param estimates finite numbers
+ * @throw NoEpoch "No epoch specified"; only a document's date of exactly 0 counts as missing
+ * @throw BadHourAngle "Bad hour angle in XML"
+ * @throw std::runtime_error "Configure element not found", "field is below the horizon limit", "field position angle is
+ *     outside the rotator limits", "The output would be larger than 256 MiB", and what reading the document, the
+ *     configuration and the bundle throws (createFieldXML, createVekoXML) and placing it on a field (findVekoTargets,
+ *     placeVeko, FibreTargets::requirePlaces, saveGuideStar)
+ */
+void configureDocument(const PosConfig& config, QDomDocument document, const Estimates& estimates);
+
+} // namespace pos
+
+#endif

@@ -1,0 +1,55 @@
+#include "configureDocument.h"
+
+#include "ProcessWideState.h"
+#include "TestPointing.h"
+#include "configuredDocument.h"
+#include "fieldDefinition.h"
+#include "thrown.h"
+#include "xml.h"
+
+using namespace pos;
+
+namespace {
+
+/** The embedded configuration, and documents in memory. */
+class ConfigureDocument : public ProcessWideState {
+protected:
+    static QDomDocument configuredInMemory(const std::string& text, const Estimates& estimates = kNothingKnown) {
+        QDomDocument document = parseDocument(text);
+        configureDocument(embeddedConfig(), document, estimates);
+        return document;
+    }
+
+    static constexpr Estimates kNothingKnown = {0.0, 100.0, 0.0, 65.0 / 180.0 * 3.141592653589793};
+};
+
+} // namespace
+
+TEST_F(ConfigureDocument, MakesInMemoryWhatTheProgramWrites) {
+    const std::string document = documentWithFields({ordinaryFieldXml(), secondFieldXml()});
+    EXPECT_EQ(treeText(configuredInMemory(document)), treeText(configured(document)));
+}
+
+TEST_F(ConfigureDocument, TakesEstimatesAsTheProgramDoes) {
+    const std::string document = documentWithConditions(R"(ha="x")");
+    Estimates estimates = kNothingKnown;
+    estimates.epoch = 2020.5;
+    estimates.hourAngle = 1.5;
+    estimates.pressure = 700.0;
+    EXPECT_EQ(treeText(configuredInMemory(document, estimates)),
+              treeText(configured(document, {"--epoch", "2020.5", "--ha", "1.5", "--pressure", "700"})));
+    estimates.zenithDistanceLimit = 0.0;
+    EXPECT_EQ(messageOf([&] { configuredInMemory(document, estimates); }), "field is below the horizon limit");
+}
+
+TEST_F(ConfigureDocument, TellsABadHourAngleByATypeOfItsOwn) {
+    // No document reaches the date of the other such type, see EpochAndHourAngleTest.cpp.
+    const std::string document = documentWithConditions(R"(epoch="2024.5" ha="x")");
+    EXPECT_EQ(messageOf<BadHourAngle>([&] { configuredInMemory(document); }), "Bad hour angle in XML");
+}
+
+TEST_F(ConfigureDocument, RefusesADocumentWithoutAConfigureElement) {
+    FieldDefinition definition;
+    definition.configure = "";
+    EXPECT_EQ(messageOf([&] { configuredInMemory(definition.text()); }), "Configure element not found");
+}
