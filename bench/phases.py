@@ -16,7 +16,9 @@ CONFIGURE = "pos::configureDocument("
 LOAD = "pos::loadXmlFile("
 BUNDLE = "pos::createVekoXML("
 POINTING = "pos::FocalPlane::FocalPlane("
+TARGETS = "pos::FibreTargets::save("
 DOCUMENT_END = "QDomDocument::~QDomDocument("
+FIBRE_PLACES = [(TARGETS, "pos::CIRS::toAstrometric("), (TARGETS, "pos::FocalPlane::xyToCirs(")]
 
 # Phase, calls that count, calls that do not: (beginning of the caller's name, beginning of the callee's).
 PHASES = [
@@ -28,9 +30,8 @@ PHASES = [
      [(BUNDLE, POINTING), (CONFIGURE, "pos::pointFocalPlane("), (CONFIGURE, "pos::LimitsCalc::"),
       (CONFIGURE, "pos::placeVeko("), (CONFIGURE, "pos::vekoFieldCentre("), (CONFIGURE, "pos::saveGuideStar(")],
      [(POINTING, LOAD)]),
-    ("places of the fibres", [(CONFIGURE, "pos::FibreTargets::skyPlaces(")], []),
-    ("cloning, attributes",
-     [(CONFIGURE, "pos::FibreTargets::FibreTargets("), (CONFIGURE, "pos::FibreTargets::save(")], []),
+    ("places of the fibres", [(CONFIGURE, "pos::FibreTargets::requirePlaces("), *FIBRE_PLACES], []),
+    ("cloning, attributes", [(CONFIGURE, "pos::FibreTargets::FibreTargets("), (CONFIGURE, TARGETS)], FIBRE_PLACES),
     ("serialisation", [(RUN, "pos::serialiseXml(")], []),
     ("writing the file", [(RUN, "pos::writeFile(")], []),
     ("destruction of documents", [(BUNDLE, DOCUMENT_END)], []),
