@@ -45,10 +45,12 @@ QDomElement FibreTargets::commonTarget(TargetUse use, const QDomElement& science
     QDomElement element = saveTargetXML(target, science.ownerDocument().createElement(tag::field), science);
     element.setAttribute(attr::ifuPa, radiansToDegrees(veko_.focalPlane.positionAngle()));
     for (const QString& attribute :
-         {attr::targra, attr::targdec, attr::fibreid, attr::targx, attr::targy, attr::ifuSpaxel, attr::configid}) {
+         {attr::targra, attr::targdec, attr::fibreid, attr::targx, attr::targy, attr::ifuSpaxel}) {
         element.removeAttribute(attribute);
     }
-    return element;
+    // Every copy turns attributes around that share a place in the XML library's table: copied twice, they stand as they
+    // were set.
+    return element.cloneNode().toElement();
 }
 
 void FibreTargets::save(QDomElement field, QDomElement science, std::uint32_t scienceFibre) const {
