@@ -12,18 +12,14 @@ import subprocess
 import sys
 import tempfile
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "tests" / "robustness"))
+TESTS = pathlib.Path(__file__).resolve().parents[1] / "tests" / "robustness"
+sys.path.insert(0, str(TESTS))
 from attacks import ATTACKS, EXAMPLE, GROWTHS, Attack  # noqa: E402
 
 SIZE = 10_000_000
 SIZES = [100_000, 300_000, 1_000_000]
 MAX_SECONDS, MAX_GROWTH = 2.0, 1.2
 MAX_MEMORY, MAX_CONFIGURED_MEMORY = 256, 512  # MiB; of what is written there are two texts beside the tree
-# A child begins with its parent's memory, so another process starts it.
-SCRIPT = """import resource, subprocess, sys
-subprocess.run(sys.argv[1:], stderr=subprocess.DEVNULL)
-used = resource.getrusage(resource.RUSAGE_CHILDREN)
-print(used.ru_utime + used.ru_stime, used.ru_maxrss / 1024)"""
 
 
 class Folder:
@@ -36,9 +32,12 @@ class Folder:
     def cost(self, text: str) -> tuple[float, float]:
         """The least processor time of three runs, s, and the most memory, MiB."""
         self.document.write_text(text)
-        command = [sys.executable, "-c", SCRIPT, *self.command]
-        runs = [[float(word) for word in subprocess.check_output(command, text=True).split()] for _ in range(3)]
-        return min(seconds for seconds, _ in runs), max(memory for _, memory in runs)
+        measured = self.document.with_name("measured")
+        runs = []
+        for _ in range(3):
+            subprocess.run([sys.executable, TESTS / "measure.py", measured, *self.command], stderr=subprocess.DEVNULL)
+            runs.append([float(word) for word in measured.read_text().split()])
+        return min(seconds for _, seconds in runs), max(kib for kib, _ in runs) / 1024
 
     def instructions(self, text: str) -> int:
         self.document.write_text(text)

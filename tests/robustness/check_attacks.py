@@ -11,19 +11,18 @@ import tempfile
 
 from attacks import ATTACKS, GROWTHS
 
+MEASURE = pathlib.Path(__file__).parent / "measure.py"
 SIZE = 10_000_000
 MAX_MEMORY = 256  # MiB
 MAX_GROWTH_MEMORY = 512  # MiB; of what is written there are two texts beside the tree
 CONFIGURATION_SIZE = 200_000  # larger ones take the configuration's own parser longer
 
 
-def run(program, *arguments):
-    """Runs the program from a process of its own, as a child begins with its parent's memory. Returns its result and
-    the most memory that it had, MiB."""
-    script = ("import resource, subprocess, sys; status = subprocess.run(sys.argv[1:]).returncode;"
-              "print(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss); sys.exit(status & 127)")
-    result = subprocess.run([sys.executable, "-c", script, program, *arguments], capture_output=True, text=True)
-    return result.returncode, result.stderr, int(result.stdout) / 1024
+def run(folder, program, *arguments):
+    """Returns the program's status, its error stream and the most memory that it had, MiB."""
+    measured = folder / "measured"
+    result = subprocess.run([sys.executable, MEASURE, measured, program, *arguments], capture_output=True, text=True)
+    return result.returncode, result.stderr, int(measured.read_text().split()[0]) / 1024
 
 
 def expected(attack, name):
@@ -41,19 +40,19 @@ def check(program, folder):
         if len(text) > 1.1 * SIZE:
             problems.append(f"{attack.name}: {len(text)} bytes")
         document.write_text(text)
-        status, message, memory = run(program, "-i", document, "-o", output)
+        status, message, memory = run(folder, program, "-i", document, "-o", output)
         is_node_limit = attack.refusal.startswith("elements") and message.endswith(attack.refusal + "\n")
         if status != 1 or not (is_node_limit or message == expected(attack, document)) or memory > MAX_MEMORY:
             problems.append(f"{attack.name}: {status}, {message[:200]!r}, {memory:.0f} MiB")
         document.write_text(text[:CONFIGURATION_SIZE])
-        status, message, memory = run(program, "-c", document, "-i", "nothing.xml", "-o", output)
+        status, message, memory = run(folder, program, "-c", document, "-i", "nothing.xml", "-o", output)
         if status != 1 or not message or memory > MAX_MEMORY:
             problems.append(f"{attack.name}, as a configuration: {status}, {message[:200]!r}, {memory:.0f} MiB")
     if output.read_text() != "old":
         problems.append("the older output has changed")
     for growth in GROWTHS:
         document.write_text(growth.text(SIZE))
-        status, message, memory = run(program, "-i", document, "-o", output)
+        status, message, memory = run(folder, program, "-i", document, "-o", output)
         if status != 0 or message or memory > MAX_GROWTH_MEMORY:
             problems.append(f"{growth.name}: {status}, {message[:200]!r}, {memory:.0f} MiB")
     return problems

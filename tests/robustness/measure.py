@@ -1,7 +1,8 @@
-"""Runs a command and tells the most memory that it had at a time.
+"""Runs a command and tells the most memory that it had at a time, and its processor time.
 
-Usage: measure.py FILE COMMAND... Writes the largest resident size, KiB, into the file and ends with the command's exit
-status, or 128 more than the signal that ended it. A program of its own, because a child begins with its parent's size.
+Usage: measure.py FILE COMMAND... Writes the largest resident size, KiB, and the time, s, into the file and ends with the
+command's exit status, or 128 more than the signal that ended it. A program of its own, because a child begins with its
+parent's size.
 """
 
 import resource
@@ -9,6 +10,7 @@ import subprocess
 import sys
 
 status = subprocess.run(sys.argv[2:], check=False).returncode
+used = resource.getrusage(resource.RUSAGE_CHILDREN)
 with open(sys.argv[1], "w", encoding="ascii") as file:
-    file.write(str(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss))
+    file.write(f"{used.ru_maxrss} {used.ru_utime + used.ru_stime}")
 sys.exit(status if status >= 0 else 128 - status)

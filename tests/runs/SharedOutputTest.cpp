@@ -1,3 +1,4 @@
+#include "fileAccess.h"
 #include "outputRun.h"
 #include "privilege.h"
 
@@ -140,4 +141,11 @@ TEST_F(SharedOutput, ThatCannotBeLockedIsNotTouched) {
     expectEnd(runInPlace(tracer("error=EINTR:when=1..3")), 0, "");
     EXPECT_TRUE(readBytes(path("out.xml")) == expected_);
     EXPECT_NE(folder_.read("trace").find("EINTR (Interrupted system call) (INJECTED)"), std::string::npos);
+}
+
+TEST_F(SharedOutput, OfMoreThanCanBeReadIsOverwrittenAllTheSame) {
+    write("out.xml", "old");
+    fs::resize_file(path("out.xml"), pos::kMaxFileSize + 1);
+    expectEnd(runInPlace(), 0, "");
+    EXPECT_TRUE(readBytes(path("out.xml")) == expected_);
 }

@@ -230,6 +230,17 @@ TEST_F(XmlSerialise, DeepestDocumentIsWritten) {
     expectSurvives(text);
 }
 
+TEST_F(XmlSerialise, DeeperDocumentsThanCanBeReadAreNotWritten) {
+    QDomDocument document = load("<a/>");
+    QDomNode parent = document.documentElement();
+    for (int i = 0; i < 255; ++i) {
+        parent = parent.appendChild(document.createElement("a"));
+    }
+    expectSurvives(saved(document));
+    parent.appendChild(document.createElement("a"));
+    EXPECT_EQ(messageOf([&] { saved(document); }), "The output would be nested more than 256 levels deep");
+}
+
 TEST_F(XmlSerialise, LongTextSurvives) {
     const std::string text(1'000'000, '"');
     EXPECT_EQ(load(expectSurvives("<a b='" + text + "'><!--" + text + "--><?p?>" + text + "</a>"))

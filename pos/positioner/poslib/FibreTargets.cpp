@@ -48,8 +48,7 @@ QDomElement FibreTargets::commonTarget(TargetUse use, const QDomElement& science
          {attr::targra, attr::targdec, attr::fibreid, attr::targx, attr::targy, attr::ifuSpaxel}) {
         element.removeAttribute(attribute);
     }
-    // Every copy turns attributes around that share a place in the XML library's table: copied twice, they stand as they
-    // were set.
+    // Every copy reverses the attributes that share a bucket of the XML library's table; two copies keep their order.
     return element.cloneNode().toElement();
 }
 

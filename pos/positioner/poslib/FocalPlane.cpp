@@ -31,9 +31,9 @@ constexpr double kSiderealRate = 1.00273790934;
  */
 constexpr int kMaxHourAngleSteps = 50000;
 /**
- * An ordinary field takes some five steps. Close to the pole there are borders beyond which each step overshoots;
- * towards one the steps grow without end, ten times as many for a tenth of the distance from it. Of the solves within
- * five degrees of the pole that arrive, one in 80,000 takes more than 50,000.
+ * An ordinary field takes some five steps. Close to the pole there are boundaries beyond which each step overshoots;
+ * near one, the number of steps grows as one over the distance. Of the solves within five degrees of the pole that
+ * succeed, one in 80,000 takes more than 50,000.
  */
 constexpr int kMaxFieldCentreSteps = 1000000;
 /** A target this near to its wanted place has arrived, mm². */

@@ -73,7 +73,7 @@ public:
      *
      * @param hourAngle radians; NaN and the infinities leave the date as it is
      * @throw std::runtime_error "Hour angle not converging at MJD …" after 50,000 steps, when a step leads back to an
-     *     earlier date, or when the astronomy library refuses the date
+     *     earlier date or leaves the same error, or when the astronomy library refuses the date
      */
     void setHourAngle(double hourAngle);
 

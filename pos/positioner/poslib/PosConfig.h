@@ -33,7 +33,8 @@ public:
      * @throw std::runtime_error "VANTE_POS_CONFIG environment variable not set"
      * @throw std::runtime_error "Unable to open config file: " + name
      * @throw std::runtime_error name + " is larger than 1 MiB", or 16 KiB for an INFO file
-     * @throw std::runtime_error what parseXml refuses an XML file with, where the property tree would take it
+     * @throw std::runtime_error what decodeXml and parseXml refuse an XML file with; a malformed one is left to the
+     *     property tree's own reader unless it has more than 256 tags
      * @throw std::runtime_error "data model version mismatch", for an XML file whose root has another "datamver" than
      *     the one already fixed
      * @throw boost::property_tree::ptree_error for text that does not parse, or an XML file without "datamver"

@@ -20,7 +20,7 @@ using ParserOwner = std::unique_ptr<std::remove_pointer_t<XML_Parser>, decltype(
 /** A text that may be missing; then it is null. */
 QString decoded(const XML_Char* text, int length = -1) {
     const QString unicode = QString::fromUtf8(text, length);
-    // The XML library takes such a character at the beginning for a mark, and drops it.
+    // The decoder takes such a character at the beginning for a mark, and drops it.
     const bool isDropped = text != nullptr && std::strncmp(text, "\xef\xbb\xbf", 3) == 0;
     return isDropped ? QChar(QChar::ByteOrderMark) + unicode : unicode;
 }
@@ -97,7 +97,8 @@ public:
         XML_SetEntityDeclHandler(parser_.get(), call<&TreeBuilder::declareEntity>);
         XML_SetSkippedEntityHandler(parser_.get(), call<&TreeBuilder::skipDeclarations>);
         XML_SetDefaultHandlerExpand(parser_.get(), call<&TreeBuilder::otherMarkup>);
-        XML_SetParamEntityParsing(parser_.get(), XML_PARAM_ENTITY_PARSING_ALWAYS);
+        // Refused only once parsing has begun.
+        static_cast<void>(XML_SetParamEntityParsing(parser_.get(), XML_PARAM_ENTITY_PARSING_ALWAYS));
         if (!parse(text_, XML_TRUE) && contentBegin_ == 0) {
             fail(0);
         }
@@ -131,8 +132,9 @@ private:
         // Nothing above the threshold may come from entities, so that it limits all that is parsed, wherever they
         // stand.
         const auto maxParsed = static_cast<unsigned long long>(std::max(kSmallText, 2 * qint64{text_.size()}));
-        XML_SetBillionLaughsAttackProtectionActivationThreshold(parser_.get(), maxParsed);
-        XML_SetBillionLaughsAttackProtectionMaximumAmplification(parser_.get(), 1.0F);
+        // They refuse other values, and parsers of entities only.
+        static_cast<void>(XML_SetBillionLaughsAttackProtectionActivationThreshold(parser_.get(), maxParsed));
+        static_cast<void>(XML_SetBillionLaughsAttackProtectionMaximumAmplification(parser_.get(), 1.0F));
     }
 
     /** In one piece: the parser would look at an unfinished token again with every further piece. */
@@ -157,7 +159,8 @@ private:
 
     void stop() {
         isStopped_ = true;
-        XML_StopParser(parser_.get(), XML_FALSE);
+        // Refused only where the parser has stopped already.
+        static_cast<void>(XML_StopParser(parser_.get(), XML_FALSE));
     }
 
     /** @param offset where the parser's input begins in the text */

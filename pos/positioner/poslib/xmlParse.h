@@ -28,7 +28,8 @@ inline constexpr int kMaxEntities = 256;
  */
 inline constexpr qint64 kSmallTree = 500'000;
 
-/** A document with more nodes must have this many bytes for each, so that 10 MB take some 256 MiB at the most. */
+/** A document with more nodes must have this many bytes for each, so that 10 MB of short texts take 256 MiB at the
+ * most. */
 inline constexpr qint64 kMinBytesPerNode = 14;
 
 /** Every document may grow by its entities to this many bytes; none that is larger may more than double by them. */

@@ -127,7 +127,12 @@ private:
         }
     }
 
+    /** @param depth how many elements this one stands in */
     void putElement(const QDomElement& element, int depth) {
+        if (depth >= kMaxElementDepth) {
+            throw std::runtime_error("The output would be nested more than " + std::to_string(kMaxElementDepth) +
+                                     " levels deep");
+        }
         const QString name = element.tagName();
         put('<').put(name);
         const QDomNamedNodeMap attributes = element.attributes();

@@ -22,11 +22,13 @@ void checkOutputSize(qint64 bytes);
  * The text of a document, indented by one space a level, in the encoding that its XML declaration names (UTF-8 without
  * one).
  *
- * What parseXml makes of it is the same tree. Characters that the encoding lacks become character references; where
- * that cannot be, as in names, comments, CDATA sections and instructions, all is written in UTF-8 and declared so.
+ * What parseXml makes of it is the same tree, except that a CDATA section with a carriage return becomes text; it
+ * refuses one of more than 500,000 nodes with less than 14 bytes for each. Characters that the encoding lacks become
+ * character references; where that cannot be, as in names, comments, CDATA sections and instructions, all is written in
+ * UTF-8 and declared so.
  *
  * @throw std::runtime_error as checkOutputSize, by the exact size; "The output would have more than 256 attributes in
- * one tag", which would not be read again
+ *     one tag" or "The output would be nested more than 256 levels deep", because it could not be read again
  */
 QByteArray serialiseXml(const QDomDocument& document);
 

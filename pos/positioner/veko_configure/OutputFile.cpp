@@ -219,6 +219,15 @@ void lock(int file, const std::string& name) {
     }
 }
 
+/** What a file holds, to be put back; nothing where it cannot be read or is too large for that. */
+std::optional<QByteArray> contentOf(const std::string& name) {
+    try {
+        return readFile(name);
+    } catch (const std::runtime_error&) {
+        return std::nullopt;
+    }
+}
+
 /**
  * Overwrites a regular file in place, one run after the other. It is cut only after the last byte is written, so that
  * on a full disk, or beyond the limit of file sizes, putting back the old content needs no space.
@@ -229,7 +238,7 @@ void overwriteFile(const std::string& name, const QByteArray& content) {
         failToOpen();
     }
     lock(file.number(), name);
-    const std::optional<QByteArray> oldContent = readFile(name);
+    const std::optional<QByteArray> oldContent = contentOf(name);
     if (const auto reason = writeAll(file.number(), content, content.size())) {
         const bool whole = oldContent && putBack(file.number(), *oldContent);
         failToWrite(name, *reason + (whole ? "" : "; its old contents could not be put back"));

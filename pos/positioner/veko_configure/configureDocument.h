@@ -38,7 +38,7 @@ struct BadHourAngle : std::runtime_error {
  * the field centre, one target per usable fibre, and the guide star's place. The optical model and the plate geometry
  * of the process are then those of this configuration.
  *
- * Of several faults the one is told that the first of these steps finds, and of the fields the first: what a fibre sees
+ * If there are several faults, the first step's is reported, and of the fields the first one's: what a fibre sees
  * counts before the guide star, a whole field before the next one is read.
  *
  * @param config description of telescope and instrument; "default_epoch" is the epoch of generated positions
