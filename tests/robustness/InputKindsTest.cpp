@@ -76,17 +76,12 @@ TEST_F(InputKinds, FifoIsReadToItsEnd) {
 TEST_F(InputKinds, FifoWithoutAnEndIsGivenUp) {
     const std::string fifo = folder_.path("fifo");
     ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
-    ProgramOptions options;
-    options.wrapper = {"bash", "-c", R"(yes '<field_definition>' >"$0" & exec "$@")", fifo};
-    expectRefused(fifo, tooLarge(fifo), tooLargeAsConfiguration(fifo), options);
-}
-
-TEST_F(InputKinds, FifoOfCarriageReturnsIsGivenUp) {
-    const std::string fifo = folder_.path("fifo");
-    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
-    ProgramOptions options;
-    options.wrapper = {"bash", "-c", R"(tr '\0' '\r' </dev/zero >"$0" & exec "$@")", fifo};
-    expectRefused(fifo, tooLarge(fifo), tooLargeAsConfiguration(fifo), options);
+    for (const std::string endless : {"yes '<field_definition>'", R"(tr '\0' '\r' </dev/zero)"}) {
+        SCOPED_TRACE(endless);
+        ProgramOptions options;
+        options.wrapper = {"bash", "-c", endless + R"( >"$0" & exec "$@")", fifo};
+        expectRefused(fifo, tooLarge(fifo), tooLargeAsConfiguration(fifo), options);
+    }
 }
 
 TEST_F(InputKinds, DevicesThatGiveNothingAreNoDocuments) {
