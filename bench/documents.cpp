@@ -7,13 +7,14 @@
 
 #include "ConditionsXML.h"
 #include "FibreTargets.h"
+#include "FieldTargets.h"
 #include "FieldXML.h"
 #include "FocalPlaneXML.h"
 #include "TargetXML.h"
 #include "Veko.h"
-#include "VekoTargets.h"
 #include "VekoXML.h"
 #include "fileAccess.h"
+#include "placeVeko.h"
 #include "xmlParse.h"
 #include "xmlSerialise.h"
 #include "xmlStructure.h"
@@ -32,7 +33,7 @@ struct Observation {
     QDomDocument document = parseXml(QByteArray::fromStdString(repeatedField(1)), "the example").document;
     QDomElement configure = findConfigureElement(document.documentElement());
     QDomElement field = findFieldElement(document.documentElement(), QDomElement());
-    VekoTargets targets = findVekoTargets(field);
+    FieldTargets targets = findFieldTargets(field);
     Target science = createTargetXML(targets.science);
     std::unique_ptr<Veko> veko = createVekoXML(config, ":/VEKO.xml", *createFieldXML(field), ordinaryConditions());
 

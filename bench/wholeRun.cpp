@@ -7,7 +7,7 @@
 #include "veko_configure.h"
 
 #include "CommandLine.h"
-#include "Pointing.h"
+#include "Estimates.h"
 #include "ProcessState.h"
 
 #include <benchmark/benchmark.h>

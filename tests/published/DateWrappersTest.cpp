@@ -1,5 +1,5 @@
 #include "ConditionsXML.h"
-#include "Pointing.h"
+#include "Estimates.h"
 #include "attributeText.h"
 #include "xml.h"
 

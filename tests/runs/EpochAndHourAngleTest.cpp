@@ -1,7 +1,8 @@
 #include "Conditions.h"
-#include "Pointing.h"
+#include "Estimates.h"
 #include "configuredDocument.h"
 #include "fieldDefinition.h"
+#include "thrown.h"
 
 #include <algorithm>
 #include <cmath>
@@ -122,8 +123,12 @@ TEST(Epoch, NextToTheDateZeroDoesNotStopTheRun) {
 
 TEST(Epoch, IsMissingOnlyForTheDateZero) {
     // No document reaches this date (see above), so the step is asked by itself.
-    EXPECT_EQ(pos::resolveDate(0.0, pos::Conditions{0.0, 283.0, 660.0, 0.2}), std::nullopt);
-    EXPECT_EQ(pos::resolveDate(0.0, pos::Conditions{-0.0, 283.0, 660.0, 0.2}), std::nullopt);
+    for (const double zero : {0.0, -0.0}) {
+        EXPECT_EQ(messageOf<pos::NoEpoch>([&] {
+                      pos::resolveDate(0.0, pos::Conditions{zero, 283.0, 660.0, 0.2});
+                  }),
+                  "No epoch specified");
+    }
     EXPECT_EQ(pos::resolveDate(0.0, pos::Conditions{-678955.5, 283.0, 660.0, 0.2}), -678955.5);
     EXPECT_EQ(pos::resolveDate(0.0, pos::Conditions{5e-324, 283.0, 660.0, 0.2}), 5e-324);
     // The command line is not asked whether its date is 0.

@@ -91,7 +91,8 @@ TEST_F(PosConfigInfoTest, EmptyFileIsAnEmptyStore) {
 
 TEST_F(PosConfigInfoTest, ValueThatIsNotANumberNamesTheType) {
     const PosConfig config = load("a x\n");
-    EXPECT_EQ(messageOf<ptree_bad_data>([&] { config.get<double>("a"); }), "conversion of data to type \"d\" failed");
+    EXPECT_EQ(messageOf<ptree_bad_data>([&] { config.get<double>("a"); }),
+              "conversion of data to type \"d\" failed (a)");
 }
 
 TEST_F(PosConfigInfoTest, MalformedTextIsRefusedWithTheParsersMessage) {

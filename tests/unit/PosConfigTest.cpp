@@ -277,12 +277,12 @@ TEST_F(PosConfigTest, MissingKeyIsNamed) {
     EXPECT_EQ(messageOf<ptree_bad_path>([&] { config.get<std::string>("Telescope"); }), "No such node (Telescope)");
 }
 
-TEST_F(PosConfigTest, ValueThatIsNotANumberNamesTheType) {
+TEST_F(PosConfigTest, ValueThatIsNotANumberNamesTheTypeAndTheKey) {
     const PosConfig config = load("<c datamver='8.00'><a>x</a><b>1.5x</b><c/><d>1,5</d><e>1 2</e></c>");
-    // "d" is the compiler's name of double.
-    const std::string expected = "conversion of data to type \"d\" failed";
     for (const std::string key : {"a", "b", "c", "d", "e"}) {
-        EXPECT_EQ(messageOf<ptree_bad_data>([&] { config.get<double>(key); }), expected) << key;
-        EXPECT_EQ(messageOf<ptree_bad_data>([&] { config.getAngle(key); }), expected) << key;
+        // "d" is the compiler's name of double.
+        const std::string expected = "conversion of data to type \"d\" failed (" + key + ")";
+        EXPECT_EQ(messageOf<ptree_bad_data>([&] { config.get<double>(key); }), expected);
+        EXPECT_EQ(messageOf<ptree_bad_data>([&] { config.getAngle(key); }), expected);
     }
 }

@@ -43,25 +43,23 @@ void check_precision(const std::string& prefix, double value, const QString& tex
         exponent = probe.indexOf(QLatin1Char('E'));
     }
     probe.insert(exponent < 0 ? probe.size() : exponent, QStringLiteral("999"));
-    bool ok = false;
-    const double probed = probe.toDouble(&ok);
-    if (!ok) {
+    const std::optional<double> probed = numberOf(probe);
+    if (!probed) {
         fail(prefix + " is an invalid number", text);
     }
-    if (std::fabs(value - probed) > kPrecision) {
+    if (std::fabs(value - *probed) > kPrecision) {
         fail(prefix, text, "' does not have enough precision");
     }
 }
 
 /** An attribute in degrees, checked for its precision, in radians. */
 double readAngle(const std::string& invalid, const std::string& label, const QString& text) {
-    bool ok = false;
-    const double degrees = text.toDouble(&ok);
-    if (!ok) {
+    const std::optional<double> degrees = numberOf(text);
+    if (!degrees) {
         fail(invalid, text);
     }
-    check_precision(label, degrees, text);
-    return degreesToRadians(degrees);
+    check_precision(label, *degrees, text);
+    return degreesToRadians(*degrees);
 }
 
 double readCatalogueAngle(const std::string& name, const QDomElement& e, const QString& attribute) {
@@ -79,12 +77,11 @@ double readOptional(const std::string& name, const QDomElement& e, const QString
     if (text.isEmpty()) {
         return absent;
     }
-    bool ok = false;
-    const double value = text.toDouble(&ok);
-    if (!ok) {
+    const std::optional<double> value = numberOf(text);
+    if (!value) {
         fail(name + " position has an invalid " + what, text);
     }
-    return value;
+    return *value;
 }
 
 /** An angle of the plain form; 0 where it is absent or marked as missing. */

@@ -22,12 +22,11 @@ double readNumber(const QDomElement& element, const QString& attribute, const ch
     if (text == kMissingValue) {
         return absent;
     }
-    bool ok = false;
-    const double value = text.toDouble(&ok);
-    if (!ok) {
+    const std::optional<double> value = numberOf(text);
+    if (!value) {
         throw std::runtime_error(std::string("bad ") + what + " attribute in conditions element");
     }
-    return value;
+    return *value;
 }
 
 } // namespace

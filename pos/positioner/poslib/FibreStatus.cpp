@@ -12,6 +12,10 @@ namespace {
 /** The words in the order of FibreStatus::Value. */
 constexpr std::array<std::string_view, 7> kWords = {"enabled",   "disabled", "broken", "bad ferrule",
                                                     "no magnet", "no prism", "absent"};
+static_assert(kWords.size() == FibreStatus::Absent + 1 && kWords[FibreStatus::Enabled] == "enabled" &&
+              kWords[FibreStatus::Disabled] == "disabled" && kWords[FibreStatus::Broken] == "broken" &&
+              kWords[FibreStatus::BadFerrule] == "bad ferrule" && kWords[FibreStatus::NoMagnet] == "no magnet" &&
+              kWords[FibreStatus::NoPrism] == "no prism" && kWords[FibreStatus::Absent] == "absent");
 
 FibreStatus::Value parse(const std::string& text) {
     std::string lower = text;

@@ -9,6 +9,13 @@
 
 namespace pos {
 
+namespace {
+
+/** A new target is written in no fewer bytes: so many its own attributes take, with the shortest of values. */
+constexpr qint64 kLeastTargetSize = 256;
+
+} // namespace
+
 FibreTargets::FibreTargets(const Veko& veko, double epoch) : veko_(veko), epoch_(epoch) {
     records_.reserve(veko.fibres.size());
     for (const auto& [id, fibre] : veko.fibres) {
@@ -24,11 +31,16 @@ FibreTargets::FibreTargets(const Veko& veko, double epoch) : veko_(veko), epoch_
     }
 }
 
+qint64 FibreTargets::leastSize() const {
+    return (static_cast<qint64>(records_.size()) - 1) * kLeastTargetSize;
+}
+
 void FibreTargets::requirePlaces(std::uint32_t scienceFibre) const {
     for (const Record& record : records_) {
         if (record.id != scienceFibre) {
             // All that can fail on the way back to the sky.
-            static_cast<void>(StandardCoordinates(static_cast<FocalPlaneCoordinates>(record.position)));
+            const FocalPlaneCoordinates position = record.position;
+            static_cast<void>(StandardCoordinates(position));
         }
     }
 }

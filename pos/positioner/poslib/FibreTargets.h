@@ -32,6 +32,9 @@ public:
      */
     FibreTargets(const Veko& veko, double epoch);
 
+    /** The bytes that the new targets of a field take in a document, at the least: all but the science target. */
+    qint64 leastSize() const;
+
     /**
      * Makes sure that save() will succeed, wherever on the sky the bundle is placed.
      *

@@ -1,11 +1,8 @@
 #include "FocalPlane.h"
 
-#include "PosConfig.h"
 #include "angles.h"
 #include "numberText.h"
-#include "xmlStructure.h"
 
-#include <QDomDocument>
 #include <cmath>
 #include <limits>
 #include <stdexcept>
@@ -54,19 +51,12 @@ std::pair<double, double> ascending(double a, double b) {
 
 } // namespace
 
-FocalPlane::FocalPlane(const PosConfig& config, PlateName plate, Astrometric centre, double positionAngle,
-                       const Conditions& conditions)
-    : centre_(centre), positionAngle_(positionAngle), dateContext_(conditions.epoch) {
-    const QDomDocument map = loadXmlFile(config.getFilename("telescope.focal_plane_map"));
-    FocalPlaneCoordinates::initialise(map);
-    PlateCoordinates::initialise(map, plate);
-    FocalPlaneCoordinates::setRotation(positionAngle);
-    eastLongitude_ = degreesToRadians(config.get<double>("telescope.east_longitude"));
-    latitude_ = degreesToRadians(config.get<double>("telescope.latitude"));
-    height_ = config.get<double>("telescope.height");
-    horizonLimit_ = degreesToRadians(config.get<double>("telescope.horizon_limit"));
-    rotatorOffset_ = degreesToRadians(config.get<double>("telescope.rotator_offset"));
-    setConditions(conditions);
+FocalPlane::FocalPlane(const Telescope& telescope, const Optics& optics, const PlateGeometry& plates,
+                       Astrometric centre, double positionAngle, const Conditions& conditions)
+    : telescope_(telescope), optics_(optics), plates_(plates), rotation_(positionAngle), centre_(centre),
+      positionAngle_(positionAngle), conditions_(conditions), dateContext_(conditions.epoch) {
+    putInForce();
+    update();
 }
 
 FocalPlane::FocalPlane(const PosConfig& config, PlateName plate, Astrometric centre, double positionAngle,
@@ -78,6 +68,7 @@ FocalPlane::FocalPlane(const PosConfig& config, PlateName plate, Astrometric cen
 void FocalPlane::setFieldCentre(Astrometric centre, double positionAngle) {
     centre_ = centre;
     positionAngle_ = wrapAngle(positionAngle);
+    rotation_ = positionAngle;
     FocalPlaneCoordinates::setRotation(positionAngle);
     update();
 }
@@ -86,8 +77,8 @@ void FocalPlane::setFieldCentre(Astrometric target, PlateCoordinates wanted) {
     const CIRS targetPlace = target.toCirs(dateContext_);
     centre_ = target;
     update();
-    const PlateCoordinates origin = plateFromCirs(centre_.toCirs(dateContext_));
-    PlateCoordinates landed = plateFromCirs(targetPlace);
+    const PlateCoordinates origin = cirsToXy(centre_.toCirs(dateContext_));
+    PlateCoordinates landed = cirsToXy(targetPlace);
     double previousError = std::numeric_limits<double>::infinity();
     double error = squaredDistance(landed, wanted);
     for (int steps = 0; !(error <= kPlacementTolerance); ++steps) {
@@ -98,7 +89,7 @@ void FocalPlane::setFieldCentre(Astrometric target, PlateCoordinates wanted) {
         const PlateCoordinates shifted(origin.x - (wanted.x - landed.x), origin.y - (wanted.y - landed.y));
         centre_ = xyToCirs(shifted).toAstrometric(dateContext_);
         update();
-        landed = plateFromCirs(targetPlace);
+        landed = cirsToXy(targetPlace);
         previousError = error;
         error = squaredDistance(landed, wanted);
     }
@@ -106,14 +97,15 @@ void FocalPlane::setFieldCentre(Astrometric target, PlateCoordinates wanted) {
 
 void FocalPlane::setHourAngle(double hourAngle) {
     // A step depends on nothing but the date that it starts from: from one that comes again the steps go in a circle.
-    std::unordered_set<double> dates = {date_};
+    std::unordered_set<double> dates = {conditions_.epoch};
     double previousError = kNaN;
     double error = wrapAngle(hourAngle_ - hourAngle);
     for (int steps = 0; !dateAccepted_ || std::fabs(error) > kHourAngleTolerance; ++steps) {
-        const double next = date_ - error * 12 / kPi / 24 / kSiderealRate;
+        const double next = conditions_.epoch - error * 12 / kPi / 24 / kSiderealRate;
         // An hour angle so large that rounding swallows the field's own leaves the same error at every step.
         if (!dateAccepted_ || error == previousError || steps == kMaxHourAngleSteps || !dates.insert(next).second) {
-            throw std::runtime_error("Hour angle not converging at MJD " + fixedText(date_, 2).toStdString());
+            throw std::runtime_error("Hour angle not converging at MJD " +
+                                     fixedText(conditions_.epoch, 2).toStdString());
         }
         setDate(next);
         previousError = error;
@@ -122,20 +114,19 @@ void FocalPlane::setHourAngle(double hourAngle) {
 }
 
 void FocalPlane::setDate(double mjdTai) {
-    date_ = mjdTai;
+    conditions_.epoch = mjdTai;
     update();
 }
 
 void FocalPlane::setConditions(const Conditions& conditions) {
-    date_ = conditions.epoch;
-    temperature_ = conditions.temperature;
-    pressure_ = conditions.pressure;
-    relativeHumidity_ = conditions.relativeHumidity;
+    conditions_ = conditions;
     update();
 }
 
-Conditions FocalPlane::conditions() const {
-    return {date_, temperature_, pressure_, relativeHumidity_};
+void FocalPlane::putInForce() const {
+    FocalPlaneCoordinates::setOptics(optics_);
+    FocalPlaneCoordinates::setRotation(rotation_);
+    PlateCoordinates::setGeometry(plates_);
 }
 
 void FocalPlane::update() {
@@ -147,21 +138,21 @@ void FocalPlane::update() {
     }
     const CIRS centre = centre_.toCirs(dateContext_);
     observeCentre(centre);
-    if (zenithDistance_ > kPi / 2 - horizonLimit_) {
+    if (zenithDistance_ > kPi / 2 - telescope_.horizonLimit) {
         context_.refa = 0.0;
         context_.refb = 0.0;
         observeCentre(centre);
     }
-    parallacticAngle_ = eraHd2pa(hourAngle_, tangentDec_, latitude_);
+    parallacticAngle_ = eraHd2pa(hourAngle_, tangentDec_, telescope_.latitude);
 }
 
 /** Most updates are for another field centre: what depends on date and weather alone stays until these change. */
 void FocalPlane::updateContexts() {
-    if (dateContext_.date != date_) {
-        dateContext_ = DateContext(date_);
+    if (dateContext_.date != conditions_.epoch) {
+        dateContext_ = DateContext(conditions_.epoch);
     }
-    if (contextConditions_ != conditions()) {
-        contextConditions_ = conditions();
+    if (contextConditions_ != conditions_) {
+        contextConditions_ = conditions_;
         dateAccepted_ = fillObserverContext();
     }
 }
@@ -176,13 +167,14 @@ void FocalPlane::updateContexts() {
  */
 bool FocalPlane::fillObserverContext() {
     double utc1 = kMjdZero;
-    double utc2 = date_;
+    double utc2 = conditions_.epoch;
     // The library's calendar turns a date that is not finite into undefined integers.
-    if (!std::isfinite(date_) || eraTaiutc(kMjdZero, date_, &utc1, &utc2) < 0) {
+    if (!std::isfinite(conditions_.epoch) || eraTaiutc(kMjdZero, conditions_.epoch, &utc1, &utc2) < 0) {
         return false;
     }
-    const int status = eraApio13(utc1, utc2, 0.0, eastLongitude_, latitude_, height_, 0.0, 0.0, pressure_,
-                                 temperature_ - kCelsiusZero, relativeHumidity_, kWavelength, &observerContext_);
+    const int status = eraApio13(utc1, utc2, 0.0, telescope_.eastLongitude, telescope_.latitude, telescope_.height, 0.0,
+                                 0.0, conditions_.pressure, conditions_.temperature - kCelsiusZero,
+                                 conditions_.relativeHumidity, kWavelength, &observerContext_);
     // The one difference: eraApco13 counts the observer's own speed to that of the Earth and leaves this at 0.
     observerContext_.diurab = 0.0;
     // A positive status only says that leap seconds are not known for the date.
@@ -215,7 +207,8 @@ StandardCoordinates FocalPlane::cirsToStd(CIRS place) const {
 }
 
 CIRS FocalPlane::xyToCirs(PlateCoordinates position) const {
-    const StandardCoordinates standard(static_cast<FocalPlaneCoordinates>(position));
+    const FocalPlaneCoordinates focal = position;
+    const StandardCoordinates standard = focal;
     double observedRa = 0.0;
     double observedDec = 0.0;
     eraTpsts(standard.xi, standard.eta, tangentRa_, tangentDec_, &observedRa, &observedDec);
@@ -224,24 +217,25 @@ CIRS FocalPlane::xyToCirs(PlateCoordinates position) const {
     return place;
 }
 
-PlateCoordinates FocalPlane::plateFromCirs(CIRS place) const {
-    return PlateCoordinates(FocalPlaneCoordinates(cirsToStd(place)));
+PlateCoordinates FocalPlane::cirsToXy(CIRS place) const {
+    const FocalPlaneCoordinates position = cirsToStd(place);
+    return position;
 }
 
 std::pair<double, double> FocalPlane::parallacticToHour(double parallacticAngle) const {
     const double q = wrapAngle(parallacticAngle);
     if (std::fabs(q) < kAngleEpsilon) {
-        return latitude_ > tangentDec_ ? std::make_pair(0.0, kPi) : std::make_pair(kPi, kNaN);
+        return telescope_.latitude > tangentDec_ ? std::make_pair(0.0, kPi) : std::make_pair(kPi, kNaN);
     }
     if (std::fabs(wrapAngle(q - kPi)) < kAngleEpsilon) {
-        return {tangentDec_ > latitude_ ? 0.0 : kNaN, kNaN};
+        return {tangentDec_ > telescope_.latitude ? 0.0 : kNaN, kNaN};
     }
     const double sinQ = std::sin(q);
     const double cosQ = std::cos(q);
     const double sinDec = std::sin(tangentDec_);
-    const double k = std::sin(latitude_) * sinQ * std::cos(tangentDec_);
+    const double k = std::sin(telescope_.latitude) * sinQ * std::cos(tangentDec_);
     const double r = std::sqrt(cosQ * cosQ + (sinQ * sinQ) * (sinDec * sinDec));
-    const double scale = std::cos(latitude_) * r;
+    const double scale = std::cos(telescope_.latitude) * r;
     if (std::fabs(k) > std::fabs(scale)) {
         return {kNaN, kNaN};
     }

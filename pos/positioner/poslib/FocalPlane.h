@@ -7,7 +7,9 @@
 
 #include "CelestialPosition.h"
 #include "Conditions.h"
+#include "Optics.h"
 #include "PlateCoordinates.h"
+#include "Telescope.h"
 
 #include <erfa.h>
 #include <optional>
@@ -25,7 +27,8 @@ class PosConfig;
  * wavelength is 0.6 µm; UT1−UTC and polar motion are taken as 0.
  *
  * Every setter ends in update(), so that the derived values always match the inputs. The optical model and the plate
- * geometry are process-wide: each constructor replaces them, and only one pointing can be in use at a time.
+ * geometry in force are process-wide: each constructor replaces them by those of its pointing. Where several pointings
+ * are used in turn, PointingInForce puts those of one in force.
  *
  * With a date that the astronomy library refuses (not finite, or outside the calendar's range) the derived values are
  * NaN.
@@ -33,20 +36,31 @@ class PosConfig;
 class FocalPlane {
 public:
     /**
-     * Loads the optical model and the plate geometry from the configured focal-plane map and points the telescope.
+     * Points the telescope.
+     *
+     * @param telescope the site, its horizon limit and its rotator offset
+     * @param optics the optical model
+     * @param plates the plate geometry
+     * @param centre field centre at the date of the conditions
+     * @param positionAngle position angle of the field, radians; kept as it is, unwrapped
+     * @param conditions date and weather
+     */
+    FocalPlane(const Telescope& telescope, const Optics& optics, const PlateGeometry& plates, Astrometric centre,
+               double positionAngle, const Conditions& conditions);
+
+    /**
+     * Points the telescope of a configuration, with optical model and plate geometry from its focal-plane map.
      *
      * @param config site ("telescope.east_longitude", "telescope.latitude", "telescope.height"),
      *     "telescope.horizon_limit", "telescope.rotator_offset", "telescope.focal_plane_map"
      * @param plate the plate in use
-     * @param centre field centre at the date of the conditions
-     * @param positionAngle position angle of the field, radians; kept as it is, unwrapped
-     * @param conditions date and weather
+     * @param centre, positionAngle, conditions as above
      * @throw std::runtime_error and the configuration's errors, for a missing key or a bad focal-plane map
      */
     FocalPlane(const PosConfig& config, PlateName plate, Astrometric centre, double positionAngle,
                const Conditions& conditions);
 
-    /** As above, then setHourAngle(hourAngle). */
+    /** As the one before, then setHourAngle(hourAngle). */
     FocalPlane(const PosConfig& config, PlateName plate, Astrometric centre, double positionAngle,
                const Conditions& conditions, double hourAngle);
 
@@ -84,7 +98,12 @@ public:
     void setConditions(const Conditions& conditions);
 
     /** Date and weather as they are now. */
-    Conditions conditions() const;
+    Conditions conditions() const {
+        return conditions_;
+    }
+
+    /** Makes optical model, plate geometry and rotation of this pointing those of the process. */
+    void putInForce() const;
 
     /** Recomputes everything derived. Below the horizon limit refraction is off, for the centre and all targets. */
     void update();
@@ -95,6 +114,14 @@ public:
      * @throw std::runtime_error "celestial position not in the tangent plane", from 90 degrees off the tangent point on
      */
     StandardCoordinates cirsToStd(CIRS place) const;
+
+    /**
+     * Where a place lands on the plate.
+     *
+     * @return plate position, mm
+     * @throw std::runtime_error as cirsToStd
+     */
+    PlateCoordinates cirsToXy(CIRS place) const;
 
     /**
      * The place that lands at a position on the plate.
@@ -130,23 +157,23 @@ public:
     }
     /** Radians. */
     double eastLongitude() const {
-        return eastLongitude_;
+        return telescope_.eastLongitude;
     }
     /** Radians. */
     double latitude() const {
-        return latitude_;
+        return telescope_.latitude;
     }
     /** Metres above mean sea level. */
     double height() const {
-        return height_;
+        return telescope_.height;
     }
     /** Offset between parallactic and rotator angle, radians. */
     double rotatorOffset() const {
-        return rotatorOffset_;
+        return telescope_.rotatorOffset;
     }
     /** MJD, TAI. */
     double date() const {
-        return date_;
+        return conditions_.epoch;
     }
     /** For conversions at the present date. */
     const DateContext& dateContext() const {
@@ -174,20 +201,14 @@ private:
     bool fillObserverContext();
     void observeCentre(CIRS centre);
     eraASTROM* readOnlyContext() const;
-    PlateCoordinates plateFromCirs(CIRS place) const;
 
+    Telescope telescope_;
+    Optics optics_;
+    PlateGeometry plates_;
+    double rotation_; ///< the position angle as it was given, radians
     Astrometric centre_;
     double positionAngle_;
-    double eastLongitude_ = 0.0;
-    double latitude_ = 0.0;
-    double height_ = 0.0;
-    double rotatorOffset_ = 0.0;
-    double horizonLimit_ = 0.0; ///< elevation below which there is no refraction, radians
-
-    double date_ = 0.0;             ///< MJD, TAI
-    double temperature_ = 0.0;      ///< kelvin
-    double pressure_ = 0.0;         ///< millibar
-    double relativeHumidity_ = 0.0; ///< 0 to 1
+    Conditions conditions_;
 
     DateContext dateContext_;
     std::optional<Conditions> contextConditions_; ///< those of the observer's context

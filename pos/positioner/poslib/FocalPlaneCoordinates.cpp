@@ -1,10 +1,7 @@
 #include "FocalPlaneCoordinates.h"
 
-#include "PosConfig.h"
 #include "angles.h"
 #include "numberText.h"
-#include "xmlKeywords.h"
-#include "xmlStructure.h"
 
 #include <cmath>
 #include <stdexcept>
@@ -87,29 +84,6 @@ double FocalPlaneCoordinates::derivFunc(double theta) const {
     return coeffs_[0] + 3 * coeffs_[1] * theta2 + 5 * coeffs_[2] * theta2 * theta2;
 }
 
-void FocalPlaneCoordinates::initialise(const PosConfig& config) {
-    initialise(loadXmlFile(config.getFilename("telescope.focal_plane_map")));
-}
-
-void FocalPlaneCoordinates::initialise(const QDomDocument& map) {
-    const QDomElement root = findFocalPlaneMapElement(map);
-    bool ok = false;
-    nominal_fl_ = root.attribute(attr::focalLength).toDouble(&ok);
-    if (!ok) {
-        throw std::runtime_error("Bad focal length in focal plane map");
-    }
-    const QDomElement coefficients = root.firstChildElement(tag::distortionCoefficients);
-    const std::array<QString, 3> names = {attr::c1, attr::c3, attr::c5};
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        coeffs_.at(i) = coefficients.attribute(names.at(i)).toDouble(&ok);
-        if (!ok) {
-            throw std::runtime_error("Bad coefficient in focal plane map");
-        }
-    }
-    focal_length_ = nominal_fl_;
-    setRotation(0.0);
-}
-
 double FocalPlaneCoordinates::focalLength() {
     return focal_length_;
 }
@@ -130,6 +104,20 @@ void FocalPlaneCoordinates::setRotation(double angle) {
     r_ = -angle;
     cos_r_ = std::cos(angle);
     sin_r_ = std::sin(-angle);
+}
+
+double FocalPlaneCoordinates::rotation() {
+    return -r_;
+}
+
+Optics FocalPlaneCoordinates::optics() {
+    return {nominal_fl_, focal_length_, coeffs_[0], coeffs_[1], coeffs_[2]};
+}
+
+void FocalPlaneCoordinates::setOptics(const Optics& optics) {
+    nominal_fl_ = optics.nominalFocalLength;
+    focal_length_ = optics.focalLength;
+    setDistortion(optics.c1, optics.c3, optics.c5);
 }
 
 FocalPlaneCoordinates::params FocalPlaneCoordinates::save() {

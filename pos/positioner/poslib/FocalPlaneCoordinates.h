@@ -6,6 +6,7 @@
 #define POS_FOCALPLANECOORDINATES_H
 
 #include "CelestialPosition.h"
+#include "Optics.h"
 
 #include <array>
 #include <utility>
@@ -44,14 +45,14 @@ public:
     FocalPlaneCoordinates(double xMm, double yMm) : x(xMm), y(yMm) {}
 
     /** The focal-plane position of a point of the tangent plane. The sky's east lies towards negative x. */
-    explicit FocalPlaneCoordinates(StandardCoordinates sc);
+    FocalPlaneCoordinates(StandardCoordinates sc); // NOLINT(google-explicit-constructor): the same place
 
     /**
      * The point of the tangent plane that lies at this position.
      *
      * @throw std::runtime_error "Inverse distortion not converging at a radius of … mm"
      */
-    explicit operator StandardCoordinates() const;
+    operator StandardCoordinates() const; // NOLINT(google-explicit-constructor): the same place
 
     /**
      * Before rotation, the position of a point of the tangent plane.
@@ -103,6 +104,13 @@ public:
     static void setDistortion(double c1, double c3, double c5);
     /** Sets the rotation of the field. @param angle position angle, radians */
     static void setRotation(double angle);
+    /** The angle last given to setRotation, radians; 0 after initialise. */
+    static double rotation();
+
+    /** The optical model in force. */
+    static Optics optics();
+    /** Puts an optical model in force; the rotation stays. */
+    static void setOptics(const Optics& optics);
 
     /** The parameters in force. */
     static params save();

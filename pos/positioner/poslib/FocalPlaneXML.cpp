@@ -16,23 +16,22 @@ void saveTelescope(const FocalPlane& focalPlane, QDomElement telescope) {
     telescope.setAttribute(attr::height, fixedText(focalPlane.height(), 1));
 }
 
-void savePlate(PlateName plate, const QString& name, QDomDocument document, QDomElement map, QDomElement opticalAxis) {
+void savePlate(const OpticalAxis& axis, const QString& name, QDomDocument document, QDomElement map,
+               QDomElement opticalAxis) {
     QDomElement element = map.firstChildElement(name);
     if (element.isNull()) {
         element = document.createElement(name);
         opticalAxis.appendChild(element);
     }
-    const OpticalAxis axis = PlateCoordinates::opticalAxis(plate);
     element.setAttribute(attr::x0, fixedText(axis.x0, 3));
     element.setAttribute(attr::y0, fixedText(axis.y0, 3));
     element.setAttribute(attr::r0, fixedText(axis.r0, 3));
 }
 
-void saveDistortion(QDomElement coefficients) {
-    const FocalPlaneCoordinates::params model = FocalPlaneCoordinates::save();
-    coefficients.setAttribute(attr::c1, model.c1);
-    coefficients.setAttribute(attr::c3, model.c3);
-    coefficients.setAttribute(attr::c5, model.c5);
+void saveDistortion(const Optics& optics, QDomElement coefficients) {
+    coefficients.setAttribute(attr::c1, optics.c1);
+    coefficients.setAttribute(attr::c3, optics.c3);
+    coefficients.setAttribute(attr::c5, optics.c5);
     coefficients.setAttribute(attr::c7, 0.0);
 }
 
@@ -42,15 +41,17 @@ void saveFocalPlaneXML(const FocalPlane& focalPlane, QDomDocument document, QDom
     saveTelescope(focalPlane, findOrCreateChild(document, parent, tag::telescope));
 
     QDomElement map = findOrCreateChild(document, parent, tag::focalPlaneMap);
-    map.setAttribute(attr::focalLength, fixedText(FocalPlaneCoordinates::focalLength(), 1));
-    map.setAttribute(attr::nominalFocalLength, fixedText(FocalPlaneCoordinates::nominalFocalLength(), 1));
+    const Optics optics = FocalPlaneCoordinates::optics();
+    map.setAttribute(attr::focalLength, fixedText(optics.focalLength, 1));
+    map.setAttribute(attr::nominalFocalLength, fixedText(optics.nominalFocalLength, 1));
 
     const QDomElement opticalAxis = findOrCreateChild(document, map, tag::opticalAxis);
-    savePlate(PLATE_A, tag::plateA, document, map, opticalAxis);
-    savePlate(PLATE_B, tag::plateB, document, map, opticalAxis);
-    savePlate(VEKO, tag::veko, document, map, opticalAxis);
+    const PlateGeometry plates = PlateCoordinates::geometry();
+    savePlate(plates.axes.at(PLATE_A), tag::plateA, document, map, opticalAxis);
+    savePlate(plates.axes.at(PLATE_B), tag::plateB, document, map, opticalAxis);
+    savePlate(plates.axes.at(VEKO), tag::veko, document, map, opticalAxis);
 
-    saveDistortion(findOrCreateChild(document, map, tag::distortionCoefficients));
+    saveDistortion(optics, findOrCreateChild(document, map, tag::distortionCoefficients));
 }
 
 } // namespace pos

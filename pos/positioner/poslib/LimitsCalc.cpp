@@ -1,22 +1,16 @@
 #include "LimitsCalc.h"
 
 #include "FocalPlane.h"
-#include "PosConfig.h"
 #include "angles.h"
 
 #include <algorithm>
 #include <cmath>
+#include <stdexcept>
 
 namespace pos {
 
-LimitsCalc::LimitsCalc(const PosConfig& config, FocalPlane& focalPlane, double largestZenithDistance)
-    : focalPlane_(focalPlane), largestZenithDistance_(largestZenithDistance),
-      rotatorLowLimit_(degreesToRadians(config.get<double>("telescope.rotator_low_limit"))),
-      rotatorHighLimit_(degreesToRadians(config.get<double>("telescope.rotator_high_limit"))),
-      rotatorOffset_(degreesToRadians(config.get<double>("telescope.rotator_offset"))),
-      optimumPlateA_(degreesToRadians(config.get<double>("telescope.optimum_rotator_angle.plate_a"))),
-      optimumPlateB_(degreesToRadians(config.get<double>("telescope.optimum_rotator_angle.plate_b"))),
-      latitude_(degreesToRadians(config.get<double>("telescope.latitude"))) {}
+LimitsCalc::LimitsCalc(const Telescope& telescope, FocalPlane& focalPlane, double largestZenithDistance)
+    : focalPlane_(focalPlane), largestZenithDistance_(largestZenithDistance), telescope_(telescope) {}
 
 bool LimitsCalc::checkHorizon() const {
     return largestZenithDistance_ > focalPlane_.zenithDistance();
@@ -25,14 +19,14 @@ bool LimitsCalc::checkHorizon() const {
 bool LimitsCalc::checkRotator() const {
     const double angle =
         wrapAngle(focalPlane_.rotatorOffset() - focalPlane_.parallacticAngle() + focalPlane_.positionAngle());
-    return rotatorLowLimit_ < angle && angle < rotatorHighLimit_;
+    return telescope_.rotatorLowLimit < angle && angle < telescope_.rotatorHighLimit;
 }
 
 std::pair<double, double> LimitsCalc::hourAngleLimits() const {
     const double altitudeLimit = kPi / 2 - largestZenithDistance_;
     const double dec = focalPlane_.tangentDec();
-    const double k =
-        (std::sin(altitudeLimit) - std::sin(dec) * std::sin(latitude_)) / (std::cos(dec) * std::cos(latitude_));
+    const double k = (std::sin(altitudeLimit) - std::sin(dec) * std::sin(telescope_.latitude)) /
+                     (std::cos(dec) * std::cos(telescope_.latitude));
     if (k < -1) {
         return circumpolarLimits();
     }
@@ -50,8 +44,8 @@ std::pair<double, double> LimitsCalc::setAndRiseLimits(double horizonHourAngle) 
     }
     double earliest = -horizonHourAngle;
     double latest = horizonHourAngle;
-    const auto [low1, low2] = hourAnglesAtRotator(rotatorLowLimit_);
-    const auto [high1, high2] = hourAnglesAtRotator(rotatorHighLimit_);
+    const auto [low1, low2] = hourAnglesAtRotator(telescope_.rotatorLowLimit);
+    const auto [high1, high2] = hourAnglesAtRotator(telescope_.rotatorHighLimit);
     // A comparison with NaN is false, so a missing value narrows nothing.
     for (const double limit : {low1, low2, high1, high2}) {
         if (earliest < limit && limit < now) {
@@ -66,8 +60,8 @@ std::pair<double, double> LimitsCalc::setAndRiseLimits(double horizonHourAngle) 
 std::pair<double, double> LimitsCalc::circumpolarLimits() const {
     constexpr double kTurn = 2 * kPi;
     const double now = focalPlane_.hourAngle();
-    const double low = hourAnglesAtRotator(rotatorLowLimit_).first;
-    const double high = hourAnglesAtRotator(rotatorHighLimit_).first;
+    const double low = hourAnglesAtRotator(telescope_.rotatorLowLimit).first;
+    const double high = hourAnglesAtRotator(telescope_.rotatorHighLimit).first;
 
     double earliest = now > low ? low : low - kTurn;
     if (now > high && high > earliest) {
@@ -86,19 +80,28 @@ std::pair<double, double> LimitsCalc::circumpolarLimits() const {
 }
 
 std::pair<double, double> LimitsCalc::hourAnglesAtRotator(double limit) const {
-    return focalPlane_.parallacticToHour(rotatorOffset_ - limit - focalPlane_.positionAngle());
+    return focalPlane_.parallacticToHour(telescope_.rotatorOffset - limit - focalPlane_.positionAngle());
 }
 
 void LimitsCalc::setPositionAngle(PlateName plate) {
     double optimum = 0.0;
     if (plate == PLATE_A) {
-        optimum = optimumPlateA_;
+        optimum = telescope_.optimumPlateA;
     } else if (plate == PLATE_B) {
-        optimum = optimumPlateB_;
+        optimum = telescope_.optimumPlateB;
     }
-    const double base = rotatorOffset_ - focalPlane_.parallacticAngle();
+    const double base = telescope_.rotatorOffset - focalPlane_.parallacticAngle();
     const double fives = std::round(radiansToDegrees(optimum - base) / 5.0);
     focalPlane_.setFieldCentre(focalPlane_.fieldCentre(), degreesToRadians(5 * fives));
+}
+
+void checkLimits(const LimitsCalc& limits) {
+    if (!limits.checkHorizon()) {
+        throw std::runtime_error("field is below the horizon limit");
+    }
+    if (!limits.checkRotator()) {
+        throw std::runtime_error("field position angle is outside the rotator limits");
+    }
 }
 
 } // namespace pos

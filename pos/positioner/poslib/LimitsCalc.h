@@ -5,7 +5,8 @@
 #ifndef POS_LIMITSCALC_H
 #define POS_LIMITSCALC_H
 
-#include "PlateCoordinates.h"
+#include "PlateGeometry.h"
+#include "Telescope.h"
 
 #include <utility>
 
@@ -22,11 +23,17 @@ class PosConfig;
 class LimitsCalc {
 public:
     /**
-     * @param config "telescope.rotator_low_limit", "telescope.rotator_high_limit", "telescope.rotator_offset",
-     *     "telescope.optimum_rotator_angle.plate_a", "telescope.optimum_rotator_angle.plate_b", "telescope.latitude"
+     * @param telescope latitude, and limits, offset and best angles of the rotator
      * @param focalPlane the pointing, which must outlive this object
      * @param largestZenithDistance the field counts as above the horizon while its observed zenith distance is
      *     smaller, radians
+     */
+    LimitsCalc(const Telescope& telescope, FocalPlane& focalPlane, double largestZenithDistance);
+
+    /**
+     * @param config "telescope.rotator_low_limit", "telescope.rotator_high_limit", "telescope.rotator_offset",
+     *     "telescope.optimum_rotator_angle.plate_a", "telescope.optimum_rotator_angle.plate_b", "telescope.latitude"
+     * @param focalPlane, largestZenithDistance as above
      * @throw boost::property_tree::ptree_error for a missing or bad key
      */
     LimitsCalc(const PosConfig& config, FocalPlane& focalPlane, double largestZenithDistance);
@@ -65,13 +72,14 @@ private:
 
     FocalPlane& focalPlane_;
     double largestZenithDistance_;
-    double rotatorLowLimit_;
-    double rotatorHighLimit_;
-    double rotatorOffset_;
-    double optimumPlateA_;
-    double optimumPlateB_;
-    double latitude_;
+    Telescope telescope_;
 };
+
+/**
+ * @throw std::runtime_error "field is below the horizon limit", or else "field position angle is outside the rotator
+ *     limits"
+ */
+void checkLimits(const LimitsCalc& limits);
 
 } // namespace pos
 

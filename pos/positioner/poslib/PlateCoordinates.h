@@ -6,6 +6,7 @@
 #define POS_PLATECOORDINATES_H
 
 #include "FocalPlaneCoordinates.h"
+#include "PlateGeometry.h"
 
 #include <array>
 
@@ -14,19 +15,6 @@ class QDomDocument;
 namespace pos {
 
 class PosConfig;
-
-/** The interchangeable plates; the values are indices of the per-plate tables. */
-enum PlateName { PLATE_A = 0, PLATE_B = 1, VEKO = 2 };
-
-/** Number of plates. */
-inline constexpr int kPlateCount = 3;
-
-/** Where the optical axis meets a plate, and how the plate is turned. */
-struct OpticalAxis {
-    double x0; ///< mm
-    double y0; ///< mm
-    double r0; ///< rotation of the plate frame relative to the focal-plane frame, radians
-};
 
 /**
  * A position in the frame of the current plate, millimetres.
@@ -43,10 +31,10 @@ public:
     PlateCoordinates(double xMm, double yMm) : x(xMm), y(yMm) {}
 
     /** The plate position of a position in the focal plane. */
-    explicit PlateCoordinates(FocalPlaneCoordinates f);
+    PlateCoordinates(FocalPlaneCoordinates f); // NOLINT(google-explicit-constructor): the same place
 
     /** The focal-plane position of this plate position. */
-    explicit operator FocalPlaneCoordinates() const;
+    operator FocalPlaneCoordinates() const; // NOLINT(google-explicit-constructor): the same place
 
     /**
      * Loads the focal-plane map that the configuration names at "telescope.focal_plane_map" and initialises from it.
@@ -81,11 +69,19 @@ public:
     /** The optical axis of a plate as it is stored. */
     static OpticalAxis opticalAxis(PlateName plate);
 
+    /** The plate geometry in force. */
+    static PlateGeometry geometry();
+    /** Puts a plate geometry in force. */
+    static void setGeometry(const PlateGeometry& geometry);
+
 private:
+    static void setPlateRotation(double angle);
+
     static std::array<double, kPlateCount> x0_;
     static std::array<double, kPlateCount> y0_;
     static std::array<double, kPlateCount> r0_;
     static PlateName plate_;
+    static double rotation_; ///< of which cos_r_ and sin_r_ are the cosine and the sine
     static double cos_r_;
     static double sin_r_;
 };

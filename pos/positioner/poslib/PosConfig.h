@@ -58,10 +58,15 @@ public:
      * The value at a key.
      *
      * @throw boost::property_tree::ptree_bad_path for a missing key, with the path in its message
-     * @throw boost::property_tree::ptree_bad_data for a value that is not a T, with the type in its message
+     * @throw boost::property_tree::ptree_bad_data for a value that is not a T, with the type and the path in its
+     * message
      */
     template <typename T> T get(const std::string& key) const {
-        return tree_.get<T>(key);
+        try {
+            return tree_.get<T>(key);
+        } catch (const boost::property_tree::ptree_bad_data& error) {
+            throw boost::property_tree::ptree_bad_data(error.what() + (" (" + key + ")"), error.data<std::string>());
+        }
     }
 
     /** The value at a key, in degrees in the file, in radians. Throws as get does. */

@@ -1,6 +1,7 @@
 #include "SkyMaskXML.h"
 
 #include "CelestialPositionXML.h"
+#include "numberText.h"
 #include "xmlKeywords.h"
 
 #include <QDomDocument>
@@ -13,11 +14,11 @@ SkyMask createSkyMaskXML(const QDomElement& mask) {
     result.centre = createAstrometricXML("Sky mask", mask);
     if (mask.hasAttribute(attr::radius)) {
         const QString text = mask.attribute(attr::radius);
-        bool ok = false;
-        result.radius = text.toDouble(&ok);
-        if (!ok) {
+        const std::optional<double> radius = numberOf(text);
+        if (!radius) {
             throw std::runtime_error("Sky mask has an invalid radius '" + text.toStdString() + "'");
         }
+        result.radius = *radius;
     }
     return result;
 }

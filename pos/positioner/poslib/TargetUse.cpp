@@ -12,6 +12,9 @@ namespace {
 
 /** The letters in the order of TargetUse::Value. */
 constexpr std::array<std::string_view, 6> kLetters = {"T", "C", "G", "S", "E", "R"};
+static_assert(kLetters.size() == TargetUse::R + 1 && kLetters[TargetUse::T] == "T" && kLetters[TargetUse::C] == "C" &&
+              kLetters[TargetUse::G] == "G" && kLetters[TargetUse::S] == "S" && kLetters[TargetUse::E] == "E" &&
+              kLetters[TargetUse::R] == "R");
 
 TargetUse::Value parse(const std::string& text) {
     std::string upper = text;

@@ -29,22 +29,20 @@ double readPriority(const Target& target, const QDomElement& element) {
         return target.priority;
     }
     const QString text = element.attribute(attr::targprio);
-    bool ok = false;
-    const double priority = text.toDouble(&ok);
-    if (!ok || priority < 0.0) {
+    const std::optional<double> priority = numberOf(text);
+    if (!priority || *priority < 0.0) {
         failTarget(target, "priority", text);
     }
-    return priority;
+    return *priority;
 }
 
 /** A 32-bit integer. @param what its name in the message */
 std::int32_t readInteger(const Target& target, const char* what, const QString& text) {
-    bool ok = false;
-    const std::int32_t value = text.toInt(&ok);
-    if (!ok) {
+    const std::optional<std::int32_t> value = integerOf(text);
+    if (!value) {
         failTarget(target, what, text);
     }
-    return value;
+    return *value;
 }
 
 std::int32_t readFibreId(const Target& target, const QDomElement& element) {
@@ -89,7 +87,7 @@ std::int32_t centralFibre(std::int32_t fibreid) {
 void updatePlatePosition(const Target& target, QDomElement& element, const Plate& plate) {
     const double time = plate.observationTime;
     const CIRS place = target.position.toAstrometric(time).toCirs(time);
-    const PlateCoordinates position{FocalPlaneCoordinates(plate.focalPlane.cirsToStd(place))};
+    const PlateCoordinates position = plate.focalPlane.cirsToXy(place);
     element.setAttribute(attr::targx, fixedText(position.x, 3));
     element.setAttribute(attr::targy, fixedText(position.y, 3));
 }

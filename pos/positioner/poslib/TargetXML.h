@@ -51,7 +51,7 @@ QDomElement saveTargetXML(const Target& target, QDomNode parent, const QDomEleme
  * @param target its fibre and its catalogue position are used
  * @param element the target's element
  * @param plate may be null
- * @throw std::runtime_error "celestial position not in the tangent plane", from FocalPlane::cirsToStd
+ * @throw std::runtime_error "celestial position not in the tangent plane", from FocalPlane::cirsToXy
  * @throw std::out_of_range for a fibre above 1007 that the plate's tables do not hold
  */
 void updateTargetXML(const Target& target, QDomElement element, const Plate* plate);

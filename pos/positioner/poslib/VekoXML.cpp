@@ -4,6 +4,7 @@
 #include "PosConfig.h"
 #include "Veko.h"
 #include "angles.h"
+#include "numberText.h"
 #include "xmlKeywords.h"
 #include "xmlStructure.h"
 
@@ -21,12 +22,11 @@ void require(const QDomElement& element, const QString& attribute, const char* w
 }
 
 double readNumber(const QDomElement& element, const QString& attribute, const char* message) {
-    bool ok = false;
-    const double value = element.attribute(attribute).toDouble(&ok);
-    if (!ok) {
+    const std::optional<double> value = numberOf(element.attribute(attribute));
+    if (!value) {
         throw std::runtime_error(message);
     }
-    return value;
+    return *value;
 }
 
 Veko::VekoCentre readCentre(const QDomElement& root) {
@@ -45,10 +45,9 @@ Veko::VekoCentre readCentre(const QDomElement& root) {
 void readFibre(const QDomElement& element, Veko& veko) {
     constexpr const char* kWho = "fibre";
     require(element, attr::id, kWho);
-    bool ok = false;
-    const std::uint32_t id = element.attribute(attr::id).toUInt(&ok);
+    const std::optional<std::uint32_t> id = unsignedOf(element.attribute(attr::id));
     // A target's fibre id is signed: it negates the identifier of a fibre that is not enabled.
-    if (!ok || id > std::numeric_limits<std::int32_t>::max()) {
+    if (!id || *id > std::numeric_limits<std::int32_t>::max()) {
         throw std::runtime_error("fibre element has a bad identifier");
     }
     require(element, attr::posX, kWho);
@@ -59,8 +58,8 @@ void readFibre(const QDomElement& element, Veko& veko) {
     const FibreStatus status = element.hasAttribute(attr::status)
                                    ? FibreStatus(element.attribute(attr::status).toStdString())
                                    : FibreStatus(FibreStatus::Enabled);
-    veko.fibres.try_emplace(id, SatelliteFibre<Veko::VekoCentre>{0, id, &veko.centre, dx, dy, status});
-    veko.names.insert_or_assign(id, element.attribute(attr::fibreName).toStdString());
+    veko.fibres.try_emplace(*id, SatelliteFibre<Veko::VekoCentre>{0, *id, &veko.centre, dx, dy, status});
+    veko.names.insert_or_assign(*id, element.attribute(attr::fibreName).toStdString());
 }
 
 } // namespace

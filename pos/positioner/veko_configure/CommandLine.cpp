@@ -1,6 +1,6 @@
 #include "CommandLine.h"
 
-#include "Pointing.h"
+#include "Estimates.h"
 #include "veko_configure.h"
 
 #include "EmbeddedResources.h"

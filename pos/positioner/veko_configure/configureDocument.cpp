@@ -1,26 +1,25 @@
 #include "configureDocument.h"
 
-#include "Pointing.h"
-
 #include "CelestialPositionXML.h"
 #include "ConditionsXML.h"
 #include "FibreTargets.h"
+#include "FieldTargets.h"
 #include "FieldXML.h"
 #include "FocalPlaneXML.h"
 #include "LimitsCalc.h"
 #include "PosConfig.h"
 #include "TargetXML.h"
 #include "Veko.h"
-#include "VekoTargets.h"
 #include "VekoXML.h"
 #include "Version.h"
 #include "angles.h"
 #include "numberText.h"
+#include "placeVeko.h"
 #include "xmlKeywords.h"
 #include "xmlSerialise.h"
 #include "xmlStructure.h"
 
-#include <optional>
+#include <memory>
 #include <vector>
 
 namespace pos {
@@ -33,22 +32,6 @@ QDomElement requireConfigureElement(const QDomElement& root) {
         throw std::runtime_error("Configure element not found");
     }
     return configure;
-}
-
-double requireDate(double epoch, const Conditions& conditions) {
-    const std::optional<double> date = resolveDate(epoch, conditions);
-    if (!date) {
-        throw NoEpoch();
-    }
-    return *date;
-}
-
-double requireHourAngle(double hours, const QDomElement& conditions) {
-    const std::optional<double> hourAngle = resolveHourAngle(hours, conditions);
-    if (!hourAngle) {
-        throw BadHourAngle();
-    }
-    return *hourAngle;
 }
 
 void saveHourAngleLimits(std::pair<double, double> limits, QDomDocument document, QDomElement configure) {
@@ -70,7 +53,7 @@ struct PlacedField {
  *
  * @param observation receives the field centre too; a null element for every field but the first
  */
-PlacedField placeOnField(Veko& veko, const FibreTargets& fibres, const QDomElement& field, const VekoTargets& targets,
+PlacedField placeOnField(Veko& veko, const FibreTargets& fibres, const QDomElement& field, const FieldTargets& targets,
                          const Target& science, const QDomElement& observation) {
     const std::uint32_t fibre = scienceFibre(science);
     placeVeko(veko, science, fibre);
@@ -90,13 +73,12 @@ PlacedField placeOnField(Veko& veko, const FibreTargets& fibres, const QDomEleme
  */
 void configureFields(Veko& veko, const QDomElement& root, QDomElement observation, double defaultEpoch) {
     const FibreTargets fibres(veko, defaultEpoch);
-    const qint64 newTargets = countNewTargets(veko);
     std::vector<PlacedField> fields;
     for (QDomElement element = findFieldElement(root, QDomElement()); !element.isNull();
          element = findFieldElement(root, element)) {
-        const VekoTargets targets = findVekoTargets(element);
+        const FieldTargets targets = findFieldTargets(element);
         const Target science = createTargetXML(targets.science);
-        checkOutputSize(static_cast<qint64>(fields.size() + 1) * newTargets * kMinTargetSize);
+        checkOutputSize(static_cast<qint64>(fields.size() + 1) * fibres.leastSize());
         fields.push_back(placeOnField(veko, fibres, element, targets, science, observation));
         observation.clear();
     }
@@ -117,8 +99,8 @@ void configureDocument(const PosConfig& config, QDomDocument document, const Est
     QDomElement configure = requireConfigureElement(root);
     const QDomElement conditionsElement = findOrCreateConditionsElement(configure);
     Conditions conditions = createConditionsXML(conditionsElement);
-    conditions.epoch = requireDate(estimates.epoch, conditions);
-    const double hourAngle = requireHourAngle(estimates.hourAngle, conditionsElement);
+    conditions.epoch = resolveDate(estimates.epoch, conditions);
+    const double hourAngle = resolveHourAngle(estimates.hourAngle, conditionsElement);
     conditions.pressure = resolvePressure(estimates.pressure, conditions);
     configure.setAttribute(attr::configureVersion, QString::fromStdString(configure_version));
 
@@ -126,7 +108,8 @@ void configureDocument(const PosConfig& config, QDomDocument document, const Est
     const std::unique_ptr<Veko> veko =
         createVekoXML(config, config.getFilename("veko_definition"), *firstField, conditions);
     FocalPlane& focalPlane = veko->focalPlane;
-    pointFocalPlane(focalPlane, positionAngle, hourAngle);
+    focalPlane.setFieldCentre(focalPlane.fieldCentre(), positionAngle);
+    focalPlane.setHourAngle(hourAngle);
     const LimitsCalc limits(config, focalPlane, estimates.zenithDistanceLimit);
     checkLimits(limits);
 

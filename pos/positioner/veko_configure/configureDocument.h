@@ -5,30 +5,13 @@
 #ifndef POS_CONFIGUREDOCUMENT_H
 #define POS_CONFIGUREDOCUMENT_H
 
+#include "Estimates.h"
+
 #include <QDomDocument>
-#include <stdexcept>
 
 namespace pos {
 
 class PosConfig;
-
-/** What is known of the observation beside its document. */
-struct Estimates {
-    double epoch;               ///< Julian epoch of the observation, years; 0.0 for the document's
-    double hourAngle;           ///< hour angle of the first field's centre, hours; 100.0 for the document's
-    double pressure;            ///< millibar; 0.0 for the document's
-    double zenithDistanceLimit; ///< the field must be nearer to the zenith than this, radians
-};
-
-/** Neither the estimates nor the document have a date. */
-struct NoEpoch : std::runtime_error {
-    NoEpoch() : std::runtime_error("No epoch specified") {}
-};
-
-/** The document's hour angle is asked for and is not a finite number. */
-struct BadHourAngle : std::runtime_error {
-    BadHourAngle() : std::runtime_error("Bad hour angle in XML") {}
-};
 
 /**
  * Configures the VEKO for every field of an observation.
@@ -49,7 +32,7 @@ struct BadHourAngle : std::runtime_error {
  * @throw BadHourAngle "Bad hour angle in XML"
  * @throw std::runtime_error "Configure element not found", "field is below the horizon limit", "field position angle is
  *     outside the rotator limits", "The output would be larger than 256 MiB", and what reading the document, the
- *     configuration and the bundle throws (createFieldXML, createVekoXML) and placing it on a field (findVekoTargets,
+ *     configuration and the bundle throws (createFieldXML, createVekoXML) and placing it on a field (findFieldTargets,
  *     placeVeko, FibreTargets::requirePlaces, saveGuideStar)
  */
 void configureDocument(const PosConfig& config, QDomDocument document, const Estimates& estimates);

@@ -18,7 +18,7 @@ int main(int argc, char* argv[]) {
     const pos::Conditions conditions{mjd, 281.5, 770.0, 0.25}; // date, kelvin, millibar, relative humidity
     const pos::FocalPlane pointing(config, pos::VEKO, {radians(1), radians(2)}, 0.0, conditions);
     const pos::CIRS star = pos::Astrometric{radians(4), radians(5)}.toCirs(mjd);
-    const pos::PlateCoordinates position{pos::FocalPlaneCoordinates(pointing.cirsToStd(star))};
+    const pos::PlateCoordinates position = pointing.cirsToXy(star);
     std::printf("%.6f %.6f\n", position.x, position.y);
     //! [star on plate]
     return EXIT_SUCCESS;

@@ -1,11 +1,10 @@
-#include "VekoTargets.h"
+#include "placeVeko.h"
 
 #include "TargetXML.h"
 #include "Veko.h"
 #include "angles.h"
 #include "xmlKeywords.h"
 
-#include <algorithm>
 #include <stdexcept>
 
 namespace pos {
@@ -16,24 +15,6 @@ namespace {
 constexpr std::uint32_t kDefaultScienceFibre = 304;
 
 } // namespace
-
-VekoTargets findVekoTargets(const QDomElement& field) {
-    VekoTargets found;
-    for (QDomElement target = field.firstChildElement(tag::target);
-         !target.isNull() && (found.science.isNull() || found.guide.isNull());
-         target = target.nextSiblingElement(tag::target)) {
-        const QString use = target.attribute(attr::targuse);
-        if (use == QLatin1String("T")) {
-            found.science = target;
-        } else if (use == QLatin1String("G")) {
-            found.guide = target;
-        }
-    }
-    if (found.science.isNull() || found.guide.isNull()) {
-        throw std::runtime_error("No science target in field");
-    }
-    return found;
-}
 
 std::uint32_t scienceFibre(const Target& science) {
     return science.fibreid == kNoFibre ? kDefaultScienceFibre : static_cast<std::uint32_t>(science.fibreid);
@@ -46,14 +27,9 @@ void placeVeko(Veko& veko, const Target& science, std::uint32_t fibre) {
     if (found == veko.fibres.end()) {
         throw std::runtime_error("fibre assigned to science target does not exist");
     }
-    const PlateCoordinates wanted(static_cast<FocalPlaneCoordinates>(found->second.platePosition()));
+    const FocalPlaneCoordinates fibrePosition = found->second.platePosition();
+    const PlateCoordinates wanted = fibrePosition;
     focalPlane.setFieldCentre(science.position.toAstrometric(focalPlane.date()), wanted);
-}
-
-qint64 countNewTargets(const Veko& veko) {
-    return std::count_if(veko.fibres.begin(), veko.fibres.end(),
-                         [](const auto& fibre) { return fibre.second.status != FibreStatus::Absent; }) -
-           1;
 }
 
 Astrometric vekoFieldCentre(const Veko& veko) {
@@ -63,8 +39,7 @@ Astrometric vekoFieldCentre(const Veko& veko) {
 void saveGuideStar(const Veko& veko, QDomElement guide) {
     const FocalPlane& focalPlane = veko.focalPlane;
     const Astrometric place = createTargetXML(guide).position.toAstrometric(focalPlane.date());
-    const StandardCoordinates standard = focalPlane.cirsToStd(place.toCirs(focalPlane.dateContext()));
-    const PlateCoordinates position{FocalPlaneCoordinates(standard)};
+    const PlateCoordinates position = focalPlane.cirsToXy(place.toCirs(focalPlane.dateContext()));
     guide.setAttribute(attr::targx, position.x);
     guide.setAttribute(attr::targy, position.y);
     guide.setAttribute(attr::ifuPa, radiansToDegrees(focalPlane.positionAngle()));

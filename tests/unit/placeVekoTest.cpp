@@ -1,4 +1,4 @@
-#include "VekoTargets.h"
+#include "placeVeko.h"
 
 #include "TargetXML.h"
 #include "VekoField.h"
@@ -13,7 +13,6 @@ using namespace pos;
 
 namespace {
 
-class VekoTargetsSearch : public testing::Test {};
 class VekoPlacement : public VekoField {};
 class VekoGuideStar : public VekoField {};
 
@@ -30,17 +29,6 @@ Target scienceTarget() {
     return target;
 }
 
-/** The "name" attributes of the two targets that are found. */
-std::string foundIn(const std::string& children) {
-    const VekoTargets found = findVekoTargets(parseElement("<field>" + children + "</field>"));
-    return attributeText(found.science, "name") + " " + attributeText(found.guide, "name");
-}
-
-std::string searchFailure(const std::string& children) {
-    const QDomElement field = parseElement("<field>" + children + "</field>");
-    return messageOf([&] { findVekoTargets(field); });
-}
-
 /** Asserts that the pointing has the target on a place of the plate. */
 void expectOnPlate(const FocalPlane& focalPlane, const Target& target, double x, double y) {
     const PlateCoordinates landed = plateOf(focalPlane, focalPlane.date(), target.position);
@@ -49,50 +37,6 @@ void expectOnPlate(const FocalPlane& focalPlane, const Target& target, double x,
 }
 
 } // namespace
-
-TEST_F(VekoTargetsSearch, FindsTheTwoInEitherOrder) {
-    EXPECT_EQ(foundIn("<target name='a' targuse='T'/><target name='b' targuse='G'/>"), "a b");
-    EXPECT_EQ(foundIn("<target name='a' targuse='G'/><note/><target name='b' targuse='T'/>"), "b a");
-}
-
-TEST_F(VekoTargetsSearch, UntilBothAreSeenALaterOneReplacesAnEarlierOne) {
-    EXPECT_EQ(foundIn("<target name='a' targuse='T'/><target name='b' targuse='T'/><target name='c' targuse='G'/>"),
-              "b c");
-    EXPECT_EQ(foundIn("<target name='a' targuse='G'/><target name='b' targuse='G'/><target name='c' targuse='T'/>"),
-              "c b");
-}
-
-TEST_F(VekoTargetsSearch, StopsAsSoonAsBothAreSeen) {
-    EXPECT_EQ(foundIn("<target name='a' targuse='T'/><target name='b' targuse='G'/><target name='c' targuse='T'/>"
-                      "<target name='d' targuse='G'/>"),
-              "a b");
-}
-
-TEST_F(VekoTargetsSearch, PassesOverOtherUsesAndUsesInLowerCase) {
-    EXPECT_EQ(foundIn("<target name='a' targuse='S'/><target name='b' targuse='T'/><target name='c' targuse='t'/>"
-                      "<target name='d' targuse='TT'/><target name='e'/><target name='f' targuse=' T'/>"
-                      "<target name='g' targuse='g'/><target name='h' targuse=''/><target name='i' targuse='G'/>"),
-              "b i");
-}
-
-TEST_F(VekoTargetsSearch, LooksAtTheFieldsOwnTargetsOnly) {
-    EXPECT_EQ(foundIn("<target name='a' targuse='T'/><group><target name='b' targuse='T'/>"
-                      "<target name='c' targuse='G'/></group><star name='d' targuse='T'/>"
-                      "<target name='e' targuse='G'/>"),
-              "a e");
-}
-
-TEST_F(VekoTargetsSearch, BothMissingTargetsShareOneMessage) {
-    constexpr const char* kMessage = "No science target in field";
-    EXPECT_EQ(searchFailure("<target targuse='T'/>"), kMessage);
-    EXPECT_EQ(searchFailure("<target targuse='G'/>"), kMessage);
-    EXPECT_EQ(searchFailure(""), kMessage);
-    // A target without a use is no science target, though its record reads as one.
-    EXPECT_EQ(searchFailure("<target/><target targuse='G'/>"), kMessage);
-    EXPECT_EQ(searchFailure("<target targuse='t'/><target targuse='G'/>"), kMessage);
-    EXPECT_EQ(searchFailure("<target targuse='T'/><target targuse='g'/>"), kMessage);
-    EXPECT_EQ(searchFailure("<group><target targuse='T'/></group><target targuse='G'/>"), kMessage);
-}
 
 TEST_F(VekoPlacement, WithoutAFibreTheScienceTargetGoesToFibre304) {
     Target target;

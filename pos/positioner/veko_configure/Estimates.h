@@ -1,0 +1,64 @@
+/**
+ * @file
+ * What is known of an observation beside its document, and which of the two counts.
+ */
+#ifndef POS_ESTIMATES_H
+#define POS_ESTIMATES_H
+
+#include <QDomElement>
+#include <stdexcept>
+
+namespace pos {
+
+struct Conditions;
+
+/** An epoch, Julian years, or a pressure, millibar, that is not given. */
+inline constexpr double kNotGiven = 0.0;
+/** An hour angle, hours, that is not given: no real one has this value. */
+inline constexpr double kHourAngleNotGiven = 100.0;
+
+/** What is known of the observation beside its document. */
+struct Estimates {
+    double epoch;               ///< Julian epoch of the observation, years; kNotGiven for the document's
+    double hourAngle;           ///< hour angle of the first field's centre, hours; kHourAngleNotGiven: the document's
+    double pressure;            ///< millibar; kNotGiven for the document's
+    double zenithDistanceLimit; ///< the field must be nearer to the zenith than this, radians
+};
+
+/** Neither the estimates nor the document have a date. */
+struct NoEpoch : std::runtime_error {
+    NoEpoch() : std::runtime_error("No epoch specified") {}
+};
+
+/** The document's hour angle is asked for and is not a finite number. */
+struct BadHourAngle : std::runtime_error {
+    BadHourAngle() : std::runtime_error("Bad hour angle in XML") {}
+};
+
+/**
+ * The date of the observation, MJD, TAI: the estimated epoch if given, else the document's date.
+ *
+ * Only a document's date of exactly 0 counts as missing. A document without an epoch has the date of Julian epoch 0,
+ * with which the run goes on.
+ *
+ * @param epoch the estimate, Julian years
+ * @param conditions the document's
+ * @throw NoEpoch "No epoch specified"
+ */
+double resolveDate(double epoch, const Conditions& conditions);
+
+/**
+ * The hour angle to point at, radians: the estimate if given, else the conditions' "ha" in hours, else 0.
+ *
+ * @param hours the estimate
+ * @param conditions the document's conditions element
+ * @throw BadHourAngle "Bad hour angle in XML", where "ha" is present, not "%%%", and not a finite number
+ */
+double resolveHourAngle(double hours, const QDomElement& conditions);
+
+/** The pressure, millibar: the estimate if given, else the document's. */
+double resolvePressure(double pressure, const Conditions& conditions);
+
+} // namespace pos
+
+#endif
