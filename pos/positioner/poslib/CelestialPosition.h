@@ -3,8 +3,8 @@
  * Positions on the sky in their reference systems, and the conversions between them.
  *
  * All angles are radians. All types are plain values: nothing is checked on construction, and values outside their
- * usual range reach the astronomy library as they are. A date is a Modified Julian Date on the TAI scale; it is turned
- * into the two-part TT Julian Date that the library takes.
+ * usual range reach the astronomy library as they are. A date is a Modified Julian Date on the TAI scale; the
+ * conversions turn it into the two-part TT Julian Date that the library takes.
  */
 #ifndef POS_CELESTIALPOSITION_H
 #define POS_CELESTIALPOSITION_H
@@ -26,8 +26,9 @@ struct StandardCoordinates {
 struct CIRS;
 
 /**
- * What the conversions between astrometric and CIRS places need of a date, and of nothing else: precession, nutation,
- * the Earth's place and speed (ERFA eraApci13). To work it out takes a hundred times as long as a conversion.
+ * The part of the conversions between astrometric and CIRS places that depends on nothing but the date: precession,
+ * nutation, the Earth's position and velocity (ERFA eraApci13). Computing it takes a hundred times as long as a
+ * conversion.
  */
 struct DateContext {
     /** @param mjdTai MJD, TAI */
@@ -93,12 +94,13 @@ struct ICRS {
     /**
      * The astrometric place at a date (ERFA eraPmsafe): space motion alone.
      *
-     * Parallax and radial velocity enter by the change of the motion with the distance; the annual parallax, where the
-     * Earth is on its orbit, is left out here and in toCirs. A position without an epoch is returned as it stands,
-     * whatever its motions.
+     * Parallax and radial velocity count only through the change of the proper motion with the distance; the annual
+     * parallax, which follows the Earth along its orbit, is left out here and in toCirs. A position without an epoch is
+     * returned unchanged, whatever its motions.
      *
      * @param date date of observation, MJD, TAI
-     * @return the place with the space motion from the position's epoch to the date applied
+     * @return the place with the space motion from the position's epoch to the date applied; its right ascension in
+     *     [0, 2π), unless the position has no epoch
      */
     Astrometric toAstrometric(double date) const;
 };

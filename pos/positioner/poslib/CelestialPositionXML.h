@@ -2,10 +2,9 @@
  * @file
  * Positions on the sky as attributes of an element.
  *
- * Right ascension and declination are decimal degrees in the document and must be written with enough decimals for a
- * tenth of an arcsecond: a number whose value moves by more when three nines are put behind its last digit, before an
- * exponent, is refused.
- * Sexagesimal notation is not accepted.
+ * Right ascension and declination are decimal degrees in the document and need enough decimals for a tenth of an
+ * arcsecond: the readers refuse a number whose value changes by more when "999" follows its last digit (before an
+ * exponent). They do not accept sexagesimal notation.
  */
 #ifndef POS_CELESTIALPOSITIONXML_H
 #define POS_CELESTIALPOSITIONXML_H
@@ -20,8 +19,8 @@ namespace pos {
 /**
  * Reads a catalogue position.
  *
- * "targra" and "targdec" (degrees) are required. Absent or empty, "targepoch" (Julian years) is 2015.5, and "targpmra",
- * "targpmdec" (mas/yr), "targparal" (taken unchanged as arcseconds) and "targrv" (km/s) are 0.
+ * "targra" and "targdec" (degrees) are required. If they are absent or empty, "targepoch" (Julian years) is 2015.5, and
+ * "targpmra", "targpmdec" (mas/yr), "targparal" (taken unchanged as arcseconds) and "targrv" (km/s) are 0.
  *
  * @param name description of the element, with which every message begins
  * @param e the element that carries the attributes
@@ -43,10 +42,10 @@ ICRS createIcrsXML(const std::string& name, const QDomElement& e);
 Astrometric createAstrometricXML(const std::string& name, const QDomElement& e);
 
 /**
- * Writes "targra" and "targdec", degrees with 6 decimals, of a position whose other attributes stay as they are.
+ * Writes "targra" and "targdec", degrees with 6 decimals; the element's other attributes stay as they are.
  *
- * @param ra ICRS, radians
- * @param dec ICRS, radians
+ * @param ra right ascension, ICRS, radians
+ * @param dec declination, ICRS, radians
  * @param e receives the attributes
  */
 void saveCataloguePlaceXML(double ra, double dec, QDomElement e);
@@ -54,7 +53,7 @@ void saveCataloguePlaceXML(double ra, double dec, QDomElement e);
 /**
  * Writes a catalogue position: "targra" and "targdec" with 6 decimals and "targepoch" with 2; both proper motions, if
  * either is not zero, the parallax in milliarcseconds and the radial velocity, if not zero, without decimals. An
- * attribute that is not written keeps the value that it has.
+ * attribute that is not written keeps its value.
  */
 void saveIcrsXML(const ICRS& p, QDomElement e);
 

@@ -20,15 +20,15 @@ namespace pos {
 class PosConfig;
 
 /**
- * A field centre, its position angle, the site, the date and the weather, with all that follows from them.
+ * A field centre, its position angle, the site, the date and the weather, with everything derived from them.
  *
  * From sky to plate: CIRS place → observed place (refraction included) → standard coordinates about the observed place
  * of the field centre → FocalPlaneCoordinates → PlateCoordinates; from plate to sky the same steps backwards. The
  * wavelength is 0.6 µm; UT1−UTC and polar motion are taken as 0.
  *
  * Every setter ends in update(), so that the derived values always match the inputs. The optical model and the plate
- * geometry in force are process-wide: each constructor replaces them by those of its pointing. Where several pointings
- * are used in turn, PointingInForce puts those of one in force.
+ * geometry in force are process-wide: each constructor replaces them by those of its pointing. To use several pointings
+ * in turn, put those of one in force with PointingInForce.
  *
  * With a date that the astronomy library refuses (not finite, or outside the calendar's range) the derived values are
  * NaN.
@@ -42,7 +42,7 @@ public:
      * @param optics the optical model
      * @param plates the plate geometry
      * @param centre field centre at the date of the conditions
-     * @param positionAngle position angle of the field, radians; kept as it is, unwrapped
+     * @param positionAngle position angle of the field, from north through east, radians; kept as it is, unwrapped
      * @param conditions date and weather
      */
     FocalPlane(const Telescope& telescope, const Optics& optics, const PlateGeometry& plates, Astrometric centre,
@@ -109,7 +109,7 @@ public:
     void update();
 
     /**
-     * The standard coordinates of a place about the tangent point.
+     * The standard coordinates of a place about the tangent point (ERFA eraAtioq, eraTpxes).
      *
      * @throw std::runtime_error "celestial position not in the tangent plane", from 90 degrees off the tangent point on
      */
@@ -124,8 +124,9 @@ public:
     PlateCoordinates cirsToXy(CIRS place) const;
 
     /**
-     * The place that lands at a position on the plate.
+     * The place that lands at a position on the plate (ERFA eraTpsts, eraAtoiq).
      *
+     * @return the place; right ascension in [0, 2π)
      * @throw std::runtime_error "Inverse distortion not converging at a radius of … mm"
      */
     CIRS xyToCirs(PlateCoordinates position) const;
@@ -136,10 +137,10 @@ public:
      * From the four-part (cotangent) formula of the triangle pole, zenith, field centre, with the latitude φ, the
      * observed declination δ, the parallactic angle q and the hour angle H:
      *     tan q · (tan φ · cos δ − sin δ · cos H) = sin H.
-     * Times cos φ · cos q this is
+     * Multiplied by cos φ · cos q, this becomes
      *     cos φ · r · sin(H + a) = sin φ · cos δ · sin q, r² = cos² q + sin² q · sin² δ, tan a = tan q · sin δ,
-     * solved for H by an arcsine; a solution on the wrong side of the meridian is dropped. Where q is 0 or π, so is H,
-     * and whether φ or δ is larger tells which.
+     * solved for H by an arcsine; a solution on the wrong side of the meridian is dropped. Where q is 0 or π, so is H;
+     * the larger of φ and δ decides which.
      *
      * @param parallacticAngle radians, of any turn
      * @return at most two hour angles in [−π, π] in ascending order; NaN in the second place, or both, where there are
@@ -147,11 +148,11 @@ public:
      */
     std::pair<double, double> parallacticToHour(double parallacticAngle) const;
 
-    /** The field centre at the present date, as given or found last. */
+    /** The field centre at the present date, as last given or found. */
     Astrometric fieldCentre() const {
         return centre_;
     }
-    /** Position angle, radians. */
+    /** Position angle of the field, from north through east, radians; setFieldCentre wraps it into [−π, π]. */
     double positionAngle() const {
         return positionAngle_;
     }
@@ -163,7 +164,7 @@ public:
     double latitude() const {
         return telescope_.latitude;
     }
-    /** Metres above mean sea level. */
+    /** Height of the site above mean sea level, metres. */
     double height() const {
         return telescope_.height;
     }
@@ -175,23 +176,23 @@ public:
     double date() const {
         return conditions_.epoch;
     }
-    /** For conversions at the present date. */
+    /** The context for conversions at the present date. */
     const DateContext& dateContext() const {
         return dateContext_;
     }
-    /** Observed declination of the field centre, radians. */
+    /** Observed declination of the field centre, radians, in [−π/2, π/2]. */
     double tangentDec() const {
         return tangentDec_;
     }
-    /** Observed zenith distance of the field centre, radians. */
+    /** Observed zenith distance of the field centre, radians, in [0, π]. */
     double zenithDistance() const {
         return zenithDistance_;
     }
-    /** Observed hour angle of the field centre, radians. */
+    /** Observed hour angle of the field centre, radians, in [−π, π], positive west of the meridian. */
     double hourAngle() const {
         return hourAngle_;
     }
-    /** Parallactic angle of the field centre, radians. */
+    /** Parallactic angle of the field centre (ERFA eraHd2pa), radians, in [−π, π]. */
     double parallacticAngle() const {
         return parallacticAngle_;
     }

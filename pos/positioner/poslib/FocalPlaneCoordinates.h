@@ -20,7 +20,7 @@ class PosConfig;
 /**
  * A position in the focal plane, millimetres from the optical axis, in the frame of the field.
  *
- * The optical model is class-wide, one per process: a distortion polynomial that takes a field angle θ in degrees to a
+ * The optical model is class-wide, one per process: a distortion polynomial that maps a field angle θ in degrees to a
  * radius in millimetres at the nominal focal length,
  *     P(θ) = c1·θ + c3·θ³ + c5·θ⁵,
  * the ratio of the focal length in use to the nominal one, a reflection of the sky's east-west axis, and the rotation
@@ -55,7 +55,9 @@ public:
     operator StandardCoordinates() const; // NOLINT(google-explicit-constructor): the same place
 
     /**
-     * Before rotation, the position of a point of the tangent plane.
+     * The position of a point of the tangent plane before rotation: in the direction of (xi, eta), at the radius P(θ)
+     * times the ratio of the focal lengths, with the length of (xi, eta) in degrees as θ. Below 1e-9 radians the radius
+     * is the focal length in use times the length of (xi, eta).
      *
      * @param xi, eta tangent-plane coordinates, radians, xi already reflected
      * @return (x, y), mm
@@ -63,7 +65,8 @@ public:
     std::pair<double, double> project(double xi, double eta) const;
 
     /**
-     * The inverse of project, by Newton iteration on P(θ) = radius until a step is at most 1e-10 degrees.
+     * The inverse of project, by Newton iteration on P(θ) = radius until a step is at most 1e-10 degrees. The result is
+     * (0, 0) within 1e-10 mm of the axis.
      *
      * @param xMm, yMm position before rotation, mm
      * @return (xi, eta), radians, xi still reflected

@@ -25,6 +25,7 @@ Optics createOpticsXML(const QDomDocument& map);
 /**
  * The axes of all three plates of a map. The rotation is that of the plate read last, VEKO, whichever is in use.
  *
+ * @param map the focal-plane map, with rotations in degrees
  * @param plate the plate in use
  * @throw std::runtime_error "Bad optical axis in focal plane map"
  * @throw std::runtime_error "Bad plate rotation in focal plane map"

@@ -20,7 +20,9 @@ class PosConfig;
  * A position in the frame of the current plate, millimetres.
  *
  * The plate geometry is class-wide: one set of offsets per plate, one current plate and one rotation per process.
- * Converting to the focal plane and back is exact but for rounding while that state does not change.
+ * The plate position is the focal-plane position, turned by the rotation from x towards y and shifted by the current
+ * plate's x0 and y0. While that state does not change, converting to the focal plane and back is exact except for
+ * rounding.
  */
 class PlateCoordinates {
 public:
@@ -81,7 +83,7 @@ private:
     static std::array<double, kPlateCount> y0_;
     static std::array<double, kPlateCount> r0_;
     static PlateName plate_;
-    static double rotation_; ///< of which cos_r_ and sin_r_ are the cosine and the sine
+    static double rotation_; ///< radians; its cosine and sine are cos_r_ and sin_r_
     static double cos_r_;
     static double sin_r_;
 };

@@ -13,12 +13,14 @@ namespace pos {
 class FocalPlane;
 
 /**
- * Puts optical model, rotation and plate geometry of one pointing in force, until the object goes: then what was in
- * force before is so again. What is set class-wide meanwhile is lost; what is set on the pointing stays.
+ * Puts the optical model, rotation and plate geometry of one pointing in force until the object is destroyed; then the
+ * earlier ones are in force again. Class-wide settings made meanwhile are lost; settings of the pointing stay.
  */
 class PointingInForce {
 public:
+    /** @param pointing the pointing whose model and geometry come into force */
     explicit PointingInForce(const FocalPlane& pointing);
+    /** Puts the earlier model and geometry in force again. */
     ~PointingInForce();
     PointingInForce(const PointingInForce&) = delete;
     PointingInForce& operator=(const PointingInForce&) = delete;
