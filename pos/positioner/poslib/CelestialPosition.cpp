@@ -89,7 +89,7 @@ Astrometric ICRS::toAstrometric(double date) const {
     double decRateAfter = 0.0;
     double parallaxAfter = 0.0;
     double rvAfter = 0.0;
-    // The status warns of distances and speeds that the routine had to replace; its place is used all the same.
+    // The status warns of distances and speeds that the routine had to replace; its place still counts.
     static_cast<void>(eraPmsafe(ra, dec, raRate, decRate, parallax, rv, start.jd1, start.jd2, tt.jd1, tt.jd2, &place.ra,
                                 &place.dec, &raRateAfter, &decRateAfter, &parallaxAfter, &rvAfter));
     return place;

@@ -13,7 +13,7 @@ namespace {
 
 /** One tenth of an arcsecond in degrees. */
 constexpr double kPrecision = 2.777777777777778e-5;
-/** Epoch of a catalogue position that states none, Julian years. */
+/** Epoch of a catalogue position without one, Julian years. */
 constexpr double kDefaultEpoch = 2015.5;
 /** Arcseconds to milliarcseconds. */
 constexpr double kMilli = 1000;
@@ -70,7 +70,7 @@ double readCatalogueAngle(const std::string& name, const QDomElement& e, const Q
     return readAngle(name + " has an invalid " + attributeName, name + " " + attributeName, e.attribute(attribute));
 }
 
-/** An optional number; what it is called in the message; its value when absent or empty. */
+/** An optional number, with its name in the message and its value when absent or empty. */
 double readOptional(const std::string& name, const QDomElement& e, const QString& attribute, const char* what,
                     double absent) {
     const QString text = e.attribute(attribute);

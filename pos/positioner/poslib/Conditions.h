@@ -14,7 +14,7 @@ struct Conditions {
     double pressure;         ///< ambient pressure, millibar (hPa); 0 means no refraction
     double relativeHumidity; ///< relative humidity, 0 to 1
 
-    /** Whether all four are equal; with a NaN never. */
+    /** Whether all four are equal; never with a NaN. */
     bool operator==(const Conditions&) const = default;
 };
 

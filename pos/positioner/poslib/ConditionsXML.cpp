@@ -16,7 +16,7 @@ namespace {
 /** Written whatever the input says, K/m. */
 constexpr double kLapseRate = 0.0065;
 
-/** A number; its default where the attribute is absent or marked as missing. @param what its name in the message */
+/** A number, or its default if the attribute is absent or marked as missing. @param what its name in the message */
 double readNumber(const QDomElement& element, const QString& attribute, const char* what, double absent) {
     const QString text = element.attribute(attribute, kMissingValue);
     if (text == kMissingValue) {

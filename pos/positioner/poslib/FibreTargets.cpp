@@ -11,7 +11,7 @@ namespace pos {
 
 namespace {
 
-/** A new target is written in no fewer bytes: so many its own attributes take, with the shortest of values. */
+/** The least size of a new target, bytes: its own attributes take as much with the shortest values. */
 constexpr qint64 kLeastTargetSize = 256;
 
 } // namespace
@@ -38,7 +38,7 @@ qint64 FibreTargets::leastSize() const {
 void FibreTargets::requirePlaces(std::uint32_t scienceFibre) const {
     for (const Record& record : records_) {
         if (record.id != scienceFibre) {
-            // All that can fail on the way back to the sky.
+            // Nothing else can fail on the way back to the sky.
             const FocalPlaneCoordinates position = record.position;
             static_cast<void>(StandardCoordinates(position));
         }

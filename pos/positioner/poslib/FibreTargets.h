@@ -18,27 +18,28 @@ namespace pos {
 class Veko;
 
 /**
- * Writes the targets of a bundle's usable fibres, the same on every field but for what they see there. Absent fibres
- * get none.
+ * Writes the targets of a bundle's fibres, the same on every field except for what they see there. Absent fibres get
+ * none.
  */
 class FibreTargets {
 public:
     /**
      * Takes over fibres, names and plate positions.
      *
-     * @param veko the bundle, which must outlive this object; of its later changes only those of its pointing count
+     * @param veko the bundle, which must outlive this object; of its later changes only those of its pointing take
+     *     effect
      * @param epoch Julian epoch of the positions written, years
      * @throw std::out_of_range "map::at" for a fibre without a name, which the reader of the bundle never makes
      */
     FibreTargets(const Veko& veko, double epoch);
 
-    /** The bytes that the new targets of a field take in a document, at the least: all but the science target. */
+    /** The fewest bytes that the new targets of a field (all but the science target) take in a document. */
     qint64 leastSize() const;
 
     /**
      * Makes sure that save() will succeed, wherever on the sky the bundle is placed.
      *
-     * @param scienceFibre the fibre that is on the science target; what it sees is known
+     * @param scienceFibre the fibre on the science target, whose place is known
      * @throw std::runtime_error "Inverse distortion not converging at a radius of … mm", as FocalPlane::xyToCirs, for
      *     another fibre too far from the optical axis
      */
@@ -60,7 +61,7 @@ public:
     void save(QDomElement field, QDomElement science, std::uint32_t scienceFibre) const;
 
 private:
-    /** A fibre, and what each of its targets says of it in the words of the document. */
+    /** A fibre, and the attribute values that are the same in all its targets. */
     struct Record {
         std::uint32_t id;
         PlateCoordinates position;

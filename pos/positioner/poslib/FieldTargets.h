@@ -18,8 +18,8 @@ struct FieldTargets {
 /**
  * Finds the science target ("targuse" T) and the guide star (G) among a field's own targets, not those of its groups.
  *
- * The search ends as soon as both have been seen; of several up to there the last one counts. The letters are compared
- * with regard to case.
+ * The search ends as soon as it has seen both; of several science targets or guide stars seen by then, the last counts.
+ * Only capital letters count.
  *
  * @throw std::runtime_error "No science target in field" when either is missing
  */

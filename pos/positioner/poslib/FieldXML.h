@@ -20,7 +20,7 @@ struct Plate;
  * Reads a field: its centre, its targets, its sky masks.
  *
  * Targets that stand directly in the field go to group 0, those of each "group" element, nested or not, to a group of
- * its own; behind the end of any group, group 0 is current again. A target without a configure target id gets the next
+ * its own; after the end of any group, group 0 is current again. A target without a configure target id gets the next
  * free one, which is written into its element, and goes to group 0 wherever it stands.
  *
  * @throw std::runtime_error "Target configid already exists", or what createAstrometricXML (beginning with "Field

@@ -23,8 +23,8 @@ constexpr double kHourAngleTolerance = 7.27220521664304e-05;
 /** Sidereal days in a solar day. */
 constexpr double kSiderealRate = 1.00273790934;
 /**
- * An ordinary field takes one or two steps, one within a fraction of a degree of the pole some 15,000; where the pole
- * stands at the horizon limit, and where the epoch is absurd, solves have ended well at any number of steps up to this.
+ * An ordinary field takes one or two steps, a field within a fraction of a degree of the pole some 15,000. Where the
+ * pole stands at the horizon limit, or the epoch is absurd, solves have converged after any number of steps up to this.
  */
 constexpr int kMaxHourAngleSteps = 50000;
 /**
@@ -96,7 +96,7 @@ void FocalPlane::setFieldCentre(Astrometric target, PlateCoordinates wanted) {
 }
 
 void FocalPlane::setHourAngle(double hourAngle) {
-    // A step depends on nothing but the date that it starts from: from one that comes again the steps go in a circle.
+    // A step depends only on the date from which it starts, so once a date comes again the steps go in a circle.
     std::unordered_set<double> dates = {conditions_.epoch};
     double previousError = kNaN;
     double error = wrapAngle(hourAngle_ - hourAngle);
@@ -146,7 +146,7 @@ void FocalPlane::update() {
     parallacticAngle_ = eraHd2pa(hourAngle_, tangentDec_, telescope_.latitude);
 }
 
-/** Most updates are for another field centre: what depends on date and weather alone stays until these change. */
+/** Most updates are for another field centre; what depends only on date and weather stays until these change. */
 void FocalPlane::updateContexts() {
     if (dateContext_.date != conditions_.epoch) {
         dateContext_ = DateContext(conditions_.epoch);
@@ -158,10 +158,9 @@ void FocalPlane::updateContexts() {
 }
 
 /**
- * Fills the context of the observer. Only eraAtioq and eraAtoiq see it. Of what eraApco13 fills in they read the turn
- * of the Earth, the site and the refraction constants, which eraApio13 works out by the same formulae in the same
- * order, to the bit, without the Earth's orbit and precession-nutation, on which eraApco13 spends nearly all of its
- * time.
+ * Fills the context of the observer. Only eraAtioq and eraAtoiq see it. They read only the Earth rotation angle, the
+ * site and the refraction constants. eraApio13 computes these by the same formulae in the same order as eraApco13, to
+ * the bit, without the Earth's orbit and precession-nutation, on which eraApco13 spends nearly all of its time.
  *
  * @return whether the library takes the date
  */
@@ -175,9 +174,9 @@ bool FocalPlane::fillObserverContext() {
     const int status = eraApio13(utc1, utc2, 0.0, telescope_.eastLongitude, telescope_.latitude, telescope_.height, 0.0,
                                  0.0, conditions_.pressure, conditions_.temperature - kCelsiusZero,
                                  conditions_.relativeHumidity, kWavelength, &observerContext_);
-    // The one difference: eraApco13 counts the observer's own speed to that of the Earth and leaves this at 0.
+    // The one difference: eraApco13 adds the observer's own speed to that of the Earth and leaves this at 0.
     observerContext_.diurab = 0.0;
-    // A positive status only says that leap seconds are not known for the date.
+    // A positive status only means that leap seconds are not known for the date.
     return status >= 0;
 }
 
@@ -243,7 +242,7 @@ std::pair<double, double> FocalPlane::parallacticToHour(double parallacticAngle)
     const double s = std::asin(k / scale);
     const double h1 = wrapAngle(s - a);
     const double h2 = wrapAngle(kPi - (s + a));
-    // The field centre is on the side of the meridian that the sign of the parallactic angle tells.
+    // The hour angle of the field centre has the sign of the parallactic angle.
     const auto keep = [q](double h) { return std::signbit(h) == std::signbit(q) ? h : kNaN; };
     return ascending(keep(h1), keep(h2));
 }

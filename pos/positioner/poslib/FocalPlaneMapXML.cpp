@@ -16,7 +16,7 @@ namespace {
 
 const char* const kBadAxis = "Bad optical axis in focal plane map";
 
-/** Stores an attribute's number, or 0, then fails with the message if it was none. */
+/** Stores an attribute's number; if it is none, stores 0 and fails with the message. */
 void readNumber(const QDomElement& element, const QString& name, double& value, const char* message) {
     const std::optional<double> number = numberOf(element.attribute(name));
     value = number.value_or(0.0);

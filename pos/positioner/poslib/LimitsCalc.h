@@ -47,15 +47,15 @@ public:
     /**
      * The hour angles around the present one between which the field stays observable.
      *
-     * Where the field sets follows from the cosine formula of the triangle pole, zenith, field centre, with the
-     * elevation limit h, the observed declination δ, the latitude φ and the hour angle H:
+     * The hour angle H at which the field sets follows from the cosine formula of the triangle pole, zenith, field
+     * centre, with the elevation limit h, the observed declination δ and the latitude φ:
      *     cos H = (sin h − sin δ · sin φ) / (cos δ · cos φ).
-     * Where the rotator reaches a limit, FocalPlane::parallacticToHour(offset − limit − position angle) tells; there
-     * the position angle is subtracted, whereas checkRotator adds it.
+     * FocalPlane::parallacticToHour(offset − limit − position angle) gives the hour angles at which the rotator reaches
+     * a limit; this subtracts the position angle, whereas checkRotator adds it.
      *
      * @return (earliest, latest), radians. (0, 0) for a field that never rises above the horizon limit or is below it
-     *     now. For a field that never sets only the rotator limits it, and each may lie up to 2π from the present
-     *     hour angle; NaN where the rotator reaches neither limit.
+     *     now. Only the rotator limits a field that never sets; then each may lie up to 2π from the present hour angle,
+     *     and is NaN where the rotator reaches neither limit.
      */
     std::pair<double, double> hourAngleLimits() const;
 

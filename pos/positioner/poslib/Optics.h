@@ -7,7 +7,7 @@
 
 namespace pos {
 
-/** Focal lengths, and the polynomial that FocalPlaneCoordinates takes a field angle to a radius with. */
+/** Focal lengths, and the polynomial by which FocalPlaneCoordinates turns a field angle into a radius. */
 struct Optics {
     double nominalFocalLength; ///< the focal length for which the polynomial holds, mm
     double focalLength;        ///< the focal length in use, mm

@@ -17,7 +17,7 @@ struct PlateFibre {
     double positionAngle; ///< radians
 };
 
-/** What a target's record needs to know of the plate that it is on. */
+/** What a target's record needs to know about its plate. */
 struct Plate {
     double observationTime;           ///< MJD, TAI
     FocalPlane focalPlane;            ///< the pointing

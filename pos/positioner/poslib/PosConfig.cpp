@@ -44,18 +44,18 @@ std::string nameOrEnvironment(const char* filename) {
 }
 
 /**
- * What the property tree's own reader makes of an XML file, once the reader of all documents has seen it: that reader
- * calls itself for every level, and takes a document type for something else.
+ * The result of the property tree's own reader for an XML file, after the reader of all documents has seen it: the
+ * former calls itself for every level, and misreads a document type.
  *
- * @throw boost::property_tree::ptree_error for a file that is malformed; MalformedXml, where it would be read in vain
- * @throw std::runtime_error what parseXml refuses it with
+ * @throw boost::property_tree::ptree_error for a malformed file; MalformedXml for one that it must not read
+ * @throw std::runtime_error as parseXml
  */
 boost::property_tree::ptree readXml(const QByteArray& bytes, const std::string& name) {
     QByteArray text = decodeXml(bytes, name).replace('\r', "");
     try {
         text.remove(0, parseXml(text, name).contentBegin);
     } catch (const MalformedXml&) {
-        // The other reader has something to say, too, unless it may find too many levels: each takes a "<".
+        // The other reader reports the fault, unless it may find too many levels: each takes a "<".
         if (text.count('<') - text.count("</") > kMaxElementDepth) {
             throw;
         }

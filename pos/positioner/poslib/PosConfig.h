@@ -19,7 +19,7 @@ namespace pos {
  */
 class PosConfig {
 public:
-    /** File formats; a file of any other format is not parsed and yields an empty tree. */
+    /** File formats. With any other value the file is not parsed, and the tree is empty. */
     enum format : int { INFO = 0, XML = 1 };
 
     /**
@@ -33,10 +33,10 @@ public:
      * @throw std::runtime_error "VANTE_POS_CONFIG environment variable not set"
      * @throw std::runtime_error "Unable to open config file: " + name
      * @throw std::runtime_error name + " is larger than 1 MiB", or 16 KiB for an INFO file
-     * @throw std::runtime_error what decodeXml and parseXml refuse an XML file with; a malformed one is left to the
-     *     property tree's own reader unless it has more than 256 tags
+     * @throw std::runtime_error as decodeXml and parseXml, for an XML file; the property tree's own reader reads a
+     *     malformed one, unless it has more than 256 tags
      * @throw std::runtime_error "data model version mismatch", for an XML file whose root has another "datamver" than
-     *     the one already fixed
+     *     pos::datamver
      * @throw boost::property_tree::ptree_error for text that does not parse, or an XML file without "datamver"
      */
     PosConfig(const char* filename, format fileFormat);
@@ -69,7 +69,7 @@ public:
         }
     }
 
-    /** The value at a key, in degrees in the file, in radians. Throws as get does. */
+    /** The value at a key, which is in degrees in the file, in radians. Throws as get does. */
     double getAngle(const std::string& key) const;
 
     /**
@@ -79,7 +79,7 @@ public:
      *     relative to the configuration file's own folder
      * @throw boost::property_tree::ptree_error as get does
      * @throw boost::filesystem::filesystem_error where the configuration file's name is relative and the working
-     *     directory cannot be told, as when it has been removed
+     *     directory is unknown, for example because it has been removed
      */
     std::string getFilename(const std::string& key) const;
 

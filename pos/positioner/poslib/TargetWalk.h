@@ -12,8 +12,8 @@ namespace pos {
 /**
  * Visits the target elements of a field in document order, without recursion, entering its groups.
  *
- * Elements other than "target" and "group" are passed over with all that they hold. An empty group ends the walk of
- * its own level: the walk goes on after the group's parent, so that targets behind an empty group are not visited.
+ * The walk passes over elements other than "target" and "group" with all that they hold. An empty group ends the walk
+ * of its own level: the walk goes on after the group's parent, so that targets behind an empty group are not visited.
  * The element of a Target step may be removed from its parent before the next step.
  */
 class TargetWalk {
@@ -26,13 +26,13 @@ public:
         End           ///< all done
     };
 
-    /** Stands before the first child of a field; a null element makes a walk that is at its end. */
+    /** A walk that stands before the first child of a field, or at its end for a null element. */
     explicit TargetWalk(const QDomElement& field);
 
-    /** Goes one step on; End again and again behind the end. */
+    /** Goes one step on; at the end every further step is End. */
     Step next();
 
-    /** The element of the last step, when that was Target. */
+    /** The target element, if the last step was Target. */
     QDomElement element() const {
         return examined_;
     }

@@ -17,8 +17,8 @@ struct Plate;
 /**
  * Reads a target.
  *
- * A "fibreid" that is absent, empty or "%%%" is none. A "configid" is 0 where it is absent; neither an empty text nor
- * "%%%" is taken for it.
+ * A "fibreid" that is absent, empty or "%%%" is none. A "configid" is 0 where it is absent; an empty text and "%%%" are
+ * refused.
  *
  * @throw std::runtime_error "Target " + name + " has an invalid priority 'text'" (not a number, or negative), "fibre
  *     id", "configure target id" or "automatic flag" (not a 32-bit integer); text + " is not a valid target use"; or
@@ -32,11 +32,11 @@ Target createTargetXML(const QDomElement& element);
  * Without a fibre "fibreid" becomes "%%%". So does "configid" for the id 0, which createTargetXML then refuses: a
  * target that is to be read again needs an id first.
  *
- * @param target what to write. Its name and survey, if empty, leave a template's, and a template's priority always
+ * @param target what to write. Where its name or survey is empty, the template's stays; the template's priority always
  *     stays. The parallax and proper motion attributes of an automatic target become 0.
  * @param parent receives the element
- * @param templ an element to begin with a deep copy of, or a null element to begin with an empty "target". A template's
- *     "cname", "targclass" and "photometry" do not pass to a target of use C.
+ * @param templ the element of which the new one begins as a deep copy, or a null element to begin with an empty
+ *     "target". A target of use C does not take over a template's "cname", "targclass" and "photometry".
  * @return the new element
  */
 QDomElement saveTargetXML(const Target& target, QDomNode parent, const QDomElement& templ);

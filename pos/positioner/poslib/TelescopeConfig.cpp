@@ -56,7 +56,7 @@ Telescope readTelescope(const PosConfig& config) {
     return telescope;
 }
 
-// The braces see to it that the map is in force before its values are asked for.
+// The braces fix the order: the map is in force before its values are read.
 FocalPlane::FocalPlane(const PosConfig& config, PlateName plate, Astrometric centre, double positionAngle,
                        const Conditions& conditions)
     : FocalPlane{initialise(config, plate, positionAngle),

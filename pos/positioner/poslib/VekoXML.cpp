@@ -32,7 +32,7 @@ double readNumber(const QDomElement& element, const QString& attribute, const ch
 Veko::VekoCentre readCentre(const QDomElement& root) {
     constexpr const char* kWho = "plate definition";
     Veko::VekoCentre centre{};
-    // A missing centre_y is told by the conversion, not by a check of its own.
+    // The conversion reports a missing centre_y, not a check of its own.
     require(root, attr::centreX, kWho);
     centre.x = readNumber(root, attr::centreX, "plate definition has a bad centre x");
     centre.y = readNumber(root, attr::centreY, "plate definition has a bad centre y");

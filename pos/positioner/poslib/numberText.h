@@ -11,21 +11,21 @@
 
 namespace pos {
 
-/** The number that a text stands for, with a decimal point in every locale; nothing where it is none. */
+/** The number that a text stands for, with a decimal point in every locale; nothing if it stands for none. */
 inline std::optional<double> numberOf(const QString& text) {
     bool ok = false;
     const double value = text.toDouble(&ok);
     return ok ? std::optional(value) : std::nullopt;
 }
 
-/** The whole number of 32 bits that a text stands for; nothing where it is none. */
+/** The 32-bit integer that a text stands for; nothing if it stands for none. */
 inline std::optional<std::int32_t> integerOf(const QString& text) {
     bool ok = false;
     const std::int32_t value = text.toInt(&ok);
     return ok ? std::optional(value) : std::nullopt;
 }
 
-/** The same of a whole number from 0 to 4294967295; "-0" is none. */
+/** The integer from 0 to 4294967295 that a text stands for; nothing if it stands for none, as "-0" does. */
 inline std::optional<std::uint32_t> unsignedOf(const QString& text) {
     bool ok = false;
     const std::uint32_t value = text.toUInt(&ok);

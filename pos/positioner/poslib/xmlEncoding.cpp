@@ -15,7 +15,7 @@ const QRegularExpression& encodingPattern() {
     return pattern;
 }
 
-/** The XML declaration at the beginning of a text, as far as ASCII tells; empty without one. */
+/** The XML declaration at the beginning of a text, read as ASCII; empty without one. */
 QString declarationAtBeginning(const QByteArray& text) {
     static const QRegularExpression begin(QStringLiteral("^<\\?xml\\s"));
     if (!begin.match(QString::fromLatin1(text.left(6))).hasMatch()) {
@@ -31,7 +31,7 @@ const QTextCodec& requireKnown(const QTextCodec* encoding, const std::string& na
     return *encoding;
 }
 
-/** The encoding that the bytes themselves tell: by a mark, or as UTF-16 by the NUL beside the first character. */
+/** The encoding that the bytes themselves show: by a mark, or as UTF-16 by the NUL beside the first character. */
 const QTextCodec* encodingByBytes(const QByteArray& bytes) {
     if (const QTextCodec* const marked = QTextCodec::codecForUtfText(bytes, nullptr)) {
         return marked;
@@ -48,10 +48,10 @@ QByteArray fromUnicode(const QTextCodec& encoding, const QString& text) {
 }
 
 /**
- * Converts from any encoding. Some converters do not count what they replace, so a replacement character must be what
- * the bytes mean.
+ * Converts from any encoding. Some converters do not count what they replace, so a replacement character counts only if
+ * the bytes stand for it.
  *
- * @throw MalformedXml for bytes that mean nothing
+ * @throw MalformedXml for bytes that stand for nothing
  */
 QByteArray toUtf8(const QTextCodec& encoding, const QByteArray& bytes, const std::string& name) {
     QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
@@ -89,7 +89,7 @@ QByteArray decodeXml(const QByteArray& bytes, const std::string& name) {
         if (isUtf8(declared)) {
             return bytes;
         }
-        // A character that is cut off at the end shows only when something follows it.
+        // A character that is cut off at the end shows only if something follows it.
         QByteArray text = toUtf8(declared, bytes + '\n', name);
         text.chop(1);
         return text;

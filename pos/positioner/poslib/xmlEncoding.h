@@ -16,8 +16,8 @@ namespace pos {
 /**
  * The encoding that an XML declaration names.
  *
- * @param declaration the declaration, or what stands in it behind "xml"; empty for a document without one
- * @return the encoding, UTF-8 where none is named; null where it is not known
+ * @param declaration the declaration, or its part behind "xml"; empty for a document without one
+ * @return the encoding, UTF-8 if the declaration names none; null if it is not known
  */
 const QTextCodec* declaredEncoding(const QString& declaration);
 
@@ -30,7 +30,7 @@ bool isUtf8(const QTextCodec& encoding);
 /**
  * The text of a document in UTF-8, without a byte-order mark.
  *
- * The encoding is the one that a byte-order mark or the first NUL tells, else the declared one, else UTF-8, which is
+ * A byte-order mark or the first NUL shows the encoding; without either it is the declared one, else UTF-8. UTF-8 is
  * handed on unchecked: the parser knows its rules.
  *
  * @param bytes the whole document

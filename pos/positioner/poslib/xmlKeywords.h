@@ -12,7 +12,7 @@ namespace pos::tag {
 
 /// One observation: its "pa" and centre; holds "configure" and "fields".
 inline const QString observation = QStringLiteral("observation");
-/// What the run is told about the observation, and what it finds out.
+/// What the run knows about the observation, and what it finds out.
 inline const QString configure = QStringLiteral("configure");
 /// When, and through which air.
 inline const QString conditions = QStringLiteral("conditions");

@@ -20,7 +20,7 @@ using ParserOwner = std::unique_ptr<std::remove_pointer_t<XML_Parser>, decltype(
 /** A text that may be missing; then it is null. */
 QString decoded(const XML_Char* text, int length = -1) {
     const QString unicode = QString::fromUtf8(text, length);
-    // The decoder takes such a character at the beginning for a mark, and drops it.
+    // The decoder takes this character at the beginning for a mark, and drops it.
     const bool isDropped = text != nullptr && std::strncmp(text, "\xef\xbb\xbf", 3) == 0;
     return isDropped ? QChar(QChar::ByteOrderMark) + unicode : unicode;
 }
@@ -33,7 +33,7 @@ bool isBlank(const QByteArray& text) {
     return std::all_of(text.begin(), text.end(), [](char c) { return std::strchr(" \t\r\n", c) != nullptr; });
 }
 
-/** Names and values that come again soon, as most do, are kept once. No text costs more than its length. */
+/** Keeps one copy of names and values that come again soon, as most do. No text costs more than its length. */
 class SharedTexts {
 public:
     QString of(const XML_Char* text) {
@@ -53,7 +53,7 @@ private:
     std::vector<Slot> slots_ = std::vector<Slot>(4096);
 };
 
-/** The entities of a document type, declared anew for a document type that holds nothing else. */
+/** The entities of a document type, to declare in a document type that holds nothing else. */
 class Entities {
 public:
     void add(const QByteArray& name, const QByteArray& replacement) {
@@ -63,11 +63,11 @@ public:
         }
         declarations_ += "<!ENTITY " + name + " \"" + literal + "\">";
     }
-    /** One whose text stands in another file. */
+    /** An entity whose text is in another file. */
     void addExternal(const QByteArray& name) {
         declarations_ += "<!ENTITY " + name + " SYSTEM ''>";
     }
-    /** One that is no text at all. */
+    /** An entity that is not text at all. */
     void addUnparsed(const QByteArray& name) {
         declarations_ += "<!ENTITY " + name + " SYSTEM '' NDATA n>";
     }
@@ -84,7 +84,7 @@ private:
  *
  * The parser gets the document twice: first up to the end of its document type, then from there on behind a document
  * type that declares the same entities and nothing else. So it knows no defaults or types of attributes, and every
- * reference to an entity that was not declared is an error; beside declarations in other files it would drop some.
+ * reference to an undeclared entity is an error; with declarations in other files it would drop such references.
  */
 class TreeBuilder {
 public:
@@ -97,7 +97,7 @@ public:
         XML_SetEntityDeclHandler(parser_.get(), call<&TreeBuilder::declareEntity>);
         XML_SetSkippedEntityHandler(parser_.get(), call<&TreeBuilder::skipDeclarations>);
         XML_SetDefaultHandlerExpand(parser_.get(), call<&TreeBuilder::otherMarkup>);
-        // Refused only once parsing has begun.
+        // The call fails only once parsing has begun.
         static_cast<void>(XML_SetParamEntityParsing(parser_.get(), XML_PARAM_ENTITY_PARSING_ALWAYS));
         if (!parse(text_, XML_TRUE) && contentBegin_ == 0) {
             fail(0);
@@ -129,10 +129,9 @@ private:
         XML_SetCommentHandler(parser_.get(), call<&TreeBuilder::comment>);
         XML_SetProcessingInstructionHandler(parser_.get(), call<&TreeBuilder::instruction>);
         XML_SetExternalEntityRefHandler(parser_.get(), externalEntity);
-        // Nothing above the threshold may come from entities, so that it limits all that is parsed, wherever they
-        // stand.
+        // Above the threshold nothing may come from entities. So it limits all that is parsed, wherever they stand.
         const auto maxParsed = static_cast<unsigned long long>(std::max(kSmallText, 2 * qint64{text_.size()}));
-        // They refuse other values, and parsers of entities only.
+        // The calls fail only for other values and for parsers of entities.
         static_cast<void>(XML_SetBillionLaughsAttackProtectionActivationThreshold(parser_.get(), maxParsed));
         static_cast<void>(XML_SetBillionLaughsAttackProtectionMaximumAmplification(parser_.get(), 1.0F));
     }
@@ -159,7 +158,7 @@ private:
 
     void stop() {
         isStopped_ = true;
-        // Refused only where the parser has stopped already.
+        // The call fails only where the parser has stopped already.
         static_cast<void>(XML_StopParser(parser_.get(), XML_FALSE));
     }
 
@@ -278,7 +277,7 @@ private:
         isDeclaredElsewhere_ = !isStandalone_;
     }
 
-    /** Within a document type: its other declarations. */
+    /** The other declarations of a document type. */
     void otherMarkup(const XML_Char* /*text*/, int length) {
         if (inDoctype_) {
             countDeclarations(static_cast<std::size_t>(length));
@@ -363,7 +362,7 @@ private:
     int contentBegin_ = 0;
     bool inDoctype_ = false;
     bool isStandalone_ = false;
-    bool isDeclaredElsewhere_ = false; ///< entities may be
+    bool isDeclaredElsewhere_ = false; ///< another file may declare entities
     bool isStopped_ = false;
     std::exception_ptr failure_;
 };
@@ -371,7 +370,7 @@ private:
 } // namespace
 
 ParsedXml parseXml(const QByteArray& text, const std::string& name) {
-    // By another beginning the parser, though told the encoding, would guess another one, or pass over a mark.
+    // From another beginning the parser would guess another encoding in spite of the given one, or pass over a mark.
     const bool beginsAsXml = text.isEmpty() || std::strchr("< \t\r\n", text.front()) != nullptr;
     if (!beginsAsXml || text.left(2).contains('\0')) {
         throw MalformedXml(name, 0);

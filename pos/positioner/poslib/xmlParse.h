@@ -16,7 +16,7 @@ namespace pos {
 /** Deepest nesting of elements that a document may have; its tree is walked recursively. */
 inline constexpr int kMaxElementDepth = 256;
 
-/** Most attributes that a tag may have: the tree finds one among those that its hash cannot tell apart by trying. */
+/** Most attributes that a tag may have: the tree searches those with the same hash one by one. */
 inline constexpr int kMaxAttributes = 256;
 
 /** Most entities that a document may declare: the parser calls itself for each that stands within another. */
@@ -32,16 +32,16 @@ inline constexpr qint64 kSmallTree = 500'000;
  * most. */
 inline constexpr qint64 kMinBytesPerNode = 14;
 
-/** Every document may grow by its entities to this many bytes; none that is larger may more than double by them. */
+/** Every document may grow by its entities to this many bytes, a larger one to twice its size. */
 inline constexpr qint64 kSmallText = qint64{8} * 1024 * 1024;
 
-/** What a document type may declare, bytes, parameter entities replaced: declarations cost more than their length. */
+/** Most bytes of declarations in a document type, parameter entities replaced: they cost more than their length. */
 inline constexpr qint64 kMaxDeclarations = qint64{64} * 1024;
 
 /** What parseXml makes of a text. */
 struct ParsedXml {
     QDomDocument document; ///< the tree
-    int contentBegin;      ///< where the text goes on behind its document type, bytes; 0 without one
+    int contentBegin;      ///< offset of the first byte behind the document type; 0 without one
 };
 
 /**
@@ -58,7 +58,7 @@ struct ParsedXml {
  * @param name of the file, for messages
  * @throw MalformedXml name + " is not valid XML"
  * @throw std::runtime_error name + " refers to an entity that cannot be known without reading another file", + " is
- *     written in version … of XML, and only 1.0 is read", or the limit that it does not keep, with its value
+ *     written in version … of XML, and only 1.0 is read", or name + the limit that the document exceeds, with its value
  */
 ParsedXml parseXml(const QByteArray& text, const std::string& name);
 

@@ -12,7 +12,7 @@ namespace pos {
 
 namespace {
 
-/** Tells which characters an encoding has. */
+/** The characters that an encoding has. */
 class Repertoire {
 public:
     explicit Repertoire(const QTextCodec& encoding) : encoding_(encoding) {}
@@ -42,13 +42,13 @@ QDomNode declarationOf(const QDomDocument& document) {
 /** Writes a tree as the XML library does, but in one pass over every text. */
 class Writer {
 public:
-    /** @param repertoire of the encoding; null where it has every character */
+    /** @param repertoire of the encoding; null if that has every character */
     explicit Writer(Repertoire* repertoire) : repertoire_(repertoire) {}
 
     QString write(const QDomDocument& document) {
         QDomNode node = document.firstChild();
         if (!declarationOf(document).isNull()) {
-            // Where not every character was to be had in the declared encoding, it was not kept.
+            // Without a repertoire the document is written in UTF-8, whatever encoding it declares.
             put("<?xml ").put(repertoire_ != nullptr ? node.nodeValue() : utf8Declaration(node)).put("?>\n");
             node = node.nextSibling();
         }
@@ -97,7 +97,7 @@ private:
         put(quote).put(identifier).put(quote);
     }
 
-    /** A node and all that follow it in its parent. */
+    /** Writes a node and all that follow it in its parent. */
     void putSiblings(QDomNode node, int depth) {
         bool isBehindText = false;
         for (; !node.isNull(); node = node.nextSibling()) {
@@ -178,7 +178,7 @@ private:
         put(text.midRef(begin));
     }
 
-    /** Where the encoding lacks a character or more. */
+    /** Writes a text of which the encoding lacks a character or more. */
     void putWithReferences(const QString& text, bool isAttribute) {
         for (int i = 0; i < text.size(); ++i) {
             const bool isPair = text.at(i).isHighSurrogate();
@@ -194,11 +194,11 @@ private:
         }
     }
 
-    /** What must stand for a character, null where it can stand for itself. */
+    /** What must stand for a character; null if the character can stand for itself. */
     static const char* escapeOf(const QString& text, int place, bool isAttribute) {
         const ushort unit = text.at(place).unicode();
         if (unit > '>') {
-            return nullptr; // most are: this is asked for every character
+            return nullptr; // most characters end here
         }
         switch (unit) {
         case '<':
@@ -226,7 +226,7 @@ private:
     QString text_;
 };
 
-/** Whether bytes are read as a text: some encodings put something before a declaration, or have no way back. */
+/** Whether bytes decode to a text: some encodings put something before a declaration, or have no way back. */
 bool isReadAs(const QString& text, const QByteArray& bytes) {
     try {
         return decodeXml(bytes, "") == text.toUtf8();

@@ -22,7 +22,7 @@ namespace pos {
  * @param filename name of the file; a name beginning with ":" is an embedded resource
  * @throw std::runtime_error filename + " could not be opened"
  * @throw std::runtime_error filename + " is larger than 256 MiB"
- * @throw std::runtime_error filename + " is not valid XML", or what else decodeXml and parseXml refuse it with
+ * @throw std::runtime_error filename + " is not valid XML", or what else decodeXml and parseXml throw
  * @throw std::runtime_error "Data model version mismatch" when pos::datamver is set and the document element's
  *     "datamver" is not the same text
  */

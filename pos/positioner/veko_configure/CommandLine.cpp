@@ -54,17 +54,17 @@ void refuseLeftOver(const po::parsed_options& parsed) {
     }
 }
 
-/** An error of the parser, seen for the texts that it puts into its message in the place of placeholders. */
+/** Gives access to the texts that an error of the parser puts into its message in the place of placeholders. */
 struct MessageTexts : po::error_with_option_name {
-    /** By the name of their placeholder: the argument as the user wrote it, the value in it or behind it. */
+    /** The texts by placeholder: the argument as the user wrote it, the value in it or behind it. */
     static const std::map<std::string, std::string>& of(const po::error_with_option_name& error) {
         return error.*(&MessageTexts::m_substitutions);
     }
 };
 
 /**
- * Throws an error of the parser on, whose message replaces placeholders such as "%value%" by what the user wrote. It
- * goes on to replace them there without end, so an argument that holds one gets a message of its own.
+ * Rethrows an error of the parser. Its message replaces placeholders such as "%value%" by what the user wrote, and then
+ * placeholders in that too, without end. So an argument that holds one gets a message of its own.
  */
 [[noreturn]] void rethrowParserError(const po::error_with_option_name& error) {
     for (const auto& [name, text] : MessageTexts::of(error)) {
@@ -90,7 +90,7 @@ po::variables_map parseOptions(int argc, const char* const* argv, const po::opti
     return values;
 }
 
-/** Makes sure that what was asked for has left the program. */
+/** Makes sure that the output has left the program. */
 int finishStandardOutput() {
     std::cout.flush();
     if (!std::cout) {

@@ -32,8 +32,8 @@ boost::program_options::options_description describeOptions();
  *
  * @param argc how many arguments there are, the program's name included
  * @param argv the arguments, the first of which is the program's name
- * @param options the options that there are, as describeOptions() lists them
- * @return what the arguments ask for, with the defaults of what they leave out
+ * @param options all options, as describeOptions() lists them
+ * @return what the arguments ask for, with defaults for what they leave out
  * @throw boost::program_options::error for an unknown option, a missing or malformed value (one that is not a finite
  *     number included), or an argument that belongs to no option
  */

@@ -1,6 +1,6 @@
 /**
  * @file
- * What is known of an observation beside its document, and which of the two counts.
+ * Values for an observation from outside its document, and when they count instead of the document's.
  */
 #ifndef POS_ESTIMATES_H
 #define POS_ESTIMATES_H
@@ -17,7 +17,7 @@ inline constexpr double kNotGiven = 0.0;
 /** An hour angle, hours, that is not given: no real one has this value. */
 inline constexpr double kHourAngleNotGiven = 100.0;
 
-/** What is known of the observation beside its document. */
+/** Values for the observation from outside its document. */
 struct Estimates {
     double epoch;               ///< Julian epoch of the observation, years; kNotGiven for the document's
     double hourAngle;           ///< hour angle of the first field's centre, hours; kHourAngleNotGiven: the document's
@@ -25,12 +25,12 @@ struct Estimates {
     double zenithDistanceLimit; ///< the field must be nearer to the zenith than this, radians
 };
 
-/** Neither the estimates nor the document have a date. */
+/** Neither the estimates nor the document has a date. */
 struct NoEpoch : std::runtime_error {
     NoEpoch() : std::runtime_error("No epoch specified") {}
 };
 
-/** The document's hour angle is asked for and is not a finite number. */
+/** The run needs the document's hour angle, which is not a finite number. */
 struct BadHourAngle : std::runtime_error {
     BadHourAngle() : std::runtime_error("Bad hour angle in XML") {}
 };

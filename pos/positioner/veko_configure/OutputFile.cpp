@@ -30,7 +30,7 @@ struct Place {
     struct stat status {};    ///< of what is there
 };
 
-/** An open file, closed when the object goes. */
+/** An open file, closed with the object. */
 class Descriptor {
 public:
     Descriptor(const char* name, int flags) : number_(::open(name, flags | O_CLOEXEC | O_NOCTTY, 0666)) {}
@@ -38,7 +38,7 @@ public:
     explicit Descriptor(int file) : number_(::fcntl(file, F_DUPFD_CLOEXEC, 0)) {}
     ~Descriptor() {
         if (number_ >= 0) {
-            // What was to be kept has been synchronised.
+            // What must be kept has been synchronised.
             static_cast<void>(::close(number_));
         }
     }
@@ -107,7 +107,7 @@ bool cannotSynchronise(int error) {
 }
 
 /**
- * Writes at the current offset of an open file, ends the file at a size and makes sure of all that.
+ * Writes at the current offset of an open file, cuts the file to a size and synchronises both.
  *
  * @return the reason of a failure, or nothing
  */
@@ -130,13 +130,13 @@ std::optional<std::string> writeAll(int file, const QByteArray& content, qint64 
     return std::nullopt;
 }
 
-/** A folder, to be synchronised; it opens only where it may be read too. */
+/** A folder to synchronise; it opens only where the user may read it. */
 Descriptor openFolder(const fs::path& folder) {
     return {folder.c_str(), O_RDONLY | O_DIRECTORY};
 }
 
 /**
- * Makes sure of the name that a file has been given.
+ * Makes sure that a file's new name is on disk.
  *
  * @param name the name for the message
  * @param folder the folder that holds the name; where it is not open, its whole file system is synchronised
@@ -158,7 +158,7 @@ bool isAppendOnly(const fs::path& folder) {
            (status.stx_attributes & STATX_ATTR_APPEND) != 0;
 }
 
-/** Makes or replaces a file in one step. @return false where that cannot be done; then nothing has changed */
+/** Makes or replaces a file in one step. @return false where that is not possible; then nothing has changed */
 bool replaceFile(const std::string& name, const Place& place, const QByteArray& content) {
     std::error_code error;
     const fs::path folder = fs::canonical(folderOf(place.path), error);
@@ -188,7 +188,7 @@ bool replaceFile(const std::string& name, const Place& place, const QByteArray& 
     return true;
 }
 
-/** Makes a file where replaceFile() cannot, such as one with the longest of names. */
+/** Makes a file where replaceFile() cannot, such as one with the longest possible name. */
 void makeFile(const std::string& name, const Place& place, const QByteArray& content) {
     const Descriptor file(place.path.c_str(), O_WRONLY | O_CREAT | O_EXCL);
     if (file.number() < 0) {
@@ -205,7 +205,7 @@ void makeFile(const std::string& name, const Place& place, const QByteArray& con
 bool putBack(int file, const QByteArray& oldContent) {
     const off_t overwritten = ::lseek(file, 0, SEEK_CUR);
     const bool cut = ::lseek(file, 0, SEEK_END) < oldContent.size();
-    // What is still there is not written again: beyond a limit of the file size that would fail.
+    // Bytes that are still there are not written again: beyond a limit of the file size that would fail.
     const QByteArray lost = cut ? oldContent : oldContent.left(static_cast<int>(overwritten));
     return overwritten >= 0 && ::lseek(file, 0, SEEK_SET) == 0 && !writeAll(file, lost, oldContent.size());
 }
@@ -219,7 +219,7 @@ void lock(int file, const std::string& name) {
     }
 }
 
-/** What a file holds, to be put back; nothing where it cannot be read or is too large for that. */
+/** The content of a file, to put back; nothing where it cannot be read or is too large for that. */
 std::optional<QByteArray> contentOf(const std::string& name) {
     try {
         return readFile(name);

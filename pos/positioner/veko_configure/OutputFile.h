@@ -15,15 +15,16 @@ namespace pos {
  *
  * A missing or regular file is made or replaced in one step once the content is on disk, and then its folder is
  * synchronised, so that a power cut does not undo it. Symbolic links keep pointing at the file that is replaced or
- * made, other hard links keep the old content; mode, access control list, other extended attributes and (where
- * permitted) owner and group are kept. Where that cannot be done, a regular file that can be written is overwritten in
- * place, owner, group and hard links and all: in a folder that takes no new files or is append-only, another user's
- * file in a sticky folder, a mount point, one with attributes that cannot be given to a new file. Anything else, such
- * as a device or a FIFO (which waits for its reader), is opened and written as it is. So is a name under /proc that
- * stands for an open descriptor, such as /dev/stdout; a regular file behind it is overwritten in place from its start.
+ * made, and other hard links keep the old content. The file keeps mode, access control list, other extended attributes
+ * and (where permitted) owner and group. Where that is not possible, a regular file that can be written is overwritten
+ * in place; owner, group and hard links stay. That happens to a file in a folder that takes no new files or is
+ * append-only, another user's file in a sticky folder, a mount point, and a file with attributes that a new file cannot
+ * get. Anything else, such as a device or a FIFO (which waits for its reader), is opened and written as it is. So is a
+ * name under /proc that stands for an open descriptor, such as /dev/stdout; a regular file behind it is overwritten in
+ * place from its start.
  *
- * A regular file that is overwritten in place is locked meanwhile (flock), so that writers wait for each other, and for
- * whoever else holds that lock.
+ * A regular file that is overwritten in place is locked meanwhile (flock), so that writers wait for each other and for
+ * any other program that holds the lock.
  *
  * @param name file name, bytes as given
  * @param content the whole content

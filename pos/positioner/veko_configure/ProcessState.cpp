@@ -15,7 +15,7 @@ namespace {
 void occupyStandardDescriptors() {
     for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
         if (::fcntl(descriptor, F_GETFD) == -1 && errno == EBADF) {
-            // The lowest free descriptor is this one.
+            // The file gets the lowest free descriptor, which is this one.
             static_cast<void>(::open("/", O_RDONLY | O_DIRECTORY));
         }
     }

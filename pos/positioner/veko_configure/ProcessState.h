@@ -10,8 +10,8 @@ namespace pos {
 /**
  * Makes a run depend on nothing but its input and arguments.
  *
- * - A closed standard descriptor is taken, so that no file opened later gets its number and with it the messages.
- * - A write to a closed pipe, or beyond the limit of a file's size, is an error and not the end of the process.
+ * - Closed standard descriptors are opened, so that no file opened later gets such a number and receives the messages.
+ * - A write to a closed pipe, or beyond the limit of a file's size, fails and does not end the process.
  * - File names are UTF-8 in every locale.
  * - The XML and file classes print nothing of their own.
  */

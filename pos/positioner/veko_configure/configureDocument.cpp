@@ -66,8 +66,8 @@ PlacedField placeOnField(Veko& veko, const FibreTargets& fibres, const QDomEleme
 }
 
 /**
- * Configures the bundle on every field. On all of them it is placed before the first of their many targets is written:
- * a field that cannot be configured costs neither time nor memory for those before it.
+ * Configures the bundle on every field. Places it on all of them before it writes the first of their many targets, so a
+ * field that cannot be configured costs no time and memory for the targets of those before it.
  *
  * @param defaultEpoch Julian epoch of generated positions, years
  */

@@ -16,12 +16,12 @@ namespace {
 
 using Attributes = std::map<std::string, std::string>;
 
-/** Writes something into a space of so many bytes. @return how many it was, negative for a failure */
+/** Writes bytes into a buffer of a given size. @return their number, negative for a failure */
 using Reader = std::function<ssize_t(char*, std::size_t)>;
 
 /** What a reader reads: a list of names or a value. @return nothing where it fails */
 std::optional<std::string> readBytes(const Reader& read) {
-    // The kernel has no longer list and no longer value.
+    // The kernel allows no longer list and no longer value.
     std::string bytes(std::max(XATTR_LIST_MAX, XATTR_SIZE_MAX), '\0');
     const ssize_t size = read(bytes.data(), bytes.size());
     if (size < 0) {
@@ -80,7 +80,7 @@ bool takeOverAttributes(int file, const std::string& previous) {
     const auto remove = [&](const auto& attribute) {
         return wanted->count(attribute.first) != 0 || ::fremovexattr(file, attribute.first.c_str()) == 0;
     };
-    // What is the same already is not given again: not everyone may give every attribute.
+    // What is the same already is not set again: not every user may set every attribute.
     const auto give = [&](const auto& attribute) {
         const auto& [name, value] = attribute;
         const auto same = present->find(name);

@@ -13,14 +13,14 @@ namespace pos {
 /**
  * Gives a new file the properties of the one that it will replace.
  *
- * Owner and group are given where the user may do that. Mode and extended attributes, the access control list among
- * them, are given all or the file is of no use; an attribute that only the new file has, as one gets a list from its
+ * Owner and group are set where the user may set them. Mode and extended attributes, the access control list among
+ * them, must all be set, or the file is of no use. An attribute that only the new file has, such as a list from its
  * folder, is removed. A file system without extended attributes has none.
  *
  * @param file the new file, open
  * @param previous name of the file that will be replaced
  * @param status what the file system knows about that file
- * @return false where mode or attributes cannot be read or given
+ * @return false where mode or attributes cannot be read or set
  */
 bool takeOverProperties(int file, const std::string& previous, const struct stat& status);
 

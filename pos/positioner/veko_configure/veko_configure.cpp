@@ -18,8 +18,8 @@ namespace {
 using namespace pos;
 
 /**
- * The document of the last run. It is never taken apart where the process then ends, which would be a tenth of a run:
- * the system takes the memory back.
+ * The document of the last run. The end of the process does not take it apart, which would cost a tenth of a run: the
+ * system takes the memory back.
  */
 QDomDocument& keptDocument() {
     static QDomDocument* const document = std::make_unique<QDomDocument>().release();
@@ -59,7 +59,7 @@ void refuseIfSame(const std::string& output, const std::string& file, const std:
     }
 }
 
-/** Refuses an output that would take the place of what every run needs. */
+/** Refuses an output that would replace a file that every run needs. */
 void checkOutput(const PosConfig& config, const std::string& output) {
     refuseIfSame(output, config.name(), "configuration file");
     refuseIfSame(output, config.getFilename("telescope.focal_plane_map"), "focal-plane map");
@@ -82,7 +82,7 @@ bool saveDocument(const PosConfig& config, const std::string& output, const QDom
 
 int veko_configure(const PosConfig& config, const std::string& input, const std::string& output, double epoch,
                    double hourAngle, double pressure, double zenithDistanceLimit) {
-    // A configuration that lacks it is told before an input that cannot be read.
+    // A configuration without it is reported before an input that cannot be read.
     static_cast<void>(config.get<double>("default_epoch"));
     QDomDocument& document = keptDocument();
     const bool isDone = loadDocument(input, document) &&

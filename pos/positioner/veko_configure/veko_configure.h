@@ -15,7 +15,7 @@ class PosConfig;
  * Configures the VEKO for every field of an observation: loads the field-definition document, configures it as
  * `configureDocument` does, and saves it. The output file is touched only after every field has succeeded.
  *
- * The document stays in memory until the next run, for the process to end without taking its tree apart.
+ * The document stays in memory until the next run, so that the process can end without taking its tree apart.
  *
  * @param config description of telescope and instrument
  * @param input name of the field-definition document
