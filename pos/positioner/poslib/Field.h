@@ -20,7 +20,7 @@ namespace pos {
 /**
  * A field: its centre, its targets in the groups of the document, its sky masks.
  *
- * Every target in it has a configure target id that is not 0, and the index tells that target's place.
+ * Every target in it has a configure target id that is not 0, and the index holds the target's place by that id.
  */
 class Field {
 public:

@@ -23,7 +23,7 @@ namespace pos {
 Optics createOpticsXML(const QDomDocument& map);
 
 /**
- * The axes of all three plates of a map. The rotation is that of the plate read last, VEKO, whichever is in use.
+ * The axes of all three plates of a map. The rotation is that of VEKO, the plate read last, even if another is in use.
  *
  * @param map the focal-plane map, with rotations in degrees
  * @param plate the plate in use

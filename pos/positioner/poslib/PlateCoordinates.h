@@ -49,8 +49,8 @@ public:
     /**
      * Takes the optical axes of all three plates from a focal-plane map and makes a plate current.
      *
-     * The rotation in force afterwards is that of the plate read last, VEKO, whichever plate is made current; another
-     * plate's own rotation takes effect with setPlate. What was read before a failure stays stored.
+     * The rotation in force afterwards is that of VEKO, the plate read last, even if another plate becomes current;
+     * that plate's own rotation takes effect with setPlate. What was read before a failure stays stored.
      *
      * @throw std::runtime_error "Bad optical axis in focal plane map"
      * @throw std::runtime_error "Bad plate rotation in focal plane map"

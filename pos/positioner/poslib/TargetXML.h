@@ -35,8 +35,8 @@ Target createTargetXML(const QDomElement& element);
  * @param target what to write. Where its name or survey is empty, the template's stays; the template's priority always
  *     stays. The parallax and proper motion attributes of an automatic target become 0.
  * @param parent receives the element
- * @param templ the element of which the new one begins as a deep copy, or a null element to begin with an empty
- *     "target". A target of use C does not take over a template's "cname", "targclass" and "photometry".
+ * @param templ the element to begin with a deep copy of, or a null element to begin with an empty "target". A
+ *     target of use C does not take over a template's "cname", "targclass" and "photometry".
  * @return the new element
  */
 QDomElement saveTargetXML(const Target& target, QDomNode parent, const QDomElement& templ);

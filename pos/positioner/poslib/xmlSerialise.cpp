@@ -178,7 +178,7 @@ private:
         put(text.midRef(begin));
     }
 
-    /** Writes a text of which the encoding lacks a character or more. */
+    /** Writes a text with characters that the encoding lacks. */
     void putWithReferences(const QString& text, bool isAttribute) {
         for (int i = 0; i < text.size(); ++i) {
             const bool isPair = text.at(i).isHighSurrogate();

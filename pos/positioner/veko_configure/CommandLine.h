@@ -31,7 +31,7 @@ boost::program_options::options_description describeOptions();
  * Reads the command line.
  *
  * @param argc how many arguments there are, the program's name included
- * @param argv the arguments, the first of which is the program's name
+ * @param argv the arguments, beginning with the program's name
  * @param options all options, as describeOptions() lists them
  * @return what the arguments ask for, with defaults for what they leave out
  * @throw boost::program_options::error for an unknown option, a missing or malformed value (one that is not a finite
@@ -44,7 +44,7 @@ CommandLine parseCommandLine(int argc, const char* const* argv,
  * Does what the command line asks for.
  *
  * @param argc how many arguments there are, the program's name included
- * @param argv the arguments, the first of which is the program's name
+ * @param argv the arguments, beginning with the program's name
  * @return the exit status
  * @throw std::exception for a failure that is to be reported on the error stream
  */
