@@ -1,15 +1,13 @@
 """Holds the commands of CONTRIBUTING.md to the tree: programs are executable files, presets are those of CMake.
 
-Usage: check_contributing.py SOURCE_FOLDER. Exits 1, naming every command that cannot be run.
+Names every command that cannot be run.
 """
-
 import json
 import os
-import pathlib
 import re
-import sys
 
-ROOT = pathlib.Path(sys.argv[1])
+from pages import ROOT, finish
+
 # What presets each command of CMake's takes.
 PRESETS = {("cmake",): "configurePresets", ("cmake", "--build"): "buildPresets", ("ctest",): "testPresets"}
 
@@ -31,8 +29,7 @@ def main():
     problems = [problem for problem in (problem_of(command, presets) for command in commands) if problem]
     if len(commands) < 10:
         problems.append("next to no commands were found")
-    print("\n".join(problems))
-    return 1 if problems else 0
+    finish(problems)
 
 
-sys.exit(main())
+main()

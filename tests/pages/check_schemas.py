@@ -1,6 +1,6 @@
 """Holds the schemas to the documents: those that are right keep to them, and each fault is refused.
 
-    check_schemas.py PROGRAM SOURCE_FOLDER
+    check_schemas.py PROGRAM
 
 The schemas are used from a copy of their folder, as they are installed, by xmllint.
 """
@@ -13,9 +13,11 @@ import tempfile
 import unittest
 import xml.etree.ElementTree as ET
 
-PROGRAM, SOURCE = os.path.abspath(sys.argv[1]), os.path.abspath(sys.argv[2])
-EXAMPLES = os.path.join(SOURCE, "examples")
-RESOURCES = os.path.join(SOURCE, "pos", "positioner", "resources")
+from pages import ROOT
+
+PROGRAM = os.path.abspath(sys.argv[1])
+EXAMPLES = os.path.join(ROOT, "examples")
+RESOURCES = os.path.join(ROOT, "pos", "positioner", "resources")
 VALID, INVALID = 0, 3  # the exit statuses of xmllint; others tell of an unreadable document or schema
 EXAMPLE_NAMES = sorted(name for name in os.listdir(EXAMPLES) if name.endswith(".xml"))
 
@@ -140,7 +142,7 @@ class Schemas(unittest.TestCase):
     def setUpClass(cls):
         cls.folder = tempfile.TemporaryDirectory()
         cls.schemas = os.path.join(cls.folder.name, "installed", "schemas")
-        shutil.copytree(os.path.join(SOURCE, "schemas"), cls.schemas)
+        shutil.copytree(os.path.join(ROOT, "schemas"), cls.schemas)
 
     @classmethod
     def tearDownClass(cls):

@@ -1,6 +1,6 @@
 """Does what a page tells its reader to do, and holds what comes out against what the page shows.
 
-    run_page.py PROGRAM PROJECT PAGE
+    run_page.py PROGRAM PAGE
 
 Fenced blocks of a page, in their order:
 
@@ -8,8 +8,8 @@ Fenced blocks of a page, in their order:
   lines, or in a line for any text. A command that fails must be followed by "$ echo $?".
 - a block with a second word, as in "xml field.xml": a file of that name with that text.
 
-Everything happens in a folder of its own that holds a copy of the examples and schemas, with the program in the PATH, as the page's
-own preparations leave it. Other blocks are not run.
+Everything happens in a folder of its own that holds a copy of the examples and schemas, with the program in the PATH,
+as the page's own preparations leave it. Other blocks are not run.
 """
 import os
 import pathlib
@@ -18,6 +18,8 @@ import shutil
 import subprocess
 import sys
 import tempfile
+
+from pages import ROOT, finish
 
 
 def blocks(text):
@@ -79,7 +81,7 @@ def run_page(page, folder, environment):
 
 
 def main():
-    program, project, page = (pathlib.Path(a).resolve() for a in sys.argv[1:4])
+    program, page = pathlib.Path(sys.argv[1]).resolve(), ROOT / sys.argv[2]
     with tempfile.TemporaryDirectory() as folder:
         folder = pathlib.Path(folder)
         (folder / "bin").mkdir()
@@ -87,14 +89,13 @@ def main():
         work = folder / "fields"
         work.mkdir()
         for copied in ("examples", "schemas"):
-            shutil.copytree(project / copied, work / copied)
+            shutil.copytree(ROOT / copied, work / copied)
         environment = {**os.environ, "PATH": f"{folder / 'bin'}:{os.environ['PATH']}", "LC_ALL": "C.UTF-8"}
         count, wrong = run_page(page, work, environment)
     if count == 0:
         wrong.append("the page has no commands")
-    print("\n".join(wrong) if wrong else f"{page.name}: {count} commands do what the page shows")
-    return 1 if wrong else 0
+    print(f"{page.name}: {count} commands")
+    finish(wrong)
 
 
-if __name__ == "__main__":
-    sys.exit(main())
+main()

@@ -1,6 +1,8 @@
 """Makes the program print its messages and holds each to docs/messages.md.
 
-Usage: check_printed.py PROGRAM SOURCE_FOLDER. Every run must end with status 1, write no output, and print what exactly
+    check_printed.py PROGRAM
+
+Every run must end with status 1, write no output, and print what exactly
 one message of the page matches. Every message of the page must come up, but for those of NOT_PROVOKED.
 """
 
@@ -10,6 +12,7 @@ import sys
 import tempfile
 
 from page_messages import matcher, read_page
+from pages import ROOT, finish
 
 NOT_PROVOKED = {
     # Needs a disk that fails twice; tests/runs/EverySystemCallTest.cpp does that.
@@ -31,7 +34,7 @@ NOT_PROVOKED = {
     "data model version mismatch",
 }
 
-PROGRAM, ROOT = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
+PROGRAM = pathlib.Path(sys.argv[1]).resolve()
 RESOURCES = ROOT / "pos" / "positioner" / "resources"
 FIELD = (ROOT / "examples" / "sombrero_south.xml").read_text()
 CONFIGURATION = (RESOURCES / "configure.xml").read_text().replace(":/VEKO.xml", "bundle.xml").replace(
@@ -170,9 +173,8 @@ def main():
     problems += [f"not printed by any run: {message}" for message in set(messages) - met - NOT_PROVOKED]
     problems += [f"printed, and yet called not provoked: {message}" for message in met & NOT_PROVOKED]
     problems += [f"not on the page: {message}" for message in NOT_PROVOKED - set(messages)]
-    print("\n".join(problems) or f"{len(printed)} texts, {len(met)} of {len(messages)} messages met")
-    return 1 if problems else 0
+    print(f"{len(printed)} texts, {len(met)} of {len(messages)} messages met")
+    finish(problems)
 
 
-if __name__ == "__main__":
-    sys.exit(main())
+main()

@@ -1,14 +1,13 @@
-"""Holds veko_configure(1) to the program's own list of options and version, and every manual page to groff's rules.
-
-Usage: check_manual.py PROGRAM SOURCE_FOLDER. Exits 1, naming what differs.
-"""
-
-import pathlib
+"""Holds veko_configure(1) to the program, veko_configure(5) to the schemas, both to groff's rules: check_manual.py PROGRAM."""
 import re
 import subprocess
 import sys
+import xml.etree.ElementTree as ET
 
 from manual import manual_options, plain
+from pages import ROOT, finish
+
+RNG = "{http://relaxng.org/ns/structure/1.0}"
 
 # The units of the program's list, and the words of the manual page.
 UNITS = {"yr": "years", "hr": "hours", "deg": "degrees", "mBar": "millibar"}
@@ -54,24 +53,25 @@ def check_version(program, manual):
     return [] if f"veko_configure {version}" in header else [f"the manual page is not of version {version}: {header}"]
 
 
-def check_groff(pages):
+def names_in_schemas():
+    return {node.get("name") for schema in (ROOT / "schemas").iterdir() for node in ET.parse(schema).iter()
+            if node.tag in (RNG + "attribute", RNG + "element") and node.get("name")}
+
+
+def check_formatted():
+    """No page formats with a warning, and veko_configure(5) tells every name of the schemas."""
     problems = []
-    for page in pages:
-        result = subprocess.run(["groff", "-man", "-ww", "-Tutf8", "-z", page], capture_output=True, text=True)
+    for page in sorted((ROOT / "man").iterdir()):
+        result = subprocess.run(["groff", "-man", "-ww", "-Tutf8", "-P-c", page], capture_output=True, text=True)
         if result.returncode != 0 or result.stderr:
             problems.append(f"groff on {page.name}: {result.stderr}")
-    return problems
+    words = set(re.findall(r"[\w-]+", re.sub(".\b", "", result.stdout)))
+    names = names_in_schemas()
+    if len(names) < 80:
+        problems.append("next to no names were found in the schemas")
+    return problems + [f"veko_configure(5) lacks {name}" for name in names - words]
 
 
-def main():
-    program = sys.argv[1]
-    folder = pathlib.Path(sys.argv[2]) / "man"
-    manual = (folder / "veko_configure.1").read_text()
-    problems = check_options(program, manual) + check_version(program, manual)
-    problems += check_groff(sorted(folder.glob("*.[15]")))
-    print("\n".join(problems))
-    return 1 if problems else 0
-
-
-if __name__ == "__main__":
-    sys.exit(main())
+program = sys.argv[1]
+manual_page = (ROOT / "man" / "veko_configure.1").read_text()
+finish(check_options(program, manual_page) + check_version(program, manual_page) + check_formatted())

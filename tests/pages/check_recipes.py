@@ -1,4 +1,4 @@
-"""Runs the recipes of examples/many/ on many documents of which one fails: test_recipes.py PROGRAM PROJECT COUNT."""
+"""Runs the recipes of examples/many/ on many documents of which one fails: check_recipes.py PROGRAM COUNT."""
 import os
 import pathlib
 import re
@@ -8,9 +8,10 @@ import tempfile
 import unittest
 
 import make_fields
+from pages import ROOT
 
-PROGRAM, PROJECT, COUNT = os.path.abspath(sys.argv[1]), pathlib.Path(sys.argv[2]).resolve(), int(sys.argv[3])
-RECIPES = PROJECT / "examples" / "many"
+PROGRAM, COUNT = os.path.abspath(sys.argv[1]), int(sys.argv[2])
+RECIPES = ROOT / "examples" / "many"
 FAILING = make_fields.failing(COUNT) + ".xml"
 MESSAGE = "field is below the horizon limit"
 
@@ -113,10 +114,9 @@ class MakeDoesOnlyWhatIsLeft(Recipe):
         self.check_page()
         self.assertEqual(run([*command, "CONFIGURED=./fields"], self.folder, MAKEFLAGS="", MAKELEVEL="")[0], 2)
 
-
     def check_page(self):
         """make names the line of its file; the page shows it."""
-        shown = re.search(r"Makefile:(\d+): ", (PROJECT / "docs" / "many-documents.md").read_text()).group(1)
+        shown = re.search(r"Makefile:(\d+): ", (ROOT / "docs" / "many-documents.md").read_text()).group(1)
         lines = (RECIPES / "Makefile").read_text().splitlines()
         self.assertIn("$(VEKO_CONFIGURE)", lines[int(shown) - 1])
 
