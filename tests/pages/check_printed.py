@@ -1,18 +1,17 @@
-"""Makes the program print its messages and holds each to docs/messages.md.
+"""Makes the program print its messages and holds each to the catalogue of messages.
 
     check_printed.py PROGRAM
 
-Every run must end with status 1, write no output, and print what exactly
-one message of the page matches. Every message of the page must come up, but for those of NOT_PROVOKED.
+Every run must end with status 1, write no output, and print what exactly one message of the catalogue matches. Every
+message must come up, but for those of NOT_PROVOKED.
 """
-
 import pathlib
 import subprocess
 import sys
 import tempfile
 
-from page_messages import matcher, read_page
 from pages import ROOT, finish
+from message_catalogue import Catalogue
 
 NOT_PROVOKED = {
     # Needs a disk that fails twice; tests/runs/EverySystemCallTest.cpp does that.
@@ -158,22 +157,22 @@ def special_cases(folder):
 
 
 def main():
-    messages = read_page((ROOT / "docs" / "messages.md").read_text())
-    matchers = {message: matcher(message) for message in messages}
+    catalogue = Catalogue()
+    matchers = {message: catalogue.matcher(message) for message in catalogue.texts()}
     met, problems, runs = set(), [], 0
     with tempfile.TemporaryDirectory() as name:
         folder = pathlib.Path(name)
         printed = [(case, run_case(arguments, changes, folder)) for case, arguments, changes in cases()]
         printed += special_cases(folder)
     for case, text in printed:
-        matching = [message for message in messages if matchers[message].fullmatch(text)]
+        matching = [message for message, matcher in matchers.items() if matcher.fullmatch(text)]
         met.update(matching)
         if len(matching) != 1:
             problems.append(f"{case}: {text!r} is explained {len(matching)} times: {matching}")
-    problems += [f"not printed by any run: {message}" for message in set(messages) - met - NOT_PROVOKED]
+    problems += [f"not printed by any run: {message}" for message in set(matchers) - met - NOT_PROVOKED]
     problems += [f"printed, and yet called not provoked: {message}" for message in met & NOT_PROVOKED]
-    problems += [f"not on the page: {message}" for message in NOT_PROVOKED - set(messages)]
-    print(f"{len(printed)} texts, {len(met)} of {len(messages)} messages met")
+    problems += [f"not in the catalogue: {message}" for message in NOT_PROVOKED - set(matchers)]
+    print(f"{len(printed)} texts, {len(met)} of {len(matchers)} messages met")
     finish(problems)
 
 

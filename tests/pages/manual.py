@@ -19,13 +19,6 @@ def section(text, name):
     return found.group(1).splitlines()
 
 
-def manual_messages(text):
-    """The messages of the section MESSAGES: each is a tag in bold."""
-    lines = section(text, "MESSAGES")
-    return [plain(line.removeprefix('.B "').removesuffix('"')) for before, line in zip(lines, lines[1:])
-            if before in (".TP", ".TQ")]
-
-
 def manual_options(text):
     """The options with the text about them: tag without fonts and quotes -> description."""
     options, tag = {}, None

@@ -1,8 +1,9 @@
-"""What the checks of pages share: where the project is, and how a check ends."""
+"""What the checks of pages share: where the project and the modules of its tools are, and how a check ends."""
 import pathlib
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
+sys.path.append(str(ROOT / "tools"))
 
 
 def finish(problems):
