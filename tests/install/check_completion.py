@@ -13,6 +13,7 @@ import tempfile
 import unittest
 
 COMPLETION, PROGRAM = sys.argv[1:]
+os.environ["PATH"] = f"{os.path.dirname(PROGRAM)}:{os.environ['PATH']}"
 FILES = ["field.xml", "FIELD.XML", "fields.txt", "my field.xml", "it's.xml", "folder/inner.xml"]
 
 
