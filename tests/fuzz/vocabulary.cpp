@@ -1,91 +1,33 @@
 #include "vocabulary.h"
 
-#include "xmlKeywords.h"
+#include "checkedRun.h"
 
-using namespace pos;
+#include <regex>
+
+namespace {
+
+/** Adds the names of a namespace of xmlKeywords.h, in their order. */
+std::vector<std::string> withKeywords(const std::string& space, std::vector<std::string> names) {
+    const std::string header = sourceText("pos/positioner/poslib/xmlKeywords.h");
+    const std::size_t begin = header.find("namespace pos::" + space + " {");
+    const std::string part = header.substr(begin, header.find("} // namespace pos::" + space) - begin);
+    const std::regex literal("QStringLiteral\\(\"(\\w+)\"\\)");
+    for (std::sregex_iterator found(part.begin(), part.end(), literal), end; found != end; ++found) {
+        names.push_back((*found)[1]);
+    }
+    return names;
+}
+
+} // namespace
 
 const std::vector<std::string>& elementNames() {
-    static const std::vector<std::string> names = [] {
-        std::vector<std::string> all = {"anything", "plate_definition", "configure_version"};
-        for (const QString& name : {tag::observation,     tag::configure,      tag::conditions,
-                                    tag::hourAngleLimits, tag::fields,         tag::field,
-                                    tag::group,           tag::target,         tag::photometry,
-                                    tag::avoidanceList,   tag::mask,           tag::telescope,
-                                    tag::focalPlaneMap,   tag::opticalAxis,    tag::plateA,
-                                    tag::plateB,          tag::veko,           tag::distortionCoefficients,
-                                    tag::fibre,           attr::eastLongitude, attr::latitude,
-                                    attr::height}) {
-            all.push_back(name.toStdString());
-        }
-        return all;
-    }();
+    static const std::vector<std::string> names = withKeywords(
+        "tag", {"anything", "plate_definition", "configure_version", "east_longitude", "latitude", "height"});
     return names;
 }
 
 const std::vector<std::string>& attributeNames() {
-    static const std::vector<std::string> names = [] {
-        std::vector<std::string> all = {"anything", "xmlns", "xml:space", "p:q"};
-        for (const QString& name : {attr::datamver,
-                                    attr::configureVersion,
-                                    attr::pa,
-                                    attr::latest,
-                                    attr::earliest,
-                                    attr::epoch,
-                                    attr::pressure,
-                                    attr::temperature,
-                                    attr::relativeHumidity,
-                                    attr::tlr,
-                                    attr::ha,
-                                    attr::raD,
-                                    attr::decD,
-                                    attr::radius,
-                                    attr::targra,
-                                    attr::targdec,
-                                    attr::targepoch,
-                                    attr::targpmra,
-                                    attr::targpmdec,
-                                    attr::targparal,
-                                    attr::targrv,
-                                    attr::targname,
-                                    attr::targsrvy,
-                                    attr::targprio,
-                                    attr::targuse,
-                                    attr::fibreid,
-                                    attr::configid,
-                                    attr::automatic,
-                                    attr::cname,
-                                    attr::ifuPa,
-                                    attr::ifuSpaxel,
-                                    attr::targcat,
-                                    attr::targclass,
-                                    attr::targprog,
-                                    attr::targid,
-                                    attr::targx,
-                                    attr::targy,
-                                    attr::eastLongitude,
-                                    attr::latitude,
-                                    attr::height,
-                                    attr::focalLength,
-                                    attr::nominalFocalLength,
-                                    attr::x0,
-                                    attr::y0,
-                                    attr::r0,
-                                    attr::c1,
-                                    attr::c3,
-                                    attr::c5,
-                                    attr::c7,
-                                    attr::centreX,
-                                    attr::centreY,
-                                    attr::id,
-                                    attr::orientation,
-                                    attr::posX,
-                                    attr::posY,
-                                    attr::fibreName,
-                                    attr::status}) {
-            all.push_back(name.toStdString());
-        }
-        return all;
-    }();
+    static const std::vector<std::string> names = withKeywords("attr", {"anything", "xmlns", "xml:space", "p:q"});
     return names;
 }
 
