@@ -8,8 +8,7 @@ import sys
 import xml.etree.ElementTree as ET
 
 from pages import ROOT, finish
-
-RNG = "{http://relaxng.org/ns/structure/1.0}"
+from schema import RNG
 
 
 def formatted(page, problems):
