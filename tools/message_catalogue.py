@@ -23,12 +23,13 @@ class Catalogue:
         self.traps = [Trap(node.get("title"), one_line(node.text)) for node in root.iter("trap")]
         self.groups = [Group(node.get("title"), one_line(node.findtext("intro")),
                              [self.message(entry) for entry in node.iter("message")]) for node in root.iter("group")]
-        repeated = [text for text, count in collections.Counter(self.texts()).items() if count > 1]
-        if repeated:
-            raise SystemExit(f"messages.xml explains twice: {', '.join(repeated)}")
+        texts = [text.text for text in root.iter("text")]
+        for text in texts:
+            if texts.count(text) > 1:
+                raise SystemExit(f"messages.xml explains twice: {text}")
 
     def message(self, entry):
-        message = Message([text.text for text in entry.iter("text")], one_line(entry.findtext("meaning")),
+        message = Message(tuple(text.text for text in entry.iter("text")), one_line(entry.findtext("meaning")),
                           one_line(entry.findtext("remedy")))
         if not message.texts or not message.meaning:
             raise SystemExit(f"messages.xml has a message without text or meaning: {message}")
@@ -39,7 +40,8 @@ class Catalogue:
         return message
 
     def texts(self):
-        return [text for group in self.groups for message in group.messages for text in message.texts]
+        """The message that explains each text."""
+        return {text: message for group in self.groups for message in group.messages for text in message.texts}
 
     def matcher(self, text):
         """A regular expression for the whole of a printed message."""

@@ -166,17 +166,18 @@ def special_cases(folder):
 
 def main():
     catalogue = Catalogue()
-    matchers = {message: catalogue.matcher(message) for message in catalogue.texts()}
-    met, problems, runs = set(), [], 0
+    explained = catalogue.texts()
+    matchers = {text: catalogue.matcher(text) for text in explained}
+    met, problems = set(), []
     with tempfile.TemporaryDirectory() as name:
         folder = pathlib.Path(name)
         printed = [(case, run_case(arguments, changes, folder)) for case, arguments, changes in cases()]
         printed += special_cases(folder)
     for case, text in printed:
-        matching = [message for message, matcher in matchers.items() if matcher.fullmatch(text)]
+        matching = [known for known, matcher in matchers.items() if matcher.fullmatch(text)]
         met.update(matching)
-        if len(matching) != 1:
-            problems.append(f"{case}: {text!r} is explained {len(matching)} times: {matching}")
+        if len({explained[known] for known in matching}) != 1:
+            problems.append(f"{case}: {text!r} is explained by {matching}")
     problems += [f"not printed by any run: {message}" for message in set(matchers) - met - NOT_PROVOKED]
     problems += [f"printed, and yet called not provoked: {message}" for message in met & NOT_PROVOKED]
     problems += [f"not in the catalogue: {message}" for message in NOT_PROVOKED - set(matchers)]
