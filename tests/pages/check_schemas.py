@@ -14,6 +14,7 @@ import unittest
 import xml.etree.ElementTree as ET
 
 from pages import ROOT
+from schema import RNG, Schema
 
 PROGRAM = os.path.abspath(sys.argv[1])
 EXAMPLES = os.path.join(ROOT, "examples")
@@ -23,9 +24,8 @@ EXAMPLE_NAMES = sorted(name for name in os.listdir(EXAMPLES) if name.endswith(".
 
 FIELD, CONFIGURED, CONFIGURATION = "field_definition.rng", "configured_field.rng", "configuration.rng"
 MAP, PLATE = "focal_plane_map.rng", "plate.rng"
-RNG = "{http://relaxng.org/ns/structure/1.0}"
 
-# A field definition in which every attribute that a user may set stands.
+# A field definition that has what the faults below change.
 FIELD_DOCUMENT = """<field_definition datamver="8.00">
  <observation name="a" note="b" pa="-20.5" RA_d="10.00000" Dec_d="%%%">
   <configure>
@@ -198,8 +198,12 @@ class Schemas(unittest.TestCase):
         output = self.configured(os.path.join(EXAMPLES, "sombrero_south.xml"))
         self.expect_valid(CONFIGURED, self.configured(output))
 
-    def test_a_field_with_every_attribute_is_a_configured_field_after_a_run(self):
-        self.expect_valid(CONFIGURED, self.configured(self.path("full.xml", FIELD_DOCUMENT)))
+    def test_a_target_with_every_attribute_is_that_of_a_configured_field_after_a_run(self):
+        others = [name for name in Schema(FIELD).elements["target"].attributes if f" {name}=" not in FIELD_DOCUMENT]
+        added = "".join(f' {name}="1"' for name in others)  # which every number and every text may be
+        name = self.path("full.xml", FIELD_DOCUMENT.replace(' targname="science"', added + ' targname="science"'))
+        self.expect_valid(FIELD, name)
+        self.expect_valid(CONFIGURED, self.configured(name))
 
     def test_the_observation_may_be_the_document(self):
         start, end = FIELD_DOCUMENT.index(" <observation"), FIELD_DOCUMENT.index("</field_definition>")
