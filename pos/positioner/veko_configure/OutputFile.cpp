@@ -28,6 +28,10 @@ struct Place {
     bool throughProc = false; ///< the path is one of the kernel's links for an open descriptor, not followed
     bool exists = false;      ///< something is there, even if only behind such a link
     struct stat status {};    ///< of what is there
+
+    bool isRegular() const {
+        return exists && S_ISREG(status.st_mode);
+    }
 };
 
 /** An open file, closed with the object. */
@@ -188,19 +192,6 @@ bool replaceFile(const std::string& name, const Place& place, const QByteArray& 
     return true;
 }
 
-/** Makes a file where replaceFile() cannot, such as one with the longest possible name. */
-void makeFile(const std::string& name, const Place& place, const QByteArray& content) {
-    const Descriptor file(place.path.c_str(), O_WRONLY | O_CREAT | O_EXCL);
-    if (file.number() < 0) {
-        failToOpen();
-    }
-    if (const auto reason = writeAll(file.number(), content, content.size())) {
-        static_cast<void>(::unlink(place.path.c_str()) == 0);
-        failToWrite(name, *reason);
-    }
-    synchroniseFolder(name, openFolder(folderOf(place.path)), file.number());
-}
-
 /** Puts back what writeAll() has changed so far. @return whether the file has its old content again */
 bool putBack(int file, const QByteArray& oldContent) {
     const off_t overwritten = ::lseek(file, 0, SEEK_CUR);
@@ -229,30 +220,30 @@ std::optional<QByteArray> contentOf(const std::string& name) {
 }
 
 /**
- * Overwrites a regular file in place, one run after the other. It is cut only after the last byte is written, so that
- * on a full disk, or beyond the limit of file sizes, putting back the old content needs no space.
+ * Writes into what stands under a name, or makes the file, where replaceFile() cannot. A regular file is written by one
+ * run after the other, and cut only after the last byte is written, so that on a full disk, or beyond the limit of file
+ * sizes, putting back the old content needs no space.
  */
-void overwriteFile(const std::string& name, const QByteArray& content) {
-    const Descriptor file(name.c_str(), O_WRONLY);
+void writeInPlace(const std::string& name, const Place& place, const QByteArray& content) {
+    const std::string opened = place.exists ? name : place.path.string();
+    const Descriptor file(opened.c_str(), O_WRONLY | (place.exists ? 0 : O_CREAT | O_EXCL));
     if (file.number() < 0) {
         failToOpen();
     }
-    lock(file.number(), name);
-    const std::optional<QByteArray> oldContent = contentOf(name);
+    std::optional<QByteArray> oldContent;
+    if (place.isRegular()) {
+        lock(file.number(), name);
+        oldContent = contentOf(name);
+    }
     if (const auto reason = writeAll(file.number(), content, content.size())) {
-        const bool whole = oldContent && putBack(file.number(), *oldContent);
+        if (!place.exists) {
+            static_cast<void>(::unlink(opened.c_str()) == 0);
+        }
+        const bool whole = !place.isRegular() || (oldContent && putBack(file.number(), *oldContent));
         failToWrite(name, *reason + (whole ? "" : "; its old contents could not be put back"));
     }
-}
-
-/** Writes into a device, a FIFO or the like. */
-void writeAsItIs(const std::string& name, const QByteArray& content) {
-    const Descriptor file(name.c_str(), O_WRONLY);
-    if (file.number() < 0) {
-        failToOpen();
-    }
-    if (const auto reason = writeAll(file.number(), content, content.size())) {
-        failToWrite(name, *reason);
+    if (!place.exists) {
+        synchroniseFolder(name, openFolder(folderOf(place.path)), file.number());
     }
 }
 
@@ -260,16 +251,9 @@ void writeAsItIs(const std::string& name, const QByteArray& content) {
 
 void writeFile(const std::string& name, const QByteArray& content) {
     const Place place = findPlace(name);
-    const bool regular = place.exists && S_ISREG(place.status.st_mode);
-    if (!place.throughProc && (regular || !place.exists) && replaceFile(name, place, content)) {
-        return;
-    }
-    if (regular) {
-        overwriteFile(name, content);
-    } else if (place.exists) {
-        writeAsItIs(name, content);
-    } else {
-        makeFile(name, place, content);
+    const bool replaceable = !place.throughProc && (place.isRegular() || !place.exists);
+    if (!replaceable || !replaceFile(name, place, content)) {
+        writeInPlace(name, place, content);
     }
 }
 
