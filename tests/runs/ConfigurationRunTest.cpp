@@ -1,29 +1,14 @@
-#include "TemporaryFolder.h"
 #include "angles.h"
 #include "configuredDocument.h"
 #include "fieldDefinition.h"
 #include "tolerances.h"
 #include "xml.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <set>
 
 // Whole runs with the embedded configuration: one field, several, and what a field may hold besides its two targets.
 
 namespace {
-
-using Attributes = std::map<std::string, std::string>;
-
-/** The fibres of the embedded bundle in ascending identifier, from the file that is embedded. */
-std::map<int, Attributes> bundleFibres() {
-    const QDomDocument bundle = parseDocument(readBytes(POS_SOURCE_FOLDER "/pos/positioner/resources/VEKO.xml"));
-    std::map<int, Attributes> fibres;
-    for (const QDomElement& fibre : children(bundle.documentElement(), "fibre")) {
-        fibres[std::stoi(text(fibre, "id"))] = attributes(fibre);
-    }
-    return fibres;
-}
 
 QDomElement fieldOf(const QDomDocument& document, std::size_t index = 0) {
     return elements(document, "field").at(index);
@@ -51,141 +36,7 @@ std::vector<std::string> namesWithIds(const QDomElement& field) {
     return names;
 }
 
-constexpr int kFibres = 603;
-constexpr int kMiddleFibre = 304;
-
 } // namespace
-
-TEST(ConfigurationRun, WritesOneTargetForEveryFibreOfTheBundle) {
-    const QDomDocument output = configured(FieldDefinition().text());
-    std::map<int, QDomElement> targets;
-    for (const QDomElement& target : children(fieldOf(output), "target")) {
-        if (text(target, "targuse") != "G") {
-            EXPECT_TRUE(targets.emplace(std::stoi(text(target, "configid")), target).second);
-        }
-    }
-    const std::map<int, Attributes> fibres = bundleFibres();
-    ASSERT_EQ(fibres.size(), static_cast<std::size_t>(kFibres));
-    ASSERT_EQ(targets.size(), fibres.size());
-    std::set<int> broken;
-    int sky = 0;
-    for (const auto& [id, fibre] : fibres) {
-        const QDomElement target = targets.at(id);
-        const bool enabled = fibre.at("status") == "enabled";
-        const bool isSky = fibre.at("fibre_name").front() == 'S';
-        EXPECT_EQ(text(target, "fibreid"), std::to_string(enabled ? id : -id));
-        EXPECT_EQ(text(target, "ifu_spaxel"), fibre.at("fibre_name")) << id;
-        EXPECT_EQ(text(target, "targuse"), isSky ? "S" : "T") << id;
-        EXPECT_NEAR(number(target, "targx"), std::stod(fibre.at("pos_x")), kPlateToleranceMm) << id;
-        EXPECT_NEAR(number(target, "targy"), std::stod(fibre.at("pos_y")), kPlateToleranceMm) << id;
-        sky += isSky ? 1 : 0;
-        if (!enabled) {
-            broken.insert(id);
-        }
-    }
-    EXPECT_EQ(sky, 56);
-    EXPECT_EQ(broken, (std::set<int>{160, 504, 573}));
-}
-
-TEST(ConfigurationRun, AppendsTheNewTargetsInAscendingFibreOrderAfterTheFieldsOwn) {
-    const QDomDocument output = configured(FieldDefinition().text());
-    std::vector<int> ids;
-    for (const QDomElement& target : children(fieldOf(output), "target")) {
-        ids.push_back(std::stoi(text(target, "configid")));
-    }
-    std::vector<int> expected = {kMiddleFibre, 0};
-    for (int id = 1; id <= kFibres; ++id) {
-        if (id != kMiddleFibre) {
-            expected.push_back(id);
-        }
-    }
-    EXPECT_EQ(ids, expected);
-}
-
-TEST(ConfigurationRun, PutsTheScienceTargetOnTheMiddleFibreWithoutTouchingItsOtherAttributes) {
-    const QDomDocument output = configured(FieldDefinition().text());
-    EXPECT_EQ(attributes(children(fieldOf(output), "target").at(0)), (Attributes{{"targname", "Galaxy"},
-                                                                                 {"targuse", "T"},
-                                                                                 {"targra", "150.10000000"},
-                                                                                 {"targdec", "20.10000000"},
-                                                                                 {"fibreid", "304"},
-                                                                                 {"targx", "0"},
-                                                                                 {"targy", "-20"},
-                                                                                 {"ifu_pa", "0"},
-                                                                                 {"ifu_spaxel", "C14"},
-                                                                                 {"configid", "304"}}));
-}
-
-TEST(ConfigurationRun, GivesTheGuideStarItsPlatePositionAndNoFibre) {
-    const QDomDocument output = configured(FieldDefinition().text());
-    const QDomElement guide = children(fieldOf(output), "target").at(1);
-    Attributes written = attributes(guide);
-    EXPECT_TRUE(written.count("targx") == 1 && written.count("targy") == 1);
-    // The star is 0.1 degrees north of the science target, which is at (0, -20): up by about the plate scale.
-    EXPECT_NEAR(number(guide, "targx"), 0.0, 0.2);
-    EXPECT_NEAR(number(guide, "targy"), -20.0 + 20.3, 0.1);
-    written.erase("targx");
-    written.erase("targy");
-    EXPECT_EQ(written, (Attributes{{"targname", "Star"},
-                                   {"targuse", "G"},
-                                   {"targra", "150.10000000"},
-                                   {"targdec", "20.20000000"},
-                                   {"fibreid", ""},
-                                   {"ifu_pa", "0"},
-                                   {"ifu_spaxel", ""},
-                                   {"configid", "0"}}));
-}
-
-TEST(ConfigurationRun, MakesGeneratedTargetsAsCopiesOfTheScienceTarget) {
-    const std::string science =
-        targetXml("T", "Galaxy", "150.10000000", "20.10000000",
-                  R"(targsrvy="deep" targprio="7.5" cname="C1" targcat="cat" targclass="GALAXY" targprog="p" targid="i"
-                     targparal="5" targpmra="3.2" targpmdec="-4" targrv="12" own="kept")",
-                  R"(<photometry mag_g="15.1"/><note>of the user</note>)");
-    const QDomDocument output = configured(documentWithFields({fieldXml(science + guideStarXml())}));
-    const std::vector<QDomElement> generated = generatedTargets(fieldOf(output));
-    ASSERT_EQ(generated.size(), 602U);
-    for (const QDomElement& target : generated) {
-        Attributes written = attributes(target);
-        for (const char* own :
-             {"targra", "targdec", "fibreid", "targx", "targy", "ifu_spaxel", "configid", "targuse"}) {
-            EXPECT_EQ(written.erase(own), 1U) << own;
-        }
-        EXPECT_EQ(written, (Attributes{{"targname", "Galaxy"},
-                                       {"targsrvy", "deep"},
-                                       {"targprio", "7.5"},
-                                       {"cname", "C1"},
-                                       {"targcat", "cat"},
-                                       {"targclass", "GALAXY"},
-                                       {"targprog", "p"},
-                                       {"targid", "i"},
-                                       {"targparal", "0"},
-                                       {"targpmra", "0"},
-                                       {"targpmdec", "0"},
-                                       {"targrv", "12"},
-                                       {"own", "kept"},
-                                       {"automatic", "1"},
-                                       {"targepoch", "2016.00"},
-                                       {"ifu_pa", "0"}}));
-        EXPECT_EQ(treeText(target.firstChild()), "<photometry mag_g='15.1'>\n");
-        EXPECT_EQ(treeText(target.lastChild()), "<note>\n [3 #text] of the user\n");
-    }
-}
-
-TEST(ConfigurationRun, FillsInWhatTheScienceTargetLacksOnGeneratedTargetsOnly) {
-    const QDomDocument output = configured(FieldDefinition().text());
-    for (const QDomElement& target : generatedTargets(fieldOf(output))) {
-        Attributes written = attributes(target);
-        EXPECT_EQ(written["targname"], "Galaxy");
-        EXPECT_EQ(written["targsrvy"], "");
-        EXPECT_EQ(written["targprio"], "1");
-        EXPECT_EQ(written["cname"], "%%%");
-        EXPECT_EQ(written["targcat"], "");
-        EXPECT_EQ(written["targclass"], text(target, "targuse") == "S" ? "" : "UNKNOWN");
-        EXPECT_EQ(written["targprog"], "");
-        EXPECT_EQ(written["targid"], "");
-    }
-}
 
 TEST(ConfigurationRun, UsesTheFibreThatTheScienceTargetCarries) {
     const struct {
@@ -210,19 +61,6 @@ TEST(ConfigurationRun, UsesTheFibreThatTheScienceTargetCarries) {
         EXPECT_NEAR(number(science, "targy"), y, kPlateToleranceMm);
         EXPECT_EQ(generatedTargets(fieldOf(output)).size(), 602U);
     }
-}
-
-TEST(ConfigurationRun, WritesTheSameFieldCentreIntoTheFieldAndTheObservation) {
-    const QDomDocument output = configured(FieldDefinition().text());
-    const QDomElement field = fieldOf(output);
-    const QDomElement observation = onlyElement(output, "observation");
-    for (const char* attribute : {"RA_d", "Dec_d"}) {
-        EXPECT_EQ(text(observation, attribute), text(field, attribute));
-        EXPECT_THAT(text(field, attribute), testing::MatchesRegex("[0-9]+\\.[0-9]{6}"));
-    }
-    // With the target 20 mm below it, the centre is 20 mm / 202.84 mm/degree north of the target.
-    EXPECT_NEAR(number(field, "RA_d"), 150.1, 0.001);
-    EXPECT_NEAR(number(field, "Dec_d"), 20.1 + 20.0 / 202.84, 0.0005);
 }
 
 TEST(ConfigurationRun, ConfiguresEveryFieldAndWritesOnlyTheFirstCentreIntoTheObservation) {

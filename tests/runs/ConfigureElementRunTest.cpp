@@ -1,7 +1,6 @@
 #include "configuredDocument.h"
 #include "fieldDefinition.h"
 
-#include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -41,33 +40,6 @@ TEST(ConfigureElementRun, AddsItsElementsInTheOrderOfTheRun) {
               (std::vector<std::string>{"other", "conditions", "hour_angle_limits", "telescope", "focal_plane_map"}));
 }
 
-TEST(ConfigureElementRun, WritesTheConditionsThatItUsed) {
-    const QDomDocument output =
-        configuredWith(R"(<configure><conditions epoch="2016.0" temperature="280.5" pressure="770.5"
-                          relative_humidity="0.5" tlr="0.0" seeing="0.8"/></configure>)");
-    Attributes written = attributes(onlyElement(output, "conditions"));
-    EXPECT_EQ(std::abs(number(onlyElement(output, "conditions"), "ha")), 0.0);
-    written.erase("ha");
-    EXPECT_EQ(number(onlyElement(output, "conditions"), "tlr"), 0.0065);
-    written.erase("tlr");
-    EXPECT_EQ(written, (Attributes{{"epoch", "2016.00"},
-                                   {"temperature", "280.5"},
-                                   {"pressure", "770.5"},
-                                   {"relative_humidity", "0.5"},
-                                   {"seeing", "0.8"}}));
-}
-
-TEST(ConfigureElementRun, MakesTheConditionsThatADocumentLacks) {
-    const QDomDocument output = configuredWith("<configure/>");
-    const QDomElement conditions = onlyElement(output, "conditions");
-    EXPECT_EQ(conditions.parentNode().nodeName(), "configure");
-    EXPECT_EQ(number(conditions, "temperature"), 283.0);
-    EXPECT_EQ(number(conditions, "pressure"), 660.0);
-    EXPECT_EQ(number(conditions, "relative_humidity"), 0.2);
-    EXPECT_EQ(number(conditions, "tlr"), 0.0065);
-    EXPECT_EQ(std::abs(number(conditions, "epoch")), 0.0);
-}
-
 TEST(ConfigureElementRun, WritesTheEarlierLimitAsLatestAndTheLaterAsEarliest) {
     const QDomDocument output = configured(FieldDefinition().text());
     const QDomElement limits = onlyElement(output, "hour_angle_limits");
@@ -91,25 +63,6 @@ TEST(ConfigureElementRun, ReusesTheFirstHourAngleLimitsAndIgnoresASecond) {
     EXPECT_EQ(text(limits.at(0), "comment"), "kept");
     EXPECT_EQ("-" + text(limits.at(0), "earliest"), text(limits.at(0), "latest"));
     EXPECT_EQ(attributes(limits.at(1)), (Attributes{{"latest", "8"}}));
-}
-
-TEST(ConfigureElementRun, RecordsTheSiteAndTheOpticalModel) {
-    const QDomDocument output = configured(FieldDefinition().text());
-    // The embedded configuration has -17.881639, 28.760583, 2332.0 and the focal length 11724.24.
-    EXPECT_EQ(attributes(onlyElement(output, "telescope")),
-              (Attributes{{"east_longitude", "-17.881639"}, {"latitude", "28.76058"}, {"height", "2332.0"}}));
-    EXPECT_EQ(attributes(onlyElement(output, "focal_plane_map")),
-              (Attributes{{"focal_length", "11724.2"}, {"nominal_focal_length", "11724.2"}}));
-    for (const char* plate : {"PLATE_A", "PLATE_B", "VEKO"}) {
-        EXPECT_EQ(onlyElement(output, plate).parentNode().nodeName(), "optical_axis");
-        EXPECT_EQ(attributes(onlyElement(output, plate)),
-                  (Attributes{{"x0", "0.000"}, {"y0", "0.000"}, {"r0", "0.000"}}));
-    }
-    const QDomElement coefficients = onlyElement(output, "distortion_coefficients");
-    EXPECT_EQ(number(coefficients, "c1"), 202.841);
-    EXPECT_EQ(number(coefficients, "c3"), 3.0191);
-    EXPECT_EQ(number(coefficients, "c5"), -0.0995944);
-    EXPECT_EQ(text(coefficients, "c7"), "0");
 }
 
 TEST(ConfigureElementRun, WritesADocumentWithoutFieldsWithItsConfigureElementAlone) {

@@ -5,7 +5,6 @@
 namespace {
 
 using Names = std::set<std::string>;
-using testing::PrintToString;
 
 const std::string kLatin1 = "caf\xe9.xml";
 const std::string kUtf8 = "caf\xc3\xa9 \xf0\x9f\x98\x80.xml";
@@ -38,37 +37,34 @@ TEST_F(FileNames, InUtf8OpenTheFilesThatTheyName) {
     }
 }
 
-TEST_F(FileNames, InAnotherEncodingOpenNoOutput) {
+TEST_F(FileNames, InAnotherEncodingOpenNoFile) {
+    // Everything that a decoder could make of the name stands there.
     const Names neighbours = {kReplaced, "caf.xml", "caf?.xml", "caf\xc3\xa9.xml"};
-    for (const std::string& neighbour : neighbours) {
-        write(neighbour, "old");
-    }
-    for (const std::string& locale : locales_) {
-        expectEnd(runIn(locale, {"-i", folder_.path("in.xml"), "-o", kLatin1}), 1, kNotOpened);
-        EXPECT_EQ(outputs(), neighbours) << locale;
+    const std::string input = folder_.path("in.xml");
+    const struct {
+        std::string content;
+        std::vector<std::string> arguments;
+        std::string message;
+    } rows[] = {
+        {"old", {"-i", input, "-o", kLatin1}, kNotOpened},
+        {kPlainField,
+         {"-i", kLatin1, "-o", "out.xml"},
+         "Error parsing field definition file: " + kLatin1 + " could not be opened\n"},
+        {configuration_,
+         {"-c", kLatin1, "-i", input, "-o", "out.xml"},
+         "Unable to open config file: " + kLatin1 + "\n"},
+    };
+    for (const auto& [content, arguments, message] : rows) {
         for (const std::string& neighbour : neighbours) {
-            EXPECT_EQ(readBytes(path(neighbour)), "old") << locale << PrintToString(neighbour);
+            write(neighbour, content);
         }
-    }
-}
-
-TEST_F(FileNames, InAnotherEncodingOpenNoInput) {
-    for (const std::string& neighbour : {kReplaced, std::string("caf.xml"), std::string("caf?.xml")}) {
-        write(neighbour, kPlainField);
-    }
-    const Names before = outputs();
-    for (const std::string& locale : locales_) {
-        expectEnd(runIn(locale, {"-i", kLatin1, "-o", "out.xml"}), 1,
-                  "Error parsing field definition file: " + kLatin1 + " could not be opened\n");
-        EXPECT_EQ(outputs(), before) << locale;
-    }
-}
-
-TEST_F(FileNames, InAnotherEncodingOpenNoConfiguration) {
-    write(kReplaced, configuration_);
-    for (const std::string& locale : locales_) {
-        expectEnd(runIn(locale, {"-c", kLatin1, "-i", folder_.path("in.xml"), "-o", "out.xml"}), 1,
-                  "Unable to open config file: " + kLatin1 + "\n");
-        EXPECT_EQ(outputs(), Names({kReplaced})) << locale;
+        for (const std::string& locale : locales_) {
+            SCOPED_TRACE(locale + " " + message);
+            expectEnd(runIn(locale, arguments), 1, message);
+            EXPECT_EQ(outputs(), neighbours);
+            for (const std::string& neighbour : neighbours) {
+                EXPECT_EQ(readBytes(path(neighbour)), content) << testing::PrintToString(neighbour);
+            }
+        }
     }
 }

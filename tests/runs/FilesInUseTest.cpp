@@ -79,11 +79,3 @@ TEST_F(FilesInUse, AreNoneOfTheSameContentAndNoResources) {
         EXPECT_EQ(readBytes(path(":/" + name)), expected_);
     }
 }
-
-TEST_F(FilesInUse, DoNotIncludeTheInput) {
-    write("field.xml", kPlainField);
-    const ProgramResult result =
-        runVekoConfigure({"-c", arguments_.back(), "-i", path("field.xml"), "-o", path("field.xml")});
-    expectEnd(result, 0, "");
-    EXPECT_NE(readBytes(path("field.xml")), kPlainField);
-}

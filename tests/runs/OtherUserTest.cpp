@@ -1,5 +1,4 @@
 #include "outputRun.h"
-#include "privilege.h"
 
 #include <gtest/gtest.h>
 
@@ -15,20 +14,13 @@ class OtherUser : public OutputRun {
 protected:
     void SetUp() override {
         prepareForOtherUsers();
-        REQUIRE_PRIVILEGE(isRoot() && runAsOtherUser({"true"}).status == 0, "the right to become another user");
-    }
-
-    static ProgramResult runAsOtherUser(const std::vector<std::string>& command) {
-        ProgramOptions options;
-        options.wrapper = kOtherUserCommand;
-        return runCommand(command, options);
+        REQUIRE_PRIVILEGE(isRoot() && runCommand(joined(kAsOtherUser, {"true"})).status == 0,
+                          "the right to become another user");
     }
 
     /** A run as the other user, in whose name a shell may have something done first. */
     ProgramResult run(const std::string& output, const std::string& before = "true") const {
-        std::vector<std::string> wrapper = kOtherUserCommand;
-        wrapper.insert(wrapper.end(), {"bash", "-c", before + " && exec \"$0\" \"$@\""});
-        return OutputRun::run(output, wrapper);
+        return OutputRun::run(output, joined(kAsOtherUser, {"bash", "-c", before + " && exec \"$0\" \"$@\""}));
     }
 
     /** A file in the folder of the output that belongs to root. */
@@ -36,9 +28,6 @@ protected:
         write("out.xml", content);
         permit("out/out.xml", mode);
     }
-
-    inline static const std::vector<std::string> kOtherUserCommand = {"setpriv", "--reuid=65534", "--regid=65534",
-                                                                      "--clear-groups"};
 };
 
 } // namespace
@@ -60,8 +49,8 @@ TEST_F(OtherUser, CannotMakeAFileInAFolderThatTakesNone) {
 TEST_F(OtherUser, CannotOpenWhatIsBehindAClosedFolder) {
     writeForeign("old", 0666);
     permit("out", 0700);
-    expectEnd(OutputRun::run("out.xml", kOtherUserCommand), 1, kNotOpened);
-    expectEnd(OutputRun::run(path("out.xml"), kOtherUserCommand), 1, kNotOpened);
+    expectEnd(OutputRun::run("out.xml", kAsOtherUser), 1, kNotOpened);
+    expectEnd(OutputRun::run(path("out.xml"), kAsOtherUser), 1, kNotOpened);
     EXPECT_EQ(readBytes(path("out.xml")), "old");
 }
 

@@ -2,6 +2,7 @@
 #include "angles.h"
 #include "configuredDocument.h"
 #include "fieldDefinition.h"
+#include "outputRun.h"
 #include "tolerances.h"
 #include "xml.h"
 
@@ -31,9 +32,7 @@ void expectFailure(const OwnConfiguration& configuration, const std::string& mes
     const ProgramResult result =
         runVekoConfigure({"-c", configuration.write(folder), "-i", folder.write("in.xml", definition.text()), "-o",
                           folder.path("out.xml")});
-    EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err,
+    expectEnd(result, 1,
               message.find("FOLDER") == std::string::npos ? message : replaced(message, "FOLDER", folder.path("conf")));
     EXPECT_FALSE(folder.contains("out.xml"));
 }
@@ -117,29 +116,6 @@ TEST(OwnConfiguration, PutsATurnedAndThinnedBundleWhereItsDefinitionSays) {
     }
 }
 
-TEST(OwnConfiguration, LeavesAScienceTargetOnAnAbsentFibreAsItWas) {
-    OwnConfiguration configuration;
-    configuration.fibres = kThinnedBundle;
-    FieldDefinition definition;
-    definition.fields = {fieldXml(scienceTargetXml(R"(fibreid="10")") + guideStarXml())};
-    const QDomDocument output = configuredWith(configuration, definition);
-    // The reader of the field has given the target its number.
-    EXPECT_EQ(attributes(elements(output, "target").at(0)),
-              (std::map<std::string, std::string>{{"targname", "Galaxy"},
-                                                  {"targuse", "T"},
-                                                  {"targra", "150.10000000"},
-                                                  {"targdec", "20.10000000"},
-                                                  {"fibreid", "10"},
-                                                  {"configid", "2"}}));
-    // 5, 11, 304, 305 and 600 see the sky around it.
-    EXPECT_EQ(elements(output, "target").size(), 7U);
-}
-
-TEST(OwnConfiguration, ConfiguresABundleWithoutOtherFibresThanTheScienceFibre) {
-    const QDomDocument output = configuredWith(OwnConfiguration());
-    EXPECT_EQ(elements(output, "target").size(), 2U);
-}
-
 TEST(OwnConfiguration, PutsTheScienceTargetOnItsFibreWhateverThePlateAndTheBundleAre) {
     // The guide star stands in the same place of the sky, and so shows where on the plate the sky is.
     for (const char* veko :
@@ -206,37 +182,6 @@ TEST(OwnConfiguration, IgnoresTheOffsetsOfTheOtherPlates) {
     EXPECT_NE(skyOf(configuredWith(configuration)), sky);
 }
 
-TEST(OwnConfiguration, RecordsItsOwnPlatesAndOptics) {
-    OwnConfiguration configuration;
-    configuration.plateA = R"(x0="-30" y0="10.0625" r0="90")";
-    configuration.plateB = R"(x0="80" y0="90" r0="-90")";
-    configuration.veko = R"(x0="60.5" y0="-45" r0="10")";
-    configuration.mapAttributes = R"(focal_length="11000.25")";
-    configuration.distortion = R"(c1="200" c3="4" c5="-0.5" c7="12")";
-    const QDomDocument output = configuredWith(configuration);
-    using Attributes = std::map<std::string, std::string>;
-    // The rotations are in radians: π/2 and π/18. Ties round away from zero.
-    EXPECT_EQ(attributes(onlyElement(output, "PLATE_A")),
-              (Attributes{{"x0", "-30.000"}, {"y0", "10.063"}, {"r0", "1.571"}}));
-    EXPECT_EQ(attributes(onlyElement(output, "PLATE_B")),
-              (Attributes{{"x0", "80.000"}, {"y0", "90.000"}, {"r0", "-1.571"}}));
-    EXPECT_EQ(attributes(onlyElement(output, "VEKO")),
-              (Attributes{{"x0", "60.500"}, {"y0", "-45.000"}, {"r0", "0.175"}}));
-    EXPECT_EQ(attributes(onlyElement(output, "focal_plane_map")),
-              (Attributes{{"focal_length", "11000.3"}, {"nominal_focal_length", "11000.3"}}));
-    EXPECT_EQ(attributes(onlyElement(output, "distortion_coefficients")),
-              (Attributes{{"c1", "200"}, {"c3", "4"}, {"c5", "-0.5"}, {"c7", "0"}}));
-}
-
-TEST(OwnConfiguration, GivesItsDefaultEpochToGeneratedTargets) {
-    OwnConfiguration configuration;
-    configuration.fibres = kThinnedBundle;
-    configuration.defaultEpoch = "<default_epoch>2022.125</default_epoch>";
-    const QDomDocument output = configuredWith(configuration);
-    EXPECT_EQ(text(elements(output, "target").at(0), "targepoch"), "(absent)");
-    EXPECT_EQ(text(elements(output, "target").at(2), "targepoch"), "2022.13");
-}
-
 TEST(OwnConfiguration, FindsItsDataFilesBesideItselfFromAnyWorkingDirectory) {
     const TemporaryFolder folder;
     OwnConfiguration().write(folder);
@@ -251,15 +196,6 @@ TEST(OwnConfiguration, FindsItsDataFilesBesideItselfFromAnyWorkingDirectory) {
     EXPECT_EQ(folder.read("work/out.xml"), folder.read("out.xml"));
 }
 
-TEST(OwnConfiguration, MayNameEmbeddedDataFiles) {
-    OwnConfiguration configuration;
-    configuration.datamver = "8.00";
-    configuration.mapName = ":/focal_plane_map.xml";
-    configuration.vekoDefinition = "<veko_definition>:/VEKO.xml</veko_definition>";
-    configuration.defaultEpoch = "<default_epoch>2016.0</default_epoch>";
-    EXPECT_EQ(treeText(configuredWith(configuration)), treeText(configured(FieldDefinition().text())));
-}
-
 TEST(OwnConfiguration, WithoutADefaultEpochFailsBeforeTheInputIsRead) {
     OwnConfiguration configuration;
     configuration.defaultEpoch = "";
@@ -268,28 +204,14 @@ TEST(OwnConfiguration, WithoutADefaultEpochFailsBeforeTheInputIsRead) {
 
 TEST(OwnConfiguration, FailsWhereItsDataFilesDo) {
     OwnConfiguration configuration;
-    configuration.vekoDefinition = "<veko_definition>data/none.xml</veko_definition>";
-    expectFailure(configuration, "FOLDER/data/none.xml could not be opened\n");
-    configuration.vekoDefinition = "";
-    expectFailure(configuration, "No such node (veko_definition)\n");
-    configuration = {};
     configuration.vekoDefinition = "<veko_definition>:/VEKO.xml</veko_definition>";
     expectFailure(configuration, "Data model version mismatch\n");
     configuration = {};
     configuration.mapName = "none.xml";
     expectFailure(configuration, "FOLDER/none.xml could not be opened\n");
     configuration = {};
-    configuration.plateB = R"(x0="1" y0="")";
-    expectFailure(configuration, "Bad optical axis in focal plane map\n");
-    configuration = {};
-    configuration.bundle = R"(centre_x="0" orientation="0")";
-    expectFailure(configuration, "plate definition has a bad centre y\n");
-    configuration = {};
     configuration.fibres = "";
     expectFailure(configuration, "fibre assigned to science target does not exist\n");
-    configuration = {};
-    configuration.configureVersion = "<configure_version>3.3.4</configure_version>";
-    expectFailure(configuration, "config file version mismatch\n");
     configuration = {};
     expectFailure(configuration, "Error parsing field definition file: Data model version mismatch\n", "8.00");
 }
@@ -310,9 +232,7 @@ TEST(OwnConfiguration, TellsOfAFibreThatIsNowhereBeforeTheGuideStarAndTheNextFie
         const ProgramResult result =
             runVekoConfigure({"-c", own.write(folder), "-i", folder.write("in.xml", documentWithFields(fields)), "-o",
                               folder.path("out.xml")});
-        EXPECT_EQ(result.status, 1);
-        EXPECT_EQ(result.out, "");
-        EXPECT_EQ(result.err, message);
+        expectEnd(result, 1, message);
         EXPECT_FALSE(folder.contains("out.xml"));
     }
 }

@@ -1,6 +1,5 @@
 #include "Mount.h"
 #include "outputRun.h"
-#include "privilege.h"
 
 #include <gtest/gtest.h>
 #include <sstream>
@@ -16,34 +15,17 @@ using Names = std::set<std::string>;
 const std::string kOld = "old";
 
 /** What a run does to bring its output onto the disk, as a tracer tells it. */
-class SynchronisedRun : public OutputRun {
+class SynchronisedRun : public TracedRun {
 protected:
-    void SetUp() override {
-        REQUIRE_PRIVILEGE(runCommand({"strace", "-o", "/dev/null", "true"}).status == 0,
-                          "strace and the right to trace");
-        // The search for leaks traces the program too, which only one can do.
-        environment_ = {"ASAN_OPTIONS=detect_leaks=0"};
-    }
-
     /** Expects a run's calls, successful or made to fail, in this order, repeated ones once, and the last of them to be
      * of this file. */
     void expectCalls(const std::vector<std::string>& expected, const std::string& lastOf, const std::string& output,
-                     const std::vector<std::string>& injection = {}) const {
-        std::vector<std::string> tracer = {"bash",
-                                           "-c",
-                                           "exec \"$0\" \"$@\" 9<>in-place.xml",
-                                           "strace",
-                                           "-qq",
-                                           "-y",
-                                           "-o",
-                                           folder_.path("trace"),
-                                           "-e",
-                                           "trace=fdatasync,fsync,syncfs,linkat,rename"};
-        tracer.insert(tracer.end(), injection.begin(), injection.end());
-        expectEnd(run(output, tracer), 0, "");
+                     const Command& injection = {}) const {
+        const std::string calls = "trace=fdatasync,fsync,syncfs,linkat,rename";
+        expectEnd(runTraced(output, joined({"-y", "-e", calls}, injection)), 0, "");
         std::vector<std::string> names;
         std::string last;
-        std::istringstream lines(folder_.read("trace"));
+        std::istringstream lines(trace());
         for (std::string line; std::getline(lines, line);) {
             const std::string name = line.substr(0, line.find('('));
             const bool counts = line.ends_with(" = 0") || line.ends_with("(INJECTED)");
@@ -52,7 +34,7 @@ protected:
                 last = line;
             }
         }
-        EXPECT_EQ(names, expected) << folder_.read("trace");
+        EXPECT_EQ(names, expected) << trace();
         EXPECT_NE(last.find("<" + fs::canonical(lastOf).string() + ">)"), std::string::npos) << last;
     }
 };
@@ -117,7 +99,7 @@ TEST_F(SynchronisedRun, MakesSureOfAFileThatHasItsNameFromTheStart) {
 }
 
 TEST_F(SynchronisedRun, HasNoNameToMakeSureOfWhereItOverwritesAFile) {
-    expectCalls({"fdatasync"}, path("in-place.xml"), "/dev/fd/9");
+    expectCalls({"fdatasync"}, path("out.xml"), kInPlace);
 }
 
 TEST_F(PowerCut, LeavesANewFile) {
@@ -136,7 +118,7 @@ TEST_F(PowerCut, LeavesTheFileThatHasReplacedAnother) {
 TEST_F(PowerCut, LeavesAFileThatHasBeenOverwritten) {
     write("out.xml", kOld);
     synchronise();
-    expectEnd(run("/dev/fd/9", {}, "9<>out.xml"), 0, "");
+    expectEnd(run(kInPlace, kWithOpenOutput), 0, "");
     expectOutputAfterCut("out.xml", {"out.xml"});
 }
 
@@ -144,6 +126,6 @@ TEST_F(PowerCut, LeavesAFileInAFolderThatCannotBeRead) {
     prepareForOtherUsers();
     permit("out", 0333);
     synchronise();
-    expectEnd(run("out.xml", {"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"}), 0, "");
+    expectEnd(run("out.xml", kAsOtherUser), 0, "");
     expectOutputAfterCut("out.xml", {"out.xml"});
 }

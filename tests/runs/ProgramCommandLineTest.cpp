@@ -1,11 +1,6 @@
 #include "CommandLine.h"
-#include "Program.h"
-#include "TemporaryFolder.h"
-#include "plainField.h"
-#include "tolerances.h"
-#include "xml.h"
+#include "outputRun.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
 #include <sstream>
 
@@ -30,27 +25,13 @@ protected:
     /** A run on the field definition that must succeed. @return the output's bytes */
     std::string configure(std::vector<std::string> arguments = {}) const {
         arguments.insert(arguments.end(), {"-i", "in.xml", "-o", "out.xml"});
-        const ProgramResult result = run(arguments);
-        EXPECT_EQ(result.status, 0);
-        EXPECT_EQ(result.out, "");
-        EXPECT_EQ(result.err, "");
+        expectEnd(run(arguments), 0, "");
         return folder_.read("out.xml");
-    }
-
-    /** The value of an attribute of the conditions that a run writes. */
-    std::string condition(const std::string& attribute, const std::vector<std::string>& arguments) const {
-        const QDomElement conditions =
-            parseElement(configure(arguments)).elementsByTagName("conditions").at(0).toElement();
-        return conditions.attribute(QString::fromStdString(attribute), "absent").toStdString();
     }
 
     /** A run that ends with a message and nothing else. */
     void expectFailure(const std::vector<std::string>& arguments, const std::string& message) const {
-        const ProgramResult result = run(arguments);
-        EXPECT_EQ(result.status, 1) << message;
-        EXPECT_EQ(result.signal, 0) << message;
-        EXPECT_EQ(result.out, "") << message;
-        EXPECT_EQ(result.err, message);
+        expectEnd(run(arguments), 1, message);
         EXPECT_FALSE(folder_.contains("out.xml")) << message;
     }
 
@@ -64,16 +45,6 @@ protected:
 
     const TemporaryFolder folder_;
 };
-
-/** How near an hour angle in a document comes to the one asked for, hours: the solve's and the last decimal's error. */
-constexpr double kHourAngleTolerance = kSecondOfTime * 12 / 3.141592653589793 + 0.00005;
-
-double number(const std::string& text) {
-    bool good = false;
-    const double value = QString::fromStdString(text).toDouble(&good);
-    EXPECT_TRUE(good) << text;
-    return value;
-}
 
 std::string listing() {
     std::ostringstream text;
@@ -105,27 +76,6 @@ TEST_F(ProgramCommandLine, HelpListsEveryOptionWithItsTextAndDefault) {
                                               "-o [ --output ] arg output configuration file name "
                                               "--pressure arg estimated pressure at time of observation (mBar) "
                                               "-v [ --version ] print version number");
-}
-
-TEST_F(ProgramCommandLine, HelpPutsTheTextsIntoTheSecondHalfOf80Columns) {
-    std::istringstream lines(run({"--help"}).out);
-    std::string line;
-    std::getline(lines, line);
-    EXPECT_EQ(line, "Allowed options:");
-    std::getline(lines, line);
-    EXPECT_EQ(line, "  -c [ --config_file ] arg (=:/configure.xml)");
-    std::getline(lines, line);
-    EXPECT_EQ(line, std::string(40, ' ') + "name of configuration file");
-    std::getline(lines, line);
-    EXPECT_EQ(line, "  --epoch arg" + std::string(27, ' ') + "estimated epoch of observation (yr)");
-    while (std::getline(lines, line)) {
-        EXPECT_LE(line.size(), 80U) << line;
-    }
-}
-
-TEST_F(ProgramCommandLine, HelpIsTheListingAndALineEnd) {
-    expectAnswer({"-h"}, listing());
-    expectAnswer({"--help"}, listing());
 }
 
 TEST_F(ProgramCommandLine, HelpComesBeforeEverythingButTheParsing) {
@@ -181,12 +131,6 @@ TEST_F(ProgramCommandLine, InputAndOutputMustBeNamedInThisOrder) {
     expectFailure({"-i", "in.xml"}, "No output file\n");
 }
 
-TEST_F(ProgramCommandLine, InputIsNotReadWithoutAnOutput) {
-    folder_.write("malformed.xml", "<");
-    expectFailure({"-i", "malformed.xml"}, "No output file\n");
-    expectFailure({"-i", "missing.xml"}, "No output file\n");
-}
-
 TEST_F(ProgramCommandLine, SyntaxErrorsEndTheProgramBeforeTheRun) {
     const std::pair<std::vector<std::string>, std::string> rows[] = {
         {{"--bogus"}, "unrecognised option '--bogus'\n"},
@@ -202,70 +146,6 @@ TEST_F(ProgramCommandLine, SyntaxErrorsEndTheProgramBeforeTheRun) {
         arguments.insert(arguments.end(), extra.begin(), extra.end());
         expectFailure(arguments, message);
     }
-}
-
-TEST_F(ProgramCommandLine, AnOutputNamedLikeAPlaceholderOfTheParserDoesNotHideWhatIsWrong) {
-    const std::string output = "out%value%.xml";
-    expectFailure({"-i", "in.xml", "-o", output, "--bogus"}, "unrecognised option '--bogus'\n");
-    EXPECT_FALSE(folder_.contains(output));
-    expectFailure({"-i", "in.xml", "-o", output, "--epoch", "%value%"}, "the argument '%value%' is not valid\n");
-    EXPECT_FALSE(folder_.contains(output));
-    EXPECT_EQ(run({"-i", "in.xml", "-o", output}).status, 0);
-    EXPECT_TRUE(folder_.contains(output));
-}
-
-TEST_F(ProgramCommandLine, WhatTheRunThrowsIsPrinted) {
-    folder_.write("bare.xml", "<configuration datamver='8.00'><observation/></configuration>");
-    expectFailure({"-i", "bare.xml", "-o", "out.xml"}, "Configure element not found\n");
-}
-
-TEST_F(ProgramCommandLine, ResultOfTheRunIsTheExitStatus) {
-    expectFailure({"-i", "missing.xml", "-o", "out.xml"},
-                  "Error parsing field definition file: missing.xml could not be opened\n");
-    expectFailure({"-i", "", "-o", "out.xml"}, "Error parsing field definition file:  could not be opened\n");
-    configure();
-}
-
-TEST_F(ProgramCommandLine, EstimatesReachTheRun) {
-    EXPECT_EQ(condition("epoch", {"--epoch", "2020"}), "2020.00");
-    EXPECT_NEAR(number(condition("ha", {"--ha", "0.75"})), 0.75, kHourAngleTolerance);
-    EXPECT_EQ(condition("pressure", {"--pressure", "700"}), "700");
-}
-
-TEST_F(ProgramCommandLine, AllEstimatesTogetherKeepTheirPlaces) {
-    const QDomElement root =
-        parseElement(configure({"--epoch", "2020", "--ha", "0.75", "--pressure", "700", "--horizon_limit", "60"}));
-    const QDomElement conditions = root.elementsByTagName("conditions").at(0).toElement();
-    EXPECT_EQ(conditions.attribute("epoch"), "2020.00");
-    EXPECT_NEAR(number(conditions.attribute("ha").toStdString()), 0.75, kHourAngleTolerance);
-    EXPECT_EQ(conditions.attribute("pressure"), "700");
-}
-
-TEST_F(ProgramCommandLine, NegativeHourAngleIsTakenBehindABlankAndBehindAnEqualsSign) {
-    EXPECT_NEAR(number(condition("ha", {"--ha", "-1.5"})), -1.5, kHourAngleTolerance);
-    EXPECT_EQ(configure({"--ha=-1.5"}), configure({"--ha", "-1.5"}));
-}
-
-TEST_F(ProgramCommandLine, MarksOfOptionsNotGivenLeaveTheDocumentsValues) {
-    const std::string expected = configure();
-    EXPECT_EQ(configure({"--ha", "100"}), expected);
-    EXPECT_EQ(configure({"--epoch", "0"}), expected);
-    EXPECT_EQ(configure({"--pressure", "0"}), expected);
-    EXPECT_EQ(configure({"--horizon_limit", "25"}), expected);
-    EXPECT_NEAR(number(condition("ha", {"--ha", "100"})), 1.5, kHourAngleTolerance);
-    EXPECT_EQ(condition("epoch", {"--epoch", "0"}), "2022.25");
-    EXPECT_EQ(condition("pressure", {"--pressure", "0"}), "770");
-    EXPECT_NEAR(number(condition("ha", {"--ha", "0"})), 0.0, kHourAngleTolerance);
-}
-
-TEST_F(ProgramCommandLine, HorizonLimitIsAnElevation) {
-    // At 28.76 degrees of latitude, declination 20 stands 22.5 degrees from the zenith at an hour angle of 1.5 h.
-    configure({"--horizon_limit", "67"});
-}
-
-TEST_F(ProgramCommandLine, FieldBelowTheGivenHorizonLimitIsRefused) {
-    expectFailure({"-i", "in.xml", "-o", "out.xml", "--horizon_limit", "68"}, kBelowTheHorizon);
-    expectFailure({"-i", "in.xml", "-o", "out.xml", "--horizon_limit", "90"}, kBelowTheHorizon);
 }
 
 TEST_F(ProgramCommandLine, HorizonLimitIs25DegreesWhenItIsNotGiven) {

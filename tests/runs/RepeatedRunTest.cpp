@@ -65,18 +65,6 @@ TEST(RepeatedRun, AddsAFurtherTargetForEveryOtherFibre) {
     }
 }
 
-TEST(RepeatedRun, TakesTheSameScienceTargetAndGuideStar) {
-    const QDomDocument second = configured(configuredBytes(document()));
-    const std::vector<QDomElement> targets = children(elements(second, "field").at(0), "target");
-    EXPECT_EQ(text(targets.at(0), "ifu_spaxel"), "C14");
-    EXPECT_EQ(text(targets.at(0), "automatic"), "(absent)");
-    EXPECT_EQ(text(targets.at(1), "targname"), "Star");
-    EXPECT_EQ(text(targets.at(1), "configid"), "0");
-    for (std::size_t i = 2; i < targets.size(); ++i) {
-        EXPECT_EQ(text(targets.at(i), "automatic"), "1");
-    }
-}
-
 TEST(RepeatedRun, ReusesItsElementsButRecordsThePlatesAgain) {
     const QDomDocument second = configured(configuredBytes(document()));
     for (const char* once : {"configure", "conditions", "hour_angle_limits", "telescope", "focal_plane_map",

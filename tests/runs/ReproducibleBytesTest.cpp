@@ -35,29 +35,23 @@ ProgramOptions without(const std::vector<std::string>& variables) {
 
 } // namespace
 
-TEST(ReproducibleBytes, ComeFromEveryRunWithoutAHashSeed) {
-    const std::string first = configuredBytes(document(), {}, without({"QT_HASH_SEED"}));
-    for (int run = 0; run < 4; ++run) {
-        EXPECT_EQ(configuredBytes(document(), {}, without({"QT_HASH_SEED"})), first);
-    }
-}
-
 TEST(ReproducibleBytes, DoNotDependOnTheHashSeedOfTheEnvironment) {
     const std::string first = configuredBytes(document());
     for (const char* seed : {"0", "1", "12345", "-1", "4294967295", "", "random"}) {
         SCOPED_TRACE(seed);
         EXPECT_EQ(configuredBytes(document(), {}, withEnvironment({"QT_HASH_SEED=" + std::string(seed)})), first);
     }
+    EXPECT_EQ(configuredBytes(document(), {}, without({"QT_HASH_SEED"})), first);
 }
 
-TEST(ReproducibleBytes, DoNotDependOnTheNamedLocale) {
+TEST(ReproducibleBytes, DoNotDependOnTheNamedLocaleOrTheTimeZone) {
     const std::string first = configuredBytes(document());
     for (const char* locale : {"de_DE.UTF-8", "fr_FR.ISO-8859-1", "C", "POSIX", "C.UTF-8", "tr_TR.UTF-8", ""}) {
         SCOPED_TRACE(locale);
         const std::string name(locale);
-        EXPECT_EQ(configuredBytes(
-                      document(), {},
-                      withEnvironment({"LC_ALL=" + name, "LANG=" + name, "LC_NUMERIC=" + name, "LANGUAGE=" + name})),
+        EXPECT_EQ(configuredBytes(document(), {},
+                                  withEnvironment({"LC_ALL=" + name, "LANG=" + name, "LC_NUMERIC=" + name,
+                                                   "LANGUAGE=" + name, "TZ=Asia/Kathmandu"})),
                   first);
     }
     EXPECT_EQ(configuredBytes(document(), {}, without({"LANG", "LC_ALL", "LC_NUMERIC", "LC_CTYPE", "HOME"})), first);
@@ -86,8 +80,4 @@ TEST(ReproducibleBytes, DoNotDependOnTheWorkingDirectoryOrTheNamesOfTheFiles) {
     expectSilentSuccess(runVekoConfigure(
         {"--output", folder.path("b/out \xc3\xa9.xml"), "--input=" + folder.path("b/other name.xml")}, options));
     EXPECT_EQ(folder.read("b/out \xc3\xa9.xml"), folder.read("a/out.xml"));
-}
-
-TEST(ReproducibleBytes, DoNotDependOnTheTimeZone) {
-    EXPECT_EQ(configuredBytes(document(), {}, withEnvironment({"TZ=Asia/Kathmandu"})), configuredBytes(document()));
 }

@@ -1,6 +1,5 @@
 #include "fileAccess.h"
 #include "outputRun.h"
-#include "privilege.h"
 
 #include <chrono>
 #include <fcntl.h>
@@ -57,14 +56,12 @@ bool isAwaited(const std::string& name) {
 class SharedOutput : public OutputRun {
 protected:
     /** A run over the file "out.xml", open as descriptor 9, which therefore cannot be replaced. */
-    ProgramResult runInPlace(const std::vector<std::string>& wrapper = {}) const {
-        std::vector<std::string> command = {"bash", "-c", "exec \"$0\" \"$@\" 9<>out.xml"};
-        command.insert(command.end(), wrapper.begin(), wrapper.end());
-        return run("/dev/fd/9", command);
+    ProgramResult runInPlace(const Command& wrapper = {}) const {
+        return run(kInPlace, joined(kWithOpenOutput, wrapper));
     }
 
     /** Starts such a run while the file is locked. @return when the run waits for the lock, or has ended */
-    std::future<ProgramResult> startWaiting(const std::vector<std::string>& wrapper = {}) const {
+    std::future<ProgramResult> startWaiting(const Command& wrapper = {}) const {
         std::future<ProgramResult> result =
             std::async(std::launch::async, [this, wrapper] { return runInPlace(wrapper); });
         while (!isAwaited(path("out.xml"))) {
@@ -76,6 +73,8 @@ protected:
         return result;
     }
 };
+
+class SharedOutputLock : public TracedRun {};
 
 const std::string kOld(500'000, 'o');
 
@@ -98,7 +97,7 @@ TEST_F(SharedOutput, GetsBackWhatTheWriterBeforeHasLeft) {
     const std::string left(300'000, 'l');
     write("out.xml", left);
     lock.leave();
-    expectEnd(result.get(), 1, notWritten("/dev/fd/9", "File too large"));
+    expectEnd(result.get(), 1, notWritten(kInPlace, "File too large"));
     EXPECT_TRUE(readBytes(path("out.xml")) == left);
 }
 
@@ -128,19 +127,13 @@ TEST_F(SharedOutput, IsOneWholeDocumentInTheEnd) {
     EXPECT_EQ(::close(file), 0);
 }
 
-TEST_F(SharedOutput, ThatCannotBeLockedIsNotTouched) {
-    REQUIRE_PRIVILEGE(runCommand({"strace", "-o", "/dev/null", "true"}).status == 0, "strace and the right to trace");
-    // The search for leaks traces the program too, which only one can do.
-    environment_ = {"ASAN_OPTIONS=detect_leaks=0"};
+TEST_F(SharedOutputLock, ThatCannotBeHadLeavesTheOutputUntouched) {
     write("out.xml", kOld);
-    const auto tracer = [&](const std::string& fault) {
-        return std::vector<std::string>{"strace", "-qq", "-o", folder_.path("trace"), "-e", "inject=flock:" + fault};
-    };
-    expectEnd(runInPlace(tracer("error=ENOLCK")), 1, notWritten("/dev/fd/9", "No locks available"));
+    expectEnd(runTraced(kInPlace, {"-e", "inject=flock:error=ENOLCK"}), 1, notWritten(kInPlace, "No locks available"));
     EXPECT_TRUE(readBytes(path("out.xml")) == kOld);
-    expectEnd(runInPlace(tracer("error=EINTR:when=1..3")), 0, "");
+    expectEnd(runTraced(kInPlace, {"-e", "inject=flock:error=EINTR:when=1..3"}), 0, "");
     EXPECT_TRUE(readBytes(path("out.xml")) == expected_);
-    EXPECT_NE(folder_.read("trace").find("EINTR (Interrupted system call) (INJECTED)"), std::string::npos);
+    EXPECT_NE(trace().find("EINTR (Interrupted system call) (INJECTED)"), std::string::npos);
 }
 
 TEST_F(SharedOutput, OfMoreThanCanBeReadIsOverwrittenAllTheSame) {

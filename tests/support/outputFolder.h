@@ -3,12 +3,15 @@
 
 #include "TemporaryFolder.h"
 
+#include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <set>
 #include <string>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
 
 /** What stands in a folder, by name, without what is further below. */
 inline std::set<std::string> entriesOf(const std::string& folder) {
@@ -29,6 +32,16 @@ inline struct stat statusOf(const std::string& name) {
 /** The permissions of a file, set-id bits included. */
 inline mode_t modeOf(const std::string& name) {
     return statusOf(name).st_mode & ALLPERMS;
+}
+
+/** Makes a copy of a device of the kernel's memory driver. @return whether that is permitted, here and now */
+inline bool makeMemoryDevice(const std::string& name, unsigned int minor) {
+    if (::mknod(name.c_str(), S_IFCHR | 0666, makedev(1, minor)) != 0) {
+        return false;
+    }
+    const int file = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
+    ::close(file);
+    return file >= 0;
 }
 
 /** Lets no file of this process grow beyond a size, in bytes, until the object goes. */

@@ -5,12 +5,28 @@
 #include "TemporaryFolder.h"
 #include "outputFolder.h"
 #include "plainField.h"
+#include "privilege.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/stat.h>
 #include <vector>
+
+/** A program and its arguments, or what is put in front of another such command. */
+using Command = std::vector<std::string>;
+
+inline Command joined(Command first, const Command& second) {
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
+/** Runs a command as a user who may not do everything. */
+inline const Command kAsOtherUser = {"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"};
+
+/** Runs a command with the file "out.xml" open, under a name by which it can only be overwritten in place. */
+inline const Command kWithOpenOutput = {"bash", "-c", "exec \"$0\" \"$@\" 9<>out.xml"};
+inline const std::string kInPlace = "/dev/fd/9";
 
 /** Whole runs in a folder of their own, with all that they need in it, so that another user can perform them too. */
 class OutputRun : public testing::Test {
@@ -54,22 +70,42 @@ protected:
     }
 
     /** A run with this output name, in the folder of the output, behind a command that ends in running the program. */
-    ProgramResult run(const std::string& output, std::vector<std::string> wrapper = {},
-                      const std::string& redirection = "") const {
+    ProgramResult run(const std::string& output, Command wrapper = {}, const std::string& redirection = "") const {
         ProgramOptions options;
         options.folder = folder_.path("out");
         options.wrapper = std::move(wrapper);
         options.shellRedirection = redirection;
         options.environment = environment_;
-        std::vector<std::string> command = {folder_.path("program"), "-i", folder_.path("in.xml"), "-o", output};
-        command.insert(command.end(), arguments_.begin(), arguments_.end());
-        return runCommand(command, options);
+        return runCommand(joined({folder_.path("program"), "-i", folder_.path("in.xml"), "-o", output}, arguments_),
+                          options);
     }
 
     const TemporaryFolder folder_;
     std::string expected_;                 ///< what an undisturbed run writes
     std::vector<std::string> environment_; ///< settings for every run
-    std::vector<std::string> arguments_;   ///< further arguments of every run
+    Command arguments_;                    ///< further arguments of every run
+};
+
+/** Runs whose calls of the kernel a tracer writes down, or makes fail. */
+class TracedRun : public OutputRun {
+protected:
+    void SetUp() override {
+        REQUIRE_PRIVILEGE(runCommand({"strace", "-o", "/dev/null", "true"}).status == 0,
+                          "strace and the right to trace");
+        // The search for leaks traces the program too, which only one can do.
+        environment_ = {"ASAN_OPTIONS=detect_leaks=0"};
+    }
+
+    /** A run behind the tracer with these further arguments, which may end in another command. */
+    ProgramResult runTraced(const std::string& output, const Command& arguments, const Command& before = {}) const {
+        Command wrapper = joined(before, {"strace", "-q", "-o", folder_.path("trace")});
+        wrapper = joined(output == kInPlace ? joined(kWithOpenOutput, wrapper) : wrapper, arguments);
+        return run(output, wrapper);
+    }
+    /** What the tracer has written of the last run. */
+    std::string trace() const {
+        return folder_.read("trace");
+    }
 };
 
 /** Expects that a program has ended by itself, with this status and this message, and has said nothing else. */
@@ -93,7 +129,7 @@ inline std::string notCertain(const std::string& name, const std::string& reason
 }
 
 /** A command that lets no file of a program grow beyond so many KiB; the output has over 100. */
-inline std::vector<std::string> limitedTo(int kibibytes) {
+inline Command limitedTo(int kibibytes) {
     return {"bash", "-c", "ulimit -f " + std::to_string(kibibytes) + "; exec \"$0\" \"$@\""};
 }
 

@@ -11,7 +11,6 @@
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/sysmacros.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -56,16 +55,6 @@ private:
 /** Reads all that is written into a FIFO, in the background, starting when a writer has come. */
 std::future<std::string> readInBackground(const std::string& fifo) {
     return std::async(std::launch::async, [fifo] { return readBytes(fifo); });
-}
-
-/** Makes a copy of a device of the kernel's memory driver. @return whether that is permitted, here and now */
-bool makeMemoryDevice(const std::string& name, unsigned int minor) {
-    if (::mknod(name.c_str(), S_IFCHR | 0666, makedev(1, minor)) != 0) {
-        return false;
-    }
-    const int file = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
-    ::close(file);
-    return file >= 0;
 }
 
 /** Makes a folder append-only until the object goes: what is in it keeps its name. */
@@ -242,22 +231,6 @@ TEST(OutputFileNode, DescriptorOfAFolderCannotBeOpened) {
     const OpenFile file(folder.name(), O_RDONLY | O_DIRECTORY);
     EXPECT_EQ(messageOf([&] { writeFile(file.procName(), kContent); }), "File open error: Unable to open output file");
     EXPECT_EQ(entriesOf(folder.name()), Names());
-}
-
-TEST(OutputFileNode, OwnerGroupAndModeOfTheFileAreKept) {
-    REQUIRE_PRIVILEGE(isRoot(), "root");
-    // A change of owner clears the set-id bits.
-    for (const mode_t mode : {0644U, 0660U, 06755U}) {
-        const TemporaryFolder folder;
-        const std::string name = folder.write("out.xml", "old");
-        ASSERT_EQ(::chown(name.c_str(), 65534, 1), 0);
-        ASSERT_EQ(::chmod(name.c_str(), mode), 0);
-        writeFile(name, kContent);
-        const struct stat status = statusOf(name);
-        EXPECT_EQ(status.st_uid, 65534u);
-        EXPECT_EQ(status.st_gid, 1u);
-        EXPECT_EQ(modeOf(name), mode);
-    }
 }
 
 TEST(OutputFileNode, MountPointIsOverwrittenInPlace) {

@@ -52,20 +52,24 @@ TEST(FileProperties, AccessControlListOfTheFolderIsNotTakenOn) {
     EXPECT_EQ(attribute(name, kAccessList), kNamedUser);
 }
 
-TEST(FileProperties, ModeAndOwnerAreKeptWithTheAccessControlList) {
+TEST(FileProperties, ModeAndOwnerAreKeptWithAndWithoutAnAccessControlList) {
     REQUIRE_PRIVILEGE(isRoot(), "root");
-    for (const mode_t mode : {0660U, 06770U, 0640U, 0600U}) {
-        const TemporaryFolder folder;
-        const std::string name = folder.write("out.xml", "old");
-        ASSERT_EQ(::chown(name.c_str(), 65534, 2), 0);
-        REQUIRE_PRIVILEGE(setAttribute(name, kAccessList, kNamedUser), "a file system with access control lists");
-        ASSERT_EQ(::chmod(name.c_str(), mode), 0); // the group's digit becomes the mask of the list
-        const std::optional<std::string> list = attribute(name, kAccessList);
-        replace(name);
-        EXPECT_EQ(attribute(name, kAccessList), list);
-        EXPECT_EQ(modeOf(name), mode);
-        EXPECT_EQ(statusOf(name).st_uid, 65534U);
-        EXPECT_EQ(statusOf(name).st_gid, 2U);
+    for (const bool hasList : {false, true}) {
+        // A change of owner clears the set-id bits.
+        for (const mode_t mode : {0660U, 06770U, 0640U, 0600U}) {
+            const TemporaryFolder folder;
+            const std::string name = folder.write("out.xml", "old");
+            ASSERT_EQ(::chown(name.c_str(), 65534, 2), 0);
+            REQUIRE_PRIVILEGE(!hasList || setAttribute(name, kAccessList, kNamedUser),
+                              "a file system with access control lists");
+            ASSERT_EQ(::chmod(name.c_str(), mode), 0); // the group's digit becomes the mask of the list
+            const std::optional<std::string> list = attribute(name, kAccessList);
+            replace(name);
+            EXPECT_EQ(attribute(name, kAccessList), list);
+            EXPECT_EQ(modeOf(name), mode);
+            EXPECT_EQ(statusOf(name).st_uid, 65534U);
+            EXPECT_EQ(statusOf(name).st_gid, 2U);
+        }
     }
 }
 
