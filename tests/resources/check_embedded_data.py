@@ -1,11 +1,8 @@
 #!/usr/bin/env python3
-"""Check the five embedded data files against the figures they must meet.
+"""Holds the five embedded data files to the figures that they must meet.
 
-Usage: check_embedded_data.py RESOURCES_DIR [unittest options]
-
-The checks read the files alone and share no code with the script that makes
-the plate definitions; that script is only run, to prove that the committed
-files are its output. Lengths are millimetres unless a name says otherwise.
+Usage: check_embedded_data.py RESOURCES_DIR. The checks share no code with the script that makes the plate definitions;
+that script is only run, to prove that the committed files are its output. Lengths are millimetres.
 """
 
 import math
@@ -21,562 +18,269 @@ from pathlib import Path
 
 GENERATOR = Path(__file__).resolve().parents[2] / "tools" / "generate_plates.py"
 PLATE_FILES = ("VEKO.xml", "PLATE_A.xml", "PLATE_B.xml")
-ALL_FILES = PLATE_FILES + ("configure.xml", "focal_plane_map.xml")
-FIBRE_ATTRIBUTES = {"id", "pos_x", "pos_y", "fibre_name", "type", "status", "slit_entry"}
 
 PITCH = 2.499 / 13  # between neighbouring fibres of the VEKO body
-SKY_SPACING = 0.200  # from the middle of a sky group to its other fibres
+SKY_RADIUS, SKY_SPACING = 7.885, 0.200  # of the sky groups' middles, and from there to their other fibres
 ROUNDING = 0.0005000001  # of one position to three decimals
-DISTANCE_ROUNDING = 2.0 * math.sqrt(2.0) * ROUNDING  # of a distance of two positions
 FIELD_RADIUS = 202.841 + 3.0191 - 0.0995944  # 1 degree of field angle
 
-VEKO_PITCH_ARCSEC = 3.4  # PITCH at about 17.7 arcsec/mm
-MIFU_PITCH_ARCSEC = 1.7  # the small units' fibres stand half as far apart
-
-CONFIGURATION_DEFAULTS = {
-    "configure_version": "3.3.5",
-    "default_epoch": "2016.0",
-    "telescope/east_longitude": "-17.881639",
-    "telescope/latitude": "28.760583",
-    "telescope/height": "2332.0",
-    "telescope/horizon_limit": "5.0",
-    "telescope/focal_plane_map": ":/focal_plane_map.xml",
-    "telescope/rotator_low_limit": "-135.0",
-    "telescope/rotator_high_limit": "135.0",
-    "telescope/optimum_rotator_angle/plate_a": "-25.0",
-    "telescope/optimum_rotator_angle/plate_b": "25.0",
-    "telescope/rotator_offset": "0.0",
-    "plate_a_definition": ":/PLATE_A.xml",
-    "plate_b_definition": ":/PLATE_B.xml",
-    "veko_definition": ":/VEKO.xml",
-}
-
-# What the comment right before each element must say.
-CONFIGURATION_COMMENTS = {
-    "configure_version": "must equal pos::configure_version",
-    "default_epoch": "Julian epoch given to targets that the program generates",
-    "telescope": "telescope",
-    "telescope/east_longitude": "site longitude, degrees, east positive",
-    "telescope/latitude": "site latitude, degrees",
-    "telescope/height": "height above mean sea level, metres",
-    "telescope/horizon_limit":
-        "elevation in degrees below which refraction is no longer computed",
-    "telescope/focal_plane_map": "file with the sky-to-focal-plane mapping",
-    "telescope/rotator_low_limit": "lower limit of the rotator motion, degrees",
-    "telescope/rotator_high_limit": "upper limit of the rotator motion, degrees",
-    "telescope/optimum_rotator_angle": "optimum rotator angles",
+# Values of the configuration, with what the comment right before each says.
+CONFIGURATION = {
+    "configure_version": ("3.3.5", "must equal pos::configure_version"),
+    "default_epoch": ("2016.0", "Julian epoch given to targets that the program generates"),
+    "telescope": (None, "telescope"),
+    "telescope/east_longitude": ("-17.881639", "site longitude, degrees, east positive"),
+    "telescope/latitude": ("28.760583", "site latitude, degrees"),
+    "telescope/height": ("2332.0", "height above mean sea level, metres"),
+    "telescope/horizon_limit": ("5.0", "elevation in degrees below which refraction is no longer computed"),
+    "telescope/focal_plane_map": (":/focal_plane_map.xml", "file with the sky-to-focal-plane mapping"),
+    "telescope/rotator_low_limit": ("-135.0", "lower limit of the rotator motion, degrees"),
+    "telescope/rotator_high_limit": ("135.0", "upper limit of the rotator motion, degrees"),
+    "telescope/optimum_rotator_angle": (None, "optimum rotator angles"),
     "telescope/optimum_rotator_angle/plate_a":
-        "rotator angle (degrees) at the centre of the range of best image quality for plate A",
-    "telescope/optimum_rotator_angle/plate_b": "the same for plate B",
+        ("-25.0", "rotator angle (degrees) at the centre of the range of best image quality for plate A"),
+    "telescope/optimum_rotator_angle/plate_b": ("25.0", "the same for plate B"),
     "telescope/rotator_offset":
-        "offset (degrees) between parallactic and rotator angle at field position angle zero: "
-        "rotator angle = offset - parallactic angle",
-    "plate_a_definition": "plate A definition file (not read by this program)",
-    "plate_b_definition": "plate B definition file (not read by this program)",
-    "veko_definition": "VEKO plate definition file",
-    "mifu_dither":
-        "dither patterns of the small integral-field units (not read by this program)",
-    "veko_dither": "dither patterns of the VEKO (not read by this program)",
+        ("0.0", "offset (degrees) between parallactic and rotator angle at field position angle zero: "
+                "rotator angle = offset - parallactic angle"),
+    "plate_a_definition": (":/PLATE_A.xml", "plate A definition file (not read by this program)"),
+    "plate_b_definition": (":/PLATE_B.xml", "plate B definition file (not read by this program)"),
+    "veko_definition": (":/VEKO.xml", "VEKO plate definition file"),
+    "mifu_dither": (None, "dither patterns of the small integral-field units (not read by this program)"),
+    "veko_dither": (None, "dither patterns of the VEKO (not read by this program)"),
 }
+# Number of exposures by pattern, distance of fibres by unit in arcseconds: PITCH at about 17.7 arcsec/mm, and half of it.
+DITHER_PATTERNS = {"pattern_3": 3, "pattern_4": 4, "pattern_5": 5, "pattern_6": 6, "pattern_-3": 3}
+DITHER_PITCHES = {"mifu_dither": 1.7, "veko_dither": 3.4}
 
-DITHER_PATTERNS = {"pattern_3": 3, "pattern_4": 4, "pattern_5": 5, "pattern_6": 6,
-                   "pattern_-3": 3}
-
-RESOURCES = None  # the directory given on the command line
+RESOURCES = Path(sys.argv[1]).resolve()
 
 
 def root_of(name):
-    """Parse one file, comments kept as children, and return its root."""
+    """The document element, with comments as children."""
     builder = ElementTree.TreeBuilder(insert_comments=True)
     return ElementTree.parse(RESOURCES / name, ElementTree.XMLParser(target=builder)).getroot()
 
 
-def elements_in(parent):
-    """Return the child elements of parent, without its comments."""
-    return [child for child in parent if child.tag is not ElementTree.Comment]
-
-
-def distance(a, b):
-    """Return the distance of two (x, y) points."""
-    return math.hypot(a[0] - b[0], a[1] - b[1])
-
-
-class Fibre:
-    """A fibre element's values; the position is a pair of numbers."""
-
-    def __init__(self, element):
-        self.attributes = dict(element.attrib)
-        self.identifier = int(element.get("id"))
-        self.place = (float(element.get("pos_x")), float(element.get("pos_y")))
-        self.name = element.get("fibre_name")
-        self.status = element.get("status")
-        self.slit = tuple(int(part) for part in element.get("slit_entry").split("-"))
-
-
 def fibres_of(name):
-    """Return the fibres of a plate definition in document order."""
-    return [Fibre(element) for element in elements_in(root_of(name))]
+    return [child for child in root_of(name) if child.tag is not ElementTree.Comment]
+
+
+def place(fibre):
+    return float(fibre.get("pos_x")), float(fibre.get("pos_y"))
+
+
+def identifiers(fibres):
+    return [int(fibre.get("id")) for fibre in fibres]
 
 
 class Generator(unittest.TestCase):
     """The committed plate definitions are what the script makes."""
-
-    def run_generator(self, *arguments):
-        return subprocess.run([sys.executable, str(GENERATOR), *map(str, arguments)],
-                              capture_output=True, text=True, check=False)
 
     def setUp(self):
         scratch = tempfile.TemporaryDirectory()
         self.addCleanup(scratch.cleanup)
         self.scratch = Path(scratch.name)
 
-    def test_committed_files_are_its_output(self):
-        result = self.run_generator("--check", RESOURCES)
-        self.assertEqual((0, "", ""), (result.returncode, result.stdout, result.stderr))
+    def complaints(self, *arguments):
+        result = subprocess.run([sys.executable, GENERATOR, *arguments], capture_output=True, text=True, check=False)
+        self.assertEqual(result.returncode, 1 if result.stderr else 0)
+        return [name for name in PLATE_FILES if name in result.stderr]
 
-    def test_writes_the_committed_bytes(self):
-        self.assertEqual(0, self.run_generator(self.scratch).returncode)
-        self.assertEqual(set(PLATE_FILES), {path.name for path in self.scratch.iterdir()})
-        for name in PLATE_FILES:
-            with self.subTest(file=name):
-                self.assertEqual((RESOURCES / name).read_bytes(),
-                                 (self.scratch / name).read_bytes())
+    def test_it_writes_the_committed_bytes(self):
+        self.assertEqual(self.complaints("--check", RESOURCES), [])
+        self.assertEqual(self.complaints(self.scratch), [])
+        self.assertEqual({path.name: path.read_bytes() for path in self.scratch.iterdir()},
+                         {name: (RESOURCES / name).read_bytes() for name in PLATE_FILES})
 
-    def test_check_names_exactly_the_file_that_differs(self):
+    def test_check_names_the_files_that_are_missing_or_differ(self):
+        self.assertEqual(self.complaints("--check", self.scratch), list(PLATE_FILES))
+        self.assertEqual(list(self.scratch.iterdir()), [])
         for changed in PLATE_FILES:
-            with self.subTest(file=changed):
-                for name in PLATE_FILES:
-                    shutil.copyfile(RESOURCES / name, self.scratch / name)
-                with (self.scratch / changed).open("ab") as file:
-                    file.write(b"\n")
-                result = self.run_generator("--check", self.scratch)
-                self.assertEqual(1, result.returncode)
-                named = [name for name in PLATE_FILES if name in result.stderr]
-                self.assertEqual([changed], named)
-
-    def test_check_names_every_missing_file_and_writes_none(self):
-        result = self.run_generator("--check", self.scratch)
-        self.assertEqual(1, result.returncode)
-        for name in PLATE_FILES:
-            self.assertIn(name, result.stderr)
-        self.assertEqual([], list(self.scratch.iterdir()))
-
-
-class EveryFile(unittest.TestCase):
-    """What holds for all five files."""
-
-    def test_is_well_formed_with_data_model_version_8(self):
-        for name in ALL_FILES:
-            with self.subTest(file=name):
-                self.assertEqual("8.00", root_of(name).get("datamver"))
-
-    def test_is_ascii_with_unix_line_ends_and_a_final_newline(self):
-        for name in ALL_FILES:
-            with self.subTest(file=name):
-                content = (RESOURCES / name).read_bytes()
-                self.assertTrue(content.isascii())
-                self.assertNotIn(b"\r", content)
-                self.assertTrue(content.endswith(b">\n"))
+            for name in PLATE_FILES:
+                shutil.copyfile(RESOURCES / name, self.scratch / name)
+            with (self.scratch / changed).open("ab") as file:
+                file.write(b"\n")
+            self.assertEqual(self.complaints("--check", self.scratch), [changed])
 
 
 class PlateDefinitions(unittest.TestCase):
     """What holds for the three plate definitions."""
 
-    def test_root(self):
-        for name in PLATE_FILES:
-            with self.subTest(file=name):
-                root = root_of(name)
-                self.assertEqual("plate_definition", root.tag)
-                self.assertEqual({"centre_x": "0", "centre_y": "0", "orientation": "0",
-                                  "datamver": "8.00"}, root.attrib)
-                self.assertEqual({"fibre"}, {child.tag for child in elements_in(root)})
+    def test_files_are_ascii_with_unix_line_ends_and_a_final_newline(self):
+        for name in (*PLATE_FILES, "configure.xml", "focal_plane_map.xml"):
+            self.assertRegex((RESOURCES / name).read_bytes(), rb"\A[\n -~]*>\n\Z", name)
 
-    def test_every_fibre_has_the_same_attributes(self):
+    def test_fibres_have_the_same_attributes_and_ascend(self):
         for name in PLATE_FILES:
-            with self.subTest(file=name):
-                for fibre in fibres_of(name):
-                    self.assertEqual(FIBRE_ATTRIBUTES, set(fibre.attributes))
-                    self.assertEqual("Spectrograph", fibre.attributes["type"])
-                    self.assertIn(fibre.status, ("enabled", "broken"))
-
-    def test_positions_have_three_decimals_and_no_negative_zero(self):
-        for name in PLATE_FILES:
-            with self.subTest(file=name):
-                for fibre in fibres_of(name):
-                    for attribute in ("pos_x", "pos_y"):
-                        text = fibre.attributes[attribute]
-                        self.assertRegex(text, r"\A-?(0|[1-9][0-9]*)\.[0-9]{3}\Z")
-                        self.assertNotEqual("-0.000", text)
-
-    def test_identifiers_ascend_and_names_and_places_are_unique(self):
-        for name in PLATE_FILES:
-            with self.subTest(file=name):
-                fibres = fibres_of(name)
-                identifiers = [fibre.identifier for fibre in fibres]
-                self.assertEqual(sorted(set(identifiers)), identifiers)
-                self.assertEqual(len(fibres), len({fibre.name for fibre in fibres}))
-                self.assertEqual(len(fibres), len({fibre.place for fibre in fibres}))
+            root, fibres = root_of(name), fibres_of(name)
+            self.assertEqual((root.tag, root.attrib), ("plate_definition", {
+                "centre_x": "0", "centre_y": "0", "orientation": "0", "datamver": "8.00"}))
+            for fibre in fibres:
+                self.assertEqual((fibre.tag, set(fibre.attrib)), ("fibre", {
+                    "id", "pos_x", "pos_y", "fibre_name", "type", "status", "slit_entry"}))
+                self.assertEqual(fibre.get("type"), "Spectrograph")
+                self.assertIn(fibre.get("status"), ("enabled", "broken"))
+                for axis in ("pos_x", "pos_y"):
+                    self.assertRegex(fibre.get(axis), r"\A(?!-0\.000)-?(0|[1-9][0-9]*)\.[0-9]{3}\Z")
+                self.assertLessEqual(math.hypot(*place(fibre)), FIELD_RADIUS)
+            self.assertEqual(identifiers(fibres), sorted(set(identifiers(fibres))))
+            for unique in ({fibre.get("fibre_name") for fibre in fibres}, set(map(place, fibres))):
+                self.assertEqual(len(unique), len(fibres))
 
     def test_slit_entries_follow_the_identifiers(self):
         for name in PLATE_FILES:
-            with self.subTest(file=name):
-                working = []
-                for fibre in fibres_of(name):
-                    text = fibre.attributes["slit_entry"]
-                    if fibre.status == "broken":
-                        self.assertEqual("0-0", text)
-                    else:
-                        self.assertRegex(text, r"\A[1-9][0-9]*-[1-9][0-9]*\Z")
-                        working.append(fibre.slit)
-                self.assertEqual(sorted(set(working)), working)
-                # Every block is filled from its first place; only the last may be short.
-                lengths = Counter(block for block, _ in working)
-                self.assertEqual(list(range(1, len(lengths) + 1)), list(lengths))
-                self.assertEqual({(block, place) for block in lengths
-                                  for place in range(1, lengths[block] + 1)}, set(working))
-                self.assertEqual(1, len({lengths[block] for block in list(lengths)[:-1]}))
-
-    def test_every_fibre_is_within_one_degree_of_the_field_centre(self):
-        for name in PLATE_FILES:
-            with self.subTest(file=name):
-                farthest = max(math.hypot(*fibre.place) for fibre in fibres_of(name))
-                self.assertLessEqual(farthest, FIELD_RADIUS)
+            working = [tuple(map(int, fibre.get("slit_entry").split("-"))) for fibre in fibres_of(name)
+                       if fibre.get("status") == "enabled"]
+            self.assertEqual({fibre.get("slit_entry") for fibre in fibres_of(name) if fibre.get("status") == "broken"},
+                             {"0-0"} if name == "VEKO.xml" else set())
+            # Every block is filled from its first place; only the last may be short.
+            lengths = Counter(block for block, _ in working)
+            self.assertEqual(working, [(block, slit) for block in range(1, len(lengths) + 1)
+                                       for slit in range(1, lengths[block] + 1)])
+            self.assertEqual(len({lengths[block] for block in range(1, len(lengths))}), 1)
 
 
 class Veko(unittest.TestCase):
     """The large integral-field unit's bundle."""
 
     def setUp(self):
-        self.fibres = fibres_of("VEKO.xml")
-        self.by_name = {fibre.name: fibre for fibre in self.fibres}
-        self.column = [fibre for fibre in self.fibres if re.fullmatch(r"C\d\d", fibre.name)]
-        self.sky = [fibre for fibre in self.fibres if re.fullmatch(r"S\d\d", fibre.name)]
-        self.rows = [fibre for fibre in self.fibres
-                     if re.fullmatch(r"([1-9]|1\d|2[0-7])[A-Za]", fibre.name)]
+        self.fibres = {fibre.get("fibre_name"): fibre for fibre in fibres_of("VEKO.xml")}
 
-    def row(self, number):
-        """Return the row's fibres that are not in the column, in ascending x."""
-        members = [fibre for fibre in self.rows if fibre.name[:-1] == str(number)]
-        return sorted(members, key=lambda fibre: fibre.place)
+    def expect_at(self, name, x, y):
+        for found, exact in zip(place(self.fibres[name]), (x, y)):
+            self.assertAlmostEqual(found, exact, delta=ROUNDING, msg=name)
 
-    def test_counts(self):
-        self.assertEqual(603, len(self.fibres))
-        self.assertEqual(27, len(self.column))
-        self.assertEqual(56, len(self.sky))
-        self.assertEqual(520, len(self.rows))
-
-    def test_identifiers_are_1_to_603(self):
-        self.assertEqual(list(range(1, 604)), [fibre.identifier for fibre in self.fibres])
-
-    def test_given_identifiers(self):
+    def test_numbers_of_fibres(self):
+        self.assertEqual(identifiers(self.fibres.values()), list(range(1, 604)))
         given = {"C14": 304, "C07": 160, "26F": 573, "27A": 504}
-        self.assertEqual(given, {name: self.by_name[name].identifier for name in given})
-
-    def test_three_broken_fibres_and_600_enabled(self):
-        self.assertEqual({"enabled": 600, "broken": 3},
-                         Counter(fibre.status for fibre in self.fibres))
-        self.assertEqual({("C07", 160), ("26F", 573), ("27A", 504)},
-                         {(fibre.name, fibre.identifier) for fibre in self.fibres
-                          if fibre.status == "broken"})
+        self.assertEqual({name: int(self.fibres[name].get("id")) for name in given}, given)
+        self.assertEqual({name for name, fibre in self.fibres.items() if fibre.get("status") == "broken"},
+                         {"C07", "26F", "27A"})
 
     def test_extents(self):
-        xs = [fibre.attributes["pos_x"] for fibre in self.fibres]
-        ys = [fibre.attributes["pos_y"] for fibre in self.fibres]
-        self.assertEqual(("-8.058", "8.058"), (min(xs, key=float), max(xs, key=float)))
-        self.assertEqual(("-28.085", "-11.915"), (min(ys, key=float), max(ys, key=float)))
+        for axis, extent in (("pos_x", ["-8.058", "8.058"]), ("pos_y", ["-28.085", "-11.915"])):
+            texts = sorted((fibre.get(axis) for fibre in self.fibres.values()), key=float)
+            self.assertEqual([texts[0], texts[-1]], extent)
 
-    def test_column_runs_down_from_c01_in_even_steps(self):
-        column = sorted(self.column, key=lambda fibre: fibre.name)
-        self.assertEqual([f"C{n:02d}" for n in range(1, 28)], [fibre.name for fibre in column])
-        self.assertEqual({"0.000"}, {fibre.attributes["pos_x"] for fibre in column})
-        self.assertEqual("-17.501", column[0].attributes["pos_y"])
-        self.assertEqual("-22.499", column[-1].attributes["pos_y"])
-        for n, fibre in enumerate(column):
-            self.assertAlmostEqual(-17.501 - n * PITCH, fibre.place[1], delta=ROUNDING)
+    def test_the_body_is_a_hexagon_of_rows_that_fall_by_30_degrees(self):
+        # Row n crosses the column x = 0 at its fibre Cn; the others are lettered in ascending x, the column's place too.
+        for row in range(1, 28):
+            below = row - 14  # the middle row
+            columns = range(max(-13, -13 - below), min(13, 13 - below) + 1)
+            for letter, column in zip("ABCDEFGHIJKLMNOPQRSTUVWXYZa", columns):
+                self.expect_at(f"{row}{letter}" if column else f"C{row:02}", column * PITCH * math.sqrt(3) / 2,
+                               -20 - (below + column / 2) * PITCH)
 
-    def test_c14_is_the_middle(self):
-        middle = self.by_name["C14"].attributes
-        self.assertEqual(("0.000", "-20.000"), (middle["pos_x"], middle["pos_y"]))
-
-    def test_row_letters_are_places_in_ascending_x_without_the_column_fibre(self):
-        letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZa"
-        for number in range(1, 28):
-            with self.subTest(row=number):
-                members = self.row(number)
-                places = 27 - abs(14 - number)
-                left_of_column = sum(fibre.place[0] < 0.0 for fibre in members)
-                expected = letters[:left_of_column] + letters[left_of_column + 1:places]
-                self.assertEqual(expected, "".join(fibre.name[-1] for fibre in members))
-
-    def test_rows_are_straight_even_and_cross_the_column_at_their_number(self):
-        step_x, step_y = PITCH * math.sqrt(3.0) / 2.0, PITCH / 2.0
-        for number in range(1, 28):
-            with self.subTest(row=number):
-                crossing = self.by_name[f"C{number:02d}"]
-                whole = sorted(self.row(number) + [crossing], key=lambda fibre: fibre.place)
-                start = whole.index(crossing)
-                exact_y = -20.0 + (14 - number) * PITCH
-                for i, fibre in enumerate(whole):
-                    self.assertAlmostEqual((i - start) * step_x, fibre.place[0], delta=ROUNDING)
-                    self.assertAlmostEqual(exact_y - (i - start) * step_y, fibre.place[1],
-                                           delta=ROUNDING)
-
-    def test_row_ends(self):
-        self.assertEqual("27A", self.row(27)[0].name)
-        self.assertLess(self.row(27)[-1].place[0], self.by_name["C27"].place[0])
-        self.assertGreater(self.row(1)[0].place[0], self.by_name["C01"].place[0])
-        self.assertEqual(("14A", "14a"), (self.row(14)[0].name, self.row(14)[-1].name))
-        self.assertEqual(["14a"], [fibre.name for fibre in self.rows if fibre.name[-1] == "a"])
-        self.assertTrue({"13A", "26F", "27A"} <= set(self.by_name))
-
-    def test_body_is_a_closed_hexagon_of_close_packed_fibres(self):
-        body = [fibre.place for fibre in self.column + self.rows]
-        neighbours = []
-        for i, here in enumerate(body):
-            gaps = [distance(here, there) for j, there in enumerate(body) if j != i]
-            self.assertGreaterEqual(min(gaps), PITCH - DISTANCE_ROUNDING)
-            neighbours.append(sum(gap <= PITCH + DISTANCE_ROUNDING for gap in gaps))
-        # Six corners, twelve fibres between the corners of each side, the inside.
-        self.assertEqual({3: 6, 4: 72, 6: 469}, Counter(neighbours))
-
-    def test_sky_names_are_s01_to_s56(self):
-        self.assertEqual([f"S{n:02d}" for n in range(1, 57)],
-                         sorted(fibre.name for fibre in self.sky))
-
-    def test_sky_groups_have_one_fibre_in_the_middle_and_six_around_it(self):
-        angles = []
-        for centre in self.sky:
-            near = [(fibre.place[0] - centre.place[0], fibre.place[1] - centre.place[1])
-                    for fibre in self.sky
-                    if 0.0 < distance(fibre.place, centre.place) < 1.5 * SKY_SPACING]
-            if len(near) != 6:
-                continue
-            for offset in near:
-                self.assertAlmostEqual(SKY_SPACING, math.hypot(*offset), delta=DISTANCE_ROUNDING)
-            directions = sorted(math.degrees(math.atan2(y, x)) for x, y in near)
-            for expected, actual in zip((-150.0, -90.0, -30.0, 30.0, 90.0, 150.0), directions):
-                # Rounding turns a direction by up to DISTANCE_ROUNDING / SKY_SPACING.
-                self.assertAlmostEqual(expected, actual,
-                                       delta=math.degrees(DISTANCE_ROUNDING / SKY_SPACING))
-            x, y = centre.place[0], centre.place[1] + 20.0
-            self.assertAlmostEqual(7.885, math.hypot(x, y), delta=DISTANCE_ROUNDING)
-            angles.append(math.degrees(math.atan2(y, x)) % 360.0)
-        self.assertEqual(8, len(angles))
-        for expected, actual in zip(range(0, 360, 45), sorted(angles)):
-            self.assertAlmostEqual(expected, actual, delta=math.degrees(ROUNDING / 7.0))
-
-    def test_sky_fibres_are_at_their_places_to_the_last_decimal(self):
-        diagonal = 7.885 / math.sqrt(2.0)
-        middles = [(7.885, 0.0), (diagonal, diagonal), (0.0, 7.885), (-diagonal, diagonal),
-                   (-7.885, 0.0), (-diagonal, -diagonal), (0.0, -7.885), (diagonal, -diagonal)]
-        side = SKY_SPACING * math.sqrt(3.0) / 2.0
-        around = [(0.0, 0.0), (0.0, 0.2), (0.0, -0.2), (side, 0.1), (side, -0.1), (-side, 0.1),
-                  (-side, -0.1)]
-        for x, y in ((mx + dx, my + dy - 20.0) for mx, my in middles for dx, dy in around):
-            found = [fibre.name for fibre in self.sky
-                     if abs(fibre.place[0] - x) <= ROUNDING and abs(fibre.place[1] - y) <= ROUNDING]
-            self.assertEqual(1, len(found), f"sky fibres at ({x:.3f}, {y:.3f})")
-
-    def test_sky_groups_hold_seven_consecutive_names(self):
+    def test_the_sky_is_seen_by_eight_groups_of_seven_consecutive_names_around_the_body(self):
+        directions = set()
         for first in range(1, 57, 7):
-            members = [self.by_name[f"S{n:02d}"].place for n in range(first, first + 7)]
-            widest = max(distance(a, b) for a in members for b in members)
-            self.assertAlmostEqual(2.0 * SKY_SPACING, widest, delta=DISTANCE_ROUNDING)
-
-    def test_sky_fibres_stand_clear_of_the_body(self):
-        farthest = max(distance(fibre.place, (0.0, -20.0)) for fibre in self.column + self.rows)
-        nearest = min(distance(fibre.place, (0.0, -20.0)) for fibre in self.sky)
-        self.assertGreater(nearest, farthest + PITCH)
+            group = {name: place(self.fibres[name]) for name in (f"S{n:02}" for n in range(first, first + 7))}
+            x, y = (sum(axis) / 7 for axis in zip(*group.values()))
+            direction = round(math.degrees(math.atan2(y + 20, x)) / 45) * 45
+            directions.add(direction % 360)
+            middle = (SKY_RADIUS * math.cos(math.radians(direction)),
+                      SKY_RADIUS * math.sin(math.radians(direction)) - 20)
+            around = [(0, 0)] + [(SKY_SPACING * math.cos(angle), SKY_SPACING * math.sin(angle))
+                                 for angle in map(math.radians, range(30, 390, 60))]
+            for dx, dy in around:
+                name = min(group, key=lambda n: math.dist(group[n], (middle[0] + dx, middle[1] + dy)))
+                self.expect_at(name, middle[0] + dx, middle[1] + dy)
+                del group[name]
+        self.assertEqual(directions, set(range(0, 360, 45)))
 
 
 class PositionerPlates(unittest.TestCase):
     """Plates A and B."""
 
-    def test_plate_a_has_fibres_0_to_1007(self):
-        self.assertEqual(list(range(1008)),
-                         [fibre.identifier for fibre in fibres_of("PLATE_A.xml")])
-
-    def test_plate_b_is_plate_a_and_the_bundles_1008_to_1027(self):
+    def test_plate_b_is_plate_a_and_twenty_bundles(self):
         plate_a, plate_b = fibres_of("PLATE_A.xml"), fibres_of("PLATE_B.xml")
-        self.assertEqual([fibre.attributes for fibre in plate_a],
-                         [fibre.attributes for fibre in plate_b[:1008]])
-        self.assertEqual(list(range(1008, 1028)), [fibre.identifier for fibre in plate_b[1008:]])
+        self.assertEqual(identifiers(plate_b), list(range(1028)))
+        self.assertEqual([fibre.attrib for fibre in plate_a], [fibre.attrib for fibre in plate_b[:1008]])
+        self.assertEqual({fibre.get("status") for fibre in plate_b}, {"enabled"})
 
-    def test_every_fibre_is_enabled(self):
-        for name in ("PLATE_A.xml", "PLATE_B.xml"):
-            self.assertEqual({"enabled"}, {fibre.status for fibre in fibres_of(name)})
-
-    def test_homes_stand_all_around_the_rim(self):
-        fibres = fibres_of("PLATE_B.xml")
-        for fibre in fibres:
-            self.assertGreater(math.hypot(*fibre.place), 0.9 * FIELD_RADIUS)
-        for members in (fibres[:1008], fibres[1008:]):
-            angles = sorted(math.degrees(math.atan2(y, x)) % 360.0
-                            for x, y in (fibre.place for fibre in members))
-            gaps = [b - a for a, b in zip(angles, angles[1:] + [angles[0] + 360.0])]
-            self.assertLess(max(gaps), 1.01 * 360.0 / len(members))
-
-    def test_homes_keep_a_distance(self):
-        places = [fibre.place for fibre in fibres_of("PLATE_B.xml")]
-        nearest = min(distance(a, b) for i, a in enumerate(places) for b in places[:i])
-        self.assertGreater(nearest, 3.5)
-
-
-class FocalPlaneMap(unittest.TestCase):
-    """The mapping between the sky and the focal plane."""
-
-    def setUp(self):
-        self.root = root_of("focal_plane_map.xml")
-
-    def test_root(self):
-        self.assertEqual("focal_plane_map", self.root.tag)
-        self.assertEqual({"datamver": "8.00", "focal_length": "11724.24"}, self.root.attrib)
-        self.assertEqual(["optical_axis", "distortion_coefficients"],
-                         [child.tag for child in elements_in(self.root)])
-
-    def test_optical_axes(self):
-        zero = {"x0": "0.0", "y0": "0.0", "r0": "0.0"}
-        plates = elements_in(self.root.find("optical_axis"))
-        self.assertEqual([("PLATE_A", zero), ("PLATE_B", zero), ("VEKO", zero)],
-                         [(plate.tag, plate.attrib) for plate in plates])
-
-    def test_distortion(self):
-        self.assertEqual({"c1": "202.841", "c3": "3.0191", "c5": "-0.0995944", "c7": "0.0"},
-                         self.root.find("distortion_coefficients").attrib)
+    def test_homes_stand_all_around_the_rim_and_keep_a_distance(self):
+        places = [place(fibre) for fibre in fibres_of("PLATE_B.xml")]
+        self.assertGreater(min(math.hypot(*home) for home in places), 0.9 * FIELD_RADIUS)
+        for members in (places[:1008], places[1008:]):
+            angles = sorted(math.degrees(math.atan2(y, x)) % 360 for x, y in members)
+            gaps = [b - a for a, b in zip(angles, angles[1:] + [angles[0] + 360])]
+            self.assertLess(max(gaps), 1.01 * 360 / len(members))
+        self.assertGreater(min(math.dist(a, b) for i, a in enumerate(places) for b in places[:i]), 3.5)
 
 
 class Configuration(unittest.TestCase):
-    """The default configuration."""
+    """The default configuration, and the focal-plane map that it names."""
 
-    def setUp(self):
-        self.root = root_of("configure.xml")
-
-    def test_is_exactly_3802_bytes(self):
-        self.assertEqual(3802, len((RESOURCES / "configure.xml").read_bytes()))
-
-    def test_root(self):
-        self.assertEqual("configure", self.root.tag)
-        self.assertEqual({"datamver": "8.00"}, self.root.attrib)
-
-    def test_values_are_the_defaults_to_the_letter(self):
-        for path, value in CONFIGURATION_DEFAULTS.items():
-            with self.subTest(element=path):
-                found = self.root.findall(path)
-                self.assertEqual([value], [element.text for element in found])
-                self.assertEqual(0, len(found[0]))
-
-    def paths_below(self, parent, prefix=""):
-        """Return [(path, element, what precedes it)] of all elements below parent."""
-        found, previous = [], None
-        for child in parent:
+    def elements(self, parent=None, prefix=""):
+        """(path, element, what precedes it) of all elements."""
+        previous = None
+        for child in root_of("configure.xml") if parent is None else parent:
             if child.tag is not ElementTree.Comment:
-                path = prefix + child.tag
-                found.append((path, child, previous))
-                found += self.paths_below(child, path + "/")
+                yield prefix + child.tag, child, previous
+                yield from self.elements(child, f"{prefix}{child.tag}/")
             previous = child
-        return found
 
-    def test_has_no_other_elements_and_none_twice(self):
-        expected = list(CONFIGURATION_DEFAULTS) + ["telescope", "telescope/optimum_rotator_angle"]
-        for table in ("mifu_dither", "veko_dither"):
-            expected.append(table)
-            for pattern in DITHER_PATTERNS:
-                expected += [f"{table}/{pattern}{end}" for end in ("", "/x", "/y")]
-        self.assertEqual(sorted(expected),
-                         sorted(path for path, _, _ in self.paths_below(self.root)))
+    def test_values_are_the_defaults_to_the_letter_and_nothing_else_is_there(self):
+        self.assertEqual(root_of("configure.xml").attrib, {"datamver": "8.00"})
+        patterns = [f"{table}/{pattern}{end}" for table in DITHER_PITCHES for pattern in DITHER_PATTERNS
+                    for end in ("", "/x", "/y")]
+        self.assertEqual(sorted(path for path, _, _ in self.elements()), sorted([*CONFIGURATION, *patterns]))
+        for path, element, _ in self.elements():
+            value = CONFIGURATION.get(path, (None, ""))[0]
+            if value is not None:
+                self.assertEqual(element.text, value, path)
+        self.assertEqual((RESOURCES / "configure.xml").stat().st_size, 3802)
 
     def test_a_comment_before_every_element_explains_it(self):
-        for path, element, previous in self.paths_below(self.root):
-            if element.tag in ("x", "y"):
-                continue  # explained once, before the tables
-            with self.subTest(element=path):
-                self.assertIsNotNone(previous)
-                self.assertIs(ElementTree.Comment, previous.tag)
-                words = " ".join(previous.text.split())
-                self.assertNotEqual("", words)
-                if element.tag not in DITHER_PATTERNS:
-                    self.assertIn(CONFIGURATION_COMMENTS[path], words)
-
-    def test_a_comment_before_the_root_explains_it(self):
-        text = (RESOURCES / "configure.xml").read_text(encoding="ascii")
-        self.assertRegex(text.split("<configure ")[0], r"<!-- Default configuration\b.* -->\n\Z")
-
-    def test_the_comment_of_the_dithers_explains_x_and_y(self):
-        comments = [previous for path, _, previous in self.paths_below(self.root)
-                    if path == "mifu_dither"]
-        words = " ".join(comments[0].text.split())
-        for phrase in ("x and y hold the telescope offsets in arcseconds",
-                       "along the positioner's x and y axes",
+        for path, element, previous in self.elements():
+            if element.tag not in ("x", "y"):  # explained once, before the tables
+                self.assertIs(previous.tag, ElementTree.Comment, path)
+                self.assertRegex(" ".join(previous.text.split()), re.escape(CONFIGURATION.get(path, (None, ""))[1]) or ".")
+        text = " ".join((RESOURCES / "configure.xml").read_text(encoding="ascii").split())
+        self.assertRegex(text.split("<configure ")[0], r"<!-- Default configuration\b.* --> \Z")
+        for phrase in ("x and y hold the telescope offsets in arcseconds", "along the positioner's x and y axes",
                        "at position angle zero y points north and x east"):
-            self.assertIn(phrase, words)
+            self.assertIn(phrase, text.split("<mifu_dither>")[0])
+
+    def test_the_focal_plane_map(self):
+        root = root_of("focal_plane_map.xml")
+        zero = {"x0": "0.0", "y0": "0.0", "r0": "0.0"}
+        self.assertEqual([(node.tag, node.attrib) for node in root.iter() if node.tag is not ElementTree.Comment], [
+            ("focal_plane_map", {"datamver": "8.00", "focal_length": "11724.24"}), ("optical_axis", {}),
+            ("PLATE_A", zero), ("PLATE_B", zero), ("VEKO", zero),
+            ("distortion_coefficients", {"c1": "202.841", "c3": "3.0191", "c5": "-0.0995944", "c7": "0.0"})])
 
 
 class DitherPatterns(unittest.TestCase):
     """The dither tables of the default configuration."""
 
     def offsets(self, table, pattern):
-        """Return the pattern's [(x, y)] in arcseconds."""
-        element = root_of("configure.xml").find(f"{table}/{pattern}")
-        axes = [element.find(axis).text for axis in ("x", "y")]
-        for text in axes:
+        """The pattern's [(x, y)] in arcseconds."""
+        texts = [root_of("configure.xml").find(f"{table}/{pattern}/{axis}").text for axis in "xy"]
+        for text in texts:
             self.assertRegex(text, r"\A-?\d+\.\d\d( -?\d+\.\d\d)*\Z")
-        xs, ys = ([float(word) for word in text.split(" ")] for text in axes)
-        self.assertEqual(len(xs), len(ys))
-        return list(zip(xs, ys))
-
-    def every_pattern(self):
-        """Return [(table/pattern, exposures, fibre pitch in arcseconds, offsets)]."""
-        return [(f"{table}/{pattern}", exposures, pitch, self.offsets(table, pattern))
-                for table, pitch in (("mifu_dither", MIFU_PITCH_ARCSEC),
-                                     ("veko_dither", VEKO_PITCH_ARCSEC))
-                for pattern, exposures in DITHER_PATTERNS.items()]
-
-    def test_each_table_holds_the_five_patterns(self):
-        for table in ("mifu_dither", "veko_dither"):
-            found = elements_in(root_of("configure.xml").find(table))
-            self.assertEqual(list(DITHER_PATTERNS), [pattern.tag for pattern in found])
-            for pattern in found:
-                self.assertEqual(["x", "y"], [axis.tag for axis in elements_in(pattern)])
-
-    def test_the_name_gives_the_number_of_exposures(self):
-        for name, exposures, _, offsets in self.every_pattern():
-            self.assertEqual(exposures, len(offsets), name)
-
-    def test_the_first_exposure_is_not_offset(self):
-        for name, _, _, offsets in self.every_pattern():
-            self.assertEqual((0.0, 0.0), offsets[0], name)
-
-    def test_offsets_are_smaller_than_the_distance_of_fibres(self):
-        for name, _, pitch, offsets in self.every_pattern():
-            for offset in offsets:
-                self.assertLess(math.hypot(*offset), pitch, name)
+        return list(zip(*([float(word) for word in text.split(" ")] for text in texts)))
 
     def test_exposures_fall_into_the_gaps_between_fibres(self):
-        # However the offsets are moved by whole fibre distances, no two
-        # exposures put fibres closer than a quarter of that distance.
-        for name, _, pitch, offsets in self.every_pattern():
-            lattice = [(i * pitch * math.sqrt(3.0) / 2.0, (j + i / 2.0) * pitch)
-                       for i in range(-3, 4) for j in range(-4, 5)]
-            for i, a in enumerate(offsets):
-                for b in offsets[:i]:
-                    nearest = min(distance((a[0] - b[0], a[1] - b[1]), node) for node in lattice)
-                    self.assertGreater(nearest, 0.25 * pitch, name)
+        for table, pitch in DITHER_PITCHES.items():
+            # However the offsets are moved by whole fibre distances, no two exposures put fibres closer than a quarter
+            # of that distance.
+            lattice = [(i * pitch * math.sqrt(3) / 2, (j + i / 2) * pitch) for i in range(-3, 4) for j in range(-4, 5)]
+            for pattern, exposures in DITHER_PATTERNS.items():
+                offsets = self.offsets(table, pattern)
+                self.assertEqual((len(offsets), offsets[0]), (exposures, (0, 0)), pattern)
+                self.assertLess(max(math.hypot(*offset) for offset in offsets), pitch, pattern)
+                self.assertGreater(min(math.dist((a[0] - b[0], a[1] - b[1]), node) for i, a in enumerate(offsets)
+                                       for b in offsets[:i] for node in lattice), 0.25 * pitch, pattern)
 
-    def test_three_points_make_an_equilateral_triangle_on_gap_centres(self):
-        for table, pitch in (("mifu_dither", MIFU_PITCH_ARCSEC),
-                             ("veko_dither", VEKO_PITCH_ARCSEC)):
+    def test_three_points_make_an_equilateral_triangle_on_gap_centres_and_its_mirror_image(self):
+        for table, pitch in DITHER_PITCHES.items():
             a, b, c = self.offsets(table, "pattern_3")
-            for side in (distance(a, b), distance(b, c), distance(c, a)):
-                self.assertAlmostEqual(pitch / math.sqrt(3.0), side, delta=0.015)
-
-    def test_pattern_minus_3_mirrors_pattern_3(self):
-        for table in ("mifu_dither", "veko_dither"):
-            self.assertEqual([(-x, y) for x, y in self.offsets(table, "pattern_3")],
-                             self.offsets(table, "pattern_-3"))
+            for side in (math.dist(a, b), math.dist(b, c), math.dist(c, a)):
+                self.assertAlmostEqual(side, pitch / math.sqrt(3), delta=0.015)
+            self.assertEqual([(-x, y) for x, y in (a, b, c)], self.offsets(table, "pattern_-3"))
 
 
 if __name__ == "__main__":
-    if len(sys.argv) < 2 or not Path(sys.argv[1]).is_dir():
-        sys.exit("usage: check_embedded_data.py RESOURCES_DIR [unittest options]")
-    RESOURCES = Path(sys.argv.pop(1)).resolve()
-    unittest.main()
+    unittest.main(argv=sys.argv[:1])
