@@ -45,56 +45,7 @@ std::string encoded(const std::string& text, const std::string& codec) {
     return QTextCodec::codecForName(codec.c_str())->fromUnicode(unicode.data(), unicode.size(), &state).toStdString();
 }
 
-const std::string kUtf8Mark = "\xef\xbb\xbf";
-
 } // namespace
-
-TEST_F(Encodings, MarksAndDeclarationsThatAgreeAreTaken) {
-    expectConfigured(declaring(""), "UTF-8 undeclared");
-    expectConfigured(declaring("utf-8"), "UTF-8 in small letters");
-    expectConfigured(kUtf8Mark + declaring("UTF-8"), "UTF-8 with a mark");
-    expectConfigured(kUtf8Mark + declaring(""), "UTF-8 with a mark, undeclared");
-    expectConfigured(encoded(declaring("UTF-16"), "UTF-16"), "UTF-16 with a mark");
-    expectConfigured("\xff\xfe" + encoded(declaring("UTF-16"), "UTF-16LE"), "UTF-16LE with a mark");
-    expectConfigured("\xfe\xff" + encoded(declaring("UTF-16"), "UTF-16BE"), "UTF-16BE with a mark");
-    expectConfigured("\xff\xfe" + encoded(declaring(""), "UTF-16LE"), "UTF-16LE with a mark, undeclared");
-    expectConfigured(declaring("ISO-8859-1"), "ISO-8859-1");
-    expectConfigured(declaring("US-ASCII"), "US-ASCII");
-}
-
-TEST_F(Encodings, MarksAndDeclarationsThatDisagreeAreRefused) {
-    expectRefused(declaring("UTF-16"), "UTF-8 declared as UTF-16");
-    expectRefused(kUtf8Mark + declaring("UTF-16"), "UTF-8 with a mark declared as UTF-16");
-    expectRefused(kUtf8Mark + declaring("ISO-8859-1"), "UTF-8 with a mark declared as ISO-8859-1");
-    expectRefused(kUtf8Mark + kUtf8Mark + declaring(""), "UTF-8 with two marks");
-    expectRefused(" " + kUtf8Mark + declaring(""), "a mark behind a blank");
-    expectRefused("\xfe\xff" + encoded(declaring("UTF-16"), "UTF-16LE"), "UTF-16LE behind the mark of UTF-16BE");
-    expectRefused("\xff\xfe" + declaring(""), "UTF-8 behind the mark of UTF-16");
-    expectRefused(kUtf8Mark + encoded(declaring("UTF-16"), "UTF-16LE"), "UTF-16 behind the mark of UTF-8");
-    expectRefused("\xff\xfe" + encoded(declaring(""), "UTF-16LE").substr(1), "UTF-16 shifted by a byte");
-}
-
-TEST_F(Encodings, OfSeveralBytesAreTaken) {
-    expectConfigured(encoded(declaring("UTF-32"), "UTF-32"), "UTF-32");
-    expectConfigured(std::string("\0\0\xfe\xff", 4) + encoded(declaring(""), "UTF-32BE"), "UTF-32BE");
-    for (const std::string name : {"UTF-7", "Shift_JIS", "EUC-JP", "GB18030", "Big5", "ISO-2022-JP"}) {
-        expectConfigured(encoded(declaring(name), name), name);
-    }
-}
-
-TEST_F(Encodings, InWhichTheDeclarationIsNoneAreRefused) {
-    for (const std::string name : {"EBCDIC-CP-US", "IBM037", "UTF-32", "../UTF-8"}) {
-        expectRefused(declaring(name), name);
-    }
-}
-
-TEST_F(Encodings, ThatAreNotKnownAreTold) {
-    for (const std::string& name : {std::string("nothing"), std::string("%s%n"), std::string(1'000'000, 'U')}) {
-        EXPECT_EQ(judged(declaring(name), name.substr(0, 20)).message,
-                  "Error parsing field definition file: " + folder_.path("in.xml") +
-                      " declares an encoding that is not known\n");
-    }
-}
 
 TEST_F(Encodings, MayBeCutAtEveryByte) {
     const std::string document = encoded(declaring("UTF-16"), "UTF-16");

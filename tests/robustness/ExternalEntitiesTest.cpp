@@ -1,5 +1,6 @@
 #include "Program.h"
 #include "TemporaryFolder.h"
+#include "fieldDefinition.h"
 #include "hostileRun.h"
 #include "privilege.h"
 
@@ -71,12 +72,8 @@ const std::vector<Reference> kReferences = {
     {"", "", "<include xmlns='http://www.w3.org/2001/XInclude' href='FILE'/>", ""},
     {"<?xml-stylesheet href='FILE'?>", "FILE", "<?include FILE?><a href='FILE'>FILE</a>", ""}};
 
-std::string withFile(std::string text, const std::string& file) {
-    for (std::size_t mark = text.find("FILE"); mark != std::string::npos; mark = text.find("FILE", mark)) {
-        text.replace(mark, 4, file);
-        mark += file.size();
-    }
-    return text;
+std::string withFile(const std::string& text, const std::string& file) {
+    return text.find("FILE") == std::string::npos ? text : replaced(text, "FILE", file);
 }
 
 std::string withReference(const std::string& text, const Reference& reference, const std::string& file) {

@@ -1,29 +1,16 @@
 #include "fileAccess.h"
 #include "hostileRun.h"
 #include "measuredRun.h"
+#include "outputFolder.h"
 #include "privilege.h"
 
-#include <fcntl.h>
 #include <filesystem>
 #include <future>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <sys/sysmacros.h>
-#include <unistd.h>
 
 // Inputs that are no ordinary files, and files without an end.
 
 namespace {
-
-/** Makes a copy of a device of the kernel's memory driver. @return whether that is permitted, here and now */
-bool makeMemoryDevice(const std::string& name, unsigned int minor) {
-    if (::mknod(name.c_str(), S_IFCHR | 0666, makedev(1, minor)) != 0) {
-        return false;
-    }
-    const int file = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
-    ::close(file);
-    return file >= 0;
-}
 
 class InputKinds : public testing::Test {
 protected:

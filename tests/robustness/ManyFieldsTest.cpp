@@ -90,7 +90,6 @@ const std::string kMegabytes(3'000'000, 'x');
 
 const std::vector<LargeField> kLargeFields = {
     {"LongFibreNames", "", bundleOf(fibreNamed(304, kMegabytes) + fibreNamed(2, kMegabytes))},
-    {"LongNote", "note='" + kMegabytes + "' ", bundleOf(fibreNamed(304, "C14") + fibreNamed(2, "1A"))},
     {"LongNoteToBeEscaped", "note='" + std::string(500'000, '"') + "&#233;' ",
      bundleOf(fibreNamed(304, "C14") + fibreNamed(2, "1A"))}};
 

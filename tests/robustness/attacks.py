@@ -69,10 +69,10 @@ def shift_mix(value: int) -> int:
 
 
 def colliding_values(size: int) -> str:
-    """Elements whose values of 16 characters, a thousand different ones, have one hash in the standard library."""
+    """Elements whose values of 16 characters, 300 different ones, have one hash in the standard library."""
     values = []
     for first in itertools.count(1):
-        if len(values) == 1000:
+        if len(values) == 300:
             return filled(size, "".join(values))
         begin = f"{first:08}".encode()
         mixed = (shift_mix(int.from_bytes(begin, "little") * MULTIPLIER & WORD) * MULTIPLIER) & WORD

@@ -1,5 +1,6 @@
 #include "elementCases.h"
 
+#include "repeated.h"
 #include "xmlPlaces.h"
 
 namespace {
@@ -30,14 +31,6 @@ std::string nestedInItself(const std::string& document, const ElementPlace& elem
     return withReplaced(document, element.whole, nested);
 }
 
-std::string repeated(const std::string& text, int times) {
-    std::string all;
-    for (int i = 0; i < times; ++i) {
-        all += text;
-    }
-    return all;
-}
-
 } // namespace
 
 std::vector<ElementCase> elementCases(const std::string& document) {
@@ -52,7 +45,7 @@ std::vector<ElementCase> elementCases(const std::string& document) {
         };
         add("removed", withReplaced(document, element.whole, ""));
         add("doubled", withReplaced(document, element.whole, text + text));
-        add("a hundred times", withReplaced(document, element.whole, repeated(text, 100)));
+        add("a hundred times", withReplaced(document, element.whole, repeated(100, text)));
         for (const std::string& other :
              std::vector<std::string>{"x" + name, "X", name + ":" + name, ":", "1", "configure", "conditions", "fields",
                                       "field", "group", "target", "observation", "\xff"}) {

@@ -197,6 +197,10 @@ pos::PosConfig HostileRun::smallConfig() const {
     return {"configure_version", "3.3.5", folder_.path("configure.xml").c_str(), pos::PosConfig::XML};
 }
 
+pos::PosConfig HostileRun::infoConfig() const {
+    return {"configure_version", "3.3.5", folder_.path("configure.info").c_str(), pos::PosConfig::INFO};
+}
+
 void HostileRun::judge(const RunEnd& end, const std::string& caseName) {
     ++cases_;
     const std::string found = breach(end);

@@ -67,6 +67,8 @@ protected:
 
     /** The configuration of the small instrument, as it is in the folder. */
     pos::PosConfig smallConfig() const;
+    /** The same, from the file in the INFO syntax. */
+    pos::PosConfig infoConfig() const;
 
     /** Counts an end, and keeps the promise's breach under the name of the case, if there is one. */
     void judge(const RunEnd& end, const std::string& caseName);
