@@ -92,9 +92,4 @@ private:
 /** The text of a file of the source tree. */
 std::string sourceText(const std::string& file);
 
-/** The bytes of a fuzzer's input. */
-inline std::string textOf(const std::uint8_t* data, std::size_t size) {
-    return {reinterpret_cast<const char*>(data), size};
-}
-
 #endif

@@ -179,7 +179,7 @@ std::string chosenValue(FuzzedDataProvider& bytes) {
     case 0:
         return bytes.ConsumeRandomLengthString(64);
     case 1:
-        return pick(bytes, badValues());
+        return pick(bytes, chosenValues());
     default:
         return chosenNumber(bytes);
     }

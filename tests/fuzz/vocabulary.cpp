@@ -1,163 +1,67 @@
 #include "vocabulary.h"
 
+#include "badValues.h"
 #include "checkedRun.h"
 
 #include <regex>
 
 namespace {
 
-/** Adds the names of a namespace of xmlKeywords.h, in their order. */
-std::vector<std::string> withKeywords(const std::string& space, std::vector<std::string> names) {
-    const std::string header = sourceText("pos/positioner/poslib/xmlKeywords.h");
-    const std::size_t begin = header.find("namespace pos::" + space + " {");
-    const std::string part = header.substr(begin, header.find("} // namespace pos::" + space) - begin);
-    const std::regex literal("QStringLiteral\\(\"(\\w+)\"\\)");
-    for (std::sregex_iterator found(part.begin(), part.end(), literal), end; found != end; ++found) {
-        names.push_back((*found)[1]);
-    }
-    return names;
+/** The system's own names of a kind, "tag" or "attr", as its source lists them. */
+std::vector<std::string> namesOf(const std::string& kind) {
+    const std::string source = sourceText("pos/positioner/poslib/xmlKeywords.h");
+    const std::size_t begin = source.find("namespace pos::" + kind + " {");
+    const std::string part = source.substr(begin, source.find("} // namespace", begin) - begin);
+    static const std::regex name(R"re(QStringLiteral\("(\w+)"\))re");
+    return {std::sregex_token_iterator(part.begin(), part.end(), name, 1), {}};
 }
+
+std::vector<std::string> joined(std::vector<std::string> first, const std::vector<std::string>& second) {
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
+/** What the system's own documents hold, and what is just beside it. */
+const std::vector<std::string> kWords = {
+    // vocabularies
+    "T", "t", "G", "g", "S", "C", "TT", "enabled", "Enabled", "absent", "ABSENT", "no prism", "8.00", "8.0", "3.3.5",
+    // numbers of fibres
+    "304", "0", "1", "1007", "1008", "1119",
+    // angles
+    "12.000000", "90.000000", "-90.000000", "360.000000", "89.999999", "180.00000001"};
 
 } // namespace
 
 const std::vector<std::string>& elementNames() {
-    static const std::vector<std::string> names = withKeywords(
-        "tag", {"anything", "plate_definition", "configure_version", "east_longitude", "latitude", "height"});
+    static const std::vector<std::string> names =
+        joined({"anything", "plate_definition", "configure_version"}, namesOf("tag"));
     return names;
 }
 
 const std::vector<std::string>& attributeNames() {
-    static const std::vector<std::string> names = withKeywords("attr", {"anything", "xmlns", "xml:space", "p:q"});
+    static const std::vector<std::string> names = joined({"anything", "xmlns", "xml:space", "p:q"}, namesOf("attr"));
     return names;
 }
 
-const std::vector<std::string>& badValues() {
-    static const std::vector<std::string> values = {"",
-                                                    " ",
-                                                    "\t \n",
-                                                    "nan",
-                                                    "NAN",
-                                                    "-nan",
-                                                    "inf",
-                                                    "-inf",
-                                                    "infinity",
-                                                    "-0",
-                                                    "-0.0",
-                                                    "+1",
-                                                    "1e400",
-                                                    "-1e400",
-                                                    "1e-400",
-                                                    "1e308",
-                                                    "-1e308",
-                                                    "1e-308",
-                                                    "5e-324",
-                                                    "1e300",
-                                                    "0x10",
-                                                    "0X1p3",
-                                                    "1,5",
-                                                    "1.5.5",
-                                                    "1.5 1.5",
-                                                    "1e",
-                                                    "e5",
-                                                    ".",
-                                                    "-",
-                                                    ".5",
-                                                    "5.",
-                                                    "1d5",
-                                                    "12:30:00",
-                                                    "%%%",
-                                                    "%%",
-                                                    "%1",
-                                                    "%s%n",
-                                                    "2147483647",
-                                                    "2147483648",
-                                                    "-2147483648",
-                                                    "-2147483649",
-                                                    "4294967295",
-                                                    "4294967296",
-                                                    "9223372036854775807",
-                                                    "18446744073709551616",
-                                                    "\xd9\xa1\xd9\xa2",
-                                                    "\xef\xbc\x91\xef\xbc\x92",
-                                                    "\xef\xbb\xbf"
-                                                    "1",
-                                                    "1\xc2\xa0",
-                                                    "\xf0\x9f\x98\x80",
-                                                    "\xef\xbf\xbe",
-                                                    "\xed\xa0\x80",
-                                                    "\xff\xfe",
-                                                    std::string(1, '\0'),
-                                                    "1" + std::string(1, '\0') + "2",
-                                                    "\x01",
-                                                    "\x7f",
-                                                    "\x1b[0m",
-                                                    "\"",
-                                                    "'",
-                                                    "&",
-                                                    "<",
-                                                    "]]>",
-                                                    "-->",
-                                                    "T",
-                                                    "t",
-                                                    "G",
-                                                    "g",
-                                                    "S",
-                                                    "C",
-                                                    "TT",
-                                                    "enabled",
-                                                    "Enabled",
-                                                    "absent",
-                                                    "ABSENT",
-                                                    "no prism",
-                                                    "8.00",
-                                                    "8.0",
-                                                    "3.3.5",
-                                                    std::string(5000, '9'),
-                                                    std::string(5000, 'a'),
-                                                    "0." + std::string(400, '0') + "1",
-                                                    "1" + std::string(400, '0'),
-                                                    "304",
-                                                    "0",
-                                                    "1",
-                                                    "-1",
-                                                    "1007",
-                                                    "1008",
-                                                    "1119",
-                                                    "12.000000",
-                                                    "90.000000",
-                                                    "-90.000000",
-                                                    "360.000000",
-                                                    "89.999999",
-                                                    "180.00000001"};
+const std::vector<std::string>& chosenValues() {
+    static const std::vector<std::string> values = [] {
+        std::vector<std::string> all = kWords;
+        for (const BadValue& bad : badValues("1", 5000)) {
+            all.push_back(bad.text);
+        }
+        return all;
+    }();
     return values;
 }
 
 const std::vector<std::string>& markups() {
-    static const std::vector<std::string> texts = {"<!-- a comment -->",
-                                                   "<!---->",
-                                                   "<?instruction with text?>",
-                                                   "<?a?>",
-                                                   "<![CDATA[ a < b ]]>",
-                                                   "<![CDATA[]]>",
-                                                   "&e;",
-                                                   "&long;",
-                                                   "&unknown;",
-                                                   "&#x41;",
-                                                   "&#0;",
-                                                   "&#xD;&#xA;&#9;",
-                                                   "&#x10FFFF;",
-                                                   "&#xFFFE;",
-                                                   "&lt;",
-                                                   "plain text",
-                                                   "\r\n",
-                                                   "]]>",
-                                                   "<",
-                                                   "</target>",
-                                                   "\n; comment {\n",
-                                                   "\nkey \"a\\\n \"b\"\n",
-                                                   "{",
-                                                   "}",
-                                                   "\n\"quoted key\" value\n"};
+    static const std::vector<std::string> texts = {
+        // of XML
+        "<!-- a comment -->", "<!---->", "<?instruction with text?>", "<?a?>", "<![CDATA[ a < b ]]>", "<![CDATA[]]>",
+        "&e;", "&long;", "&unknown;", "&#x41;", "&#0;", "&#xD;&#xA;&#9;", "&#x10FFFF;", "&#xFFFE;", "&lt;",
+        "plain text", "\r\n", "]]>", "<", "</target>",
+        // of INFO
+        "\n; comment {\n", "\nkey \"a\\\n \"b\"\n", "{", "}", "\n\"quoted key\" value\n"};
     return texts;
 }
 

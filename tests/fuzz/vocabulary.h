@@ -8,8 +8,8 @@
 const std::vector<std::string>& elementNames();
 const std::vector<std::string>& attributeNames();
 
-/** Values that no attribute expects, or that stand at the edge of what it takes, or that have a meaning elsewhere. */
-const std::vector<std::string>& badValues();
+/** Values of the system's own, and those that no attribute expects. */
+const std::vector<std::string>& chosenValues();
 
 /** What can stand in an element beside elements, in XML or INFO. */
 const std::vector<std::string>& markups();
