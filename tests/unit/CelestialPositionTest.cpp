@@ -1,6 +1,4 @@
 #include "CelestialPosition.h"
-#include "Conditions.h"
-#include "tolerances.h"
 
 #include <cmath>
 #include <erfa.h>
@@ -14,9 +12,6 @@ namespace {
 
 constexpr double kPiText = 3.141592653589793;
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-
-/** One milliarcsecond, radians: the cosine of the declination below which a place counts as the pole. */
-constexpr double kPoleCosine = 4.8481368110953594e-9;
 
 /** A date on the TAI scale whose TT in days differs from it in more than the last bit. */
 constexpr double kDate = 57754.375;
@@ -44,30 +39,6 @@ const std::vector<ICRS> kStars = {
 
 } // namespace
 
-TEST(CelestialPosition, FieldsStandInTheOrderOfTheCatalogue) {
-    const ICRS star{1, 2, 3, 4, 5, 6, 7};
-    EXPECT_EQ(star.ra, 1);
-    EXPECT_EQ(star.dec, 2);
-    EXPECT_EQ(star.epoch, 3);
-    EXPECT_EQ(star.pmRa, 4);
-    EXPECT_EQ(star.pmDec, 5);
-    EXPECT_EQ(star.parallax, 6);
-    EXPECT_EQ(star.rv, 7);
-    const Conditions conditions{1, 2, 3, 4};
-    EXPECT_EQ(conditions.epoch, 1);
-    EXPECT_EQ(conditions.temperature, 2);
-    EXPECT_EQ(conditions.pressure, 3);
-    EXPECT_EQ(conditions.relativeHumidity, 4);
-}
-
-TEST(CelestialPosition, ProperMotionInRightAscensionLosesItsCosine) {
-    // One arcsecond a year on the sky at 60 degrees is two arcseconds a year of right ascension.
-    const auto [raRate, decRate] = ICRS{0.0, kPiText / 3, 2000.0, 1000.0, -2000.0, 0.0, 0.0}.pmAsRadYr();
-    const double arcsecond = 4.84813681109536e-6; // radians, as published
-    EXPECT_NEAR(raRate, 2 * arcsecond, 1e-18);
-    EXPECT_NEAR(decRate, -2 * arcsecond, 1e-18);
-}
-
 TEST(CelestialPosition, ProperMotionIsConvertedInTheStatedOrder) {
     for (const ICRS& star : kStars) {
         const auto [raRate, decRate] = star.pmAsRadYr();
@@ -76,23 +47,15 @@ TEST(CelestialPosition, ProperMotionIsConvertedInTheStatedOrder) {
     }
 }
 
-TEST(CelestialPosition, ProperMotionInRightAscensionIsDroppedAtThePoles) {
-    for (const double pole : {kPiText / 2, -kPiText / 2}) {
-        const auto [raRate, decRate] = ICRS{1.0, pole, 2000.0, 1000.0, 500.0, 0.0, 0.0}.pmAsRadYr();
-        EXPECT_EQ(raRate, 0.0);
-        EXPECT_EQ(decRate, 500.0 / 1000 / 3600 / 180 * kPiText);
-    }
-}
-
-TEST(CelestialPosition, ThePoleEndsAMilliarcsecondFromIt) {
+TEST(CelestialPosition, ProperMotionInRightAscensionIsDroppedWithinAMilliarcsecondOfAPole) {
     for (const double side : {1.0, -1.0}) {
-        const double within = side * (kPiText / 2 - 4.84e-9);
-        const double outside = side * (kPiText / 2 - 4.86e-9);
-        ASSERT_LT(std::cos(within), kPoleCosine);
-        ASSERT_GT(std::cos(outside), kPoleCosine);
-        EXPECT_EQ((ICRS{0.0, within, 2000.0, 1.0, 0.0, 0.0, 0.0}.pmAsRadYr().first), 0.0);
+        const auto ratesAt = [&](double distance) {
+            return ICRS{1.0, side * (kPiText / 2 - distance), 2000.0, 1.0, 500.0, 0.0, 0.0}.pmAsRadYr();
+        };
+        EXPECT_EQ(ratesAt(0.0), std::pair(0.0, 500.0 / 1000 / 3600 / 180 * kPiText));
+        EXPECT_EQ(ratesAt(4.84e-9).first, 0.0);
         // One milliarcsecond a year at one milliarcsecond (4.848e-9 rad) of distance is about a radian a year.
-        EXPECT_NEAR((ICRS{0.0, outside, 2000.0, 1.0, 0.0, 0.0, 0.0}.pmAsRadYr().first), 4.8481368 / 4.86, 1e-6);
+        EXPECT_NEAR(ratesAt(4.86e-9).first, 4.8481368 / 4.86, 1e-6);
     }
 }
 
@@ -152,50 +115,20 @@ TEST(CelestialPosition, WarningsOfTheSpaceMotionAreIgnored) {
     }
 }
 
-TEST(CelestialPosition, TheApparentPlaceIsTheLibrarysWithoutSpaceMotion) {
+TEST(CelestialPosition, ApparentAndAstrometricPlacesAreTheLibrarysWithoutSpaceMotion) {
     for (const double date : {kDate, 0.0, -678955.5, 2457389.0}) {
         const TerrestrialTime tt(date);
-        for (const Astrometric& place : std::vector<Astrometric>{{0.0, 0.0}, {1.0, 0.5}, {6.2, -1.5}, {7.5, 1.9}}) {
-            CIRS expected{};
+        for (const auto& [ra, dec] : std::vector<std::pair<double, double>>{{0.0, 0.0}, {6.2, -1.5}, {7.5, 1.9}}) {
+            CIRS apparent{};
+            Astrometric astrometric{};
             double equationOfOrigins = 0.0;
-            eraAtci13(place.ra, place.dec, 0.0, 0.0, 0.0, 0.0, tt.first, tt.second, &expected.ra, &expected.dec,
+            eraAtci13(ra, dec, 0.0, 0.0, 0.0, 0.0, tt.first, tt.second, &apparent.ra, &apparent.dec,
                       &equationOfOrigins);
-            const CIRS apparent = place.toCirs(date);
-            EXPECT_EQ(apparent.ra, expected.ra) << date;
-            EXPECT_EQ(apparent.dec, expected.dec) << date;
-        }
-    }
-}
-
-TEST(CelestialPosition, TheAstrometricPlaceIsTheLibrarys) {
-    for (const double date : {kDate, 0.0, -678955.5, 2457389.0}) {
-        const TerrestrialTime tt(date);
-        for (const CIRS& place : std::vector<CIRS>{{0.0, 0.0}, {1.0, 0.5}, {6.2, -1.5}, {7.5, 1.9}}) {
-            Astrometric expected{};
-            double equationOfOrigins = 0.0;
-            eraAtic13(place.ra, place.dec, tt.first, tt.second, &expected.ra, &expected.dec, &equationOfOrigins);
-            const Astrometric astrometric = place.toAstrometric(date);
-            EXPECT_EQ(astrometric.ra, expected.ra) << date;
-            EXPECT_EQ(astrometric.dec, expected.dec) << date;
-        }
-    }
-}
-
-TEST(CelestialPosition, TheApparentPlaceOfJ2000DiffersByNoMoreThanAberrationAndNutation) {
-    // At J2000.0 nothing has precessed: annual aberration (20.5") and nutation (17") are what is left.
-    const CIRS apparent = Astrometric{1.0, 0.5}.toCirs(51544.5);
-    const double arcsecond = 4.84813681109536e-6;
-    EXPECT_NEAR(apparent.dec, 0.5, 40 * arcsecond);
-    EXPECT_NEAR(apparent.ra, 1.0, 40 * arcsecond);
-    EXPECT_NE(apparent.dec, 0.5);
-}
-
-TEST(CelestialPosition, ApparentAndAstrometricPlaceAreInverse) {
-    for (double ra = 0.1; ra < 6.28; ra += 0.6) {
-        for (const double dec : {-1.4, -0.7, 0.0, 0.5, 1.2}) {
-            const Astrometric back = Astrometric{ra, dec}.toCirs(kDate).toAstrometric(kDate);
-            EXPECT_NEAR((back.ra - ra) * std::cos(dec), 0.0, kMicroarcsecond) << ra << ' ' << dec;
-            EXPECT_NEAR(back.dec, dec, kMicroarcsecond) << ra << ' ' << dec;
+            eraAtic13(ra, dec, tt.first, tt.second, &astrometric.ra, &astrometric.dec, &equationOfOrigins);
+            EXPECT_EQ((Astrometric{ra, dec}.toCirs(date).ra), apparent.ra) << date;
+            EXPECT_EQ((Astrometric{ra, dec}.toCirs(date).dec), apparent.dec) << date;
+            EXPECT_EQ((CIRS{ra, dec}.toAstrometric(date).ra), astrometric.ra) << date;
+            EXPECT_EQ((CIRS{ra, dec}.toAstrometric(date).dec), astrometric.dec) << date;
         }
     }
 }
