@@ -23,8 +23,6 @@ inline constexpr double kRefractionRoundTripMm = 1e-4;
 inline constexpr double kSecondOfTime = 7.27220521664304e-05;
 /** The field-centre solve ends when the target is this near to its place, mm. */
 inline constexpr double kPlacementToleranceMm = 1e-4;
-/** Half of the last of six decimals of a degree, radians, and the rounding of doubles. */
-inline constexpr double kDocumentAngleTolerance = 8.727e-9;
 /** Relative change of the plate scale at the zenith by refraction, aberration and distortion. */
 inline constexpr double kPlateScaleTolerance = 2e-3;
 /**
@@ -45,8 +43,6 @@ inline constexpr double kHourAtGreatestAngle = 1e-6;
 inline constexpr double kAltitudeAtALimit = kSecondOfTime + 1e-5;
 /** A second of time, and what aberration and precession add to an hour angle in half a day up to 80 degrees, days. */
 inline constexpr double kHourAngleDays = 3e-5;
-/** Relative change of the plate scale from the axis to the edge of the field, by distortion and refraction. */
-inline constexpr double kPlateScaleOverTheField = 2e-2;
 
 /** Rounding of degrees that were radians. */
 inline constexpr double kDegreesTolerance = 1e-12;

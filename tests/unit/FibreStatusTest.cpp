@@ -1,59 +1,40 @@
 #include "FibreStatus.h"
 
 #include <gtest/gtest.h>
-#include <type_traits>
 
 using namespace pos;
 
 namespace {
 
-struct Word {
-    const char* text;
-    std::uint32_t value;
-};
+/** How a word is read, and written back. */
+std::pair<std::uint32_t, std::string> taken(const std::string& word) {
+    return {FibreStatus(word).value(), std::string(FibreStatus(word))};
+}
 
-constexpr Word kWords[] = {{"enabled", 0},   {"disabled", 1}, {"broken", 2}, {"bad ferrule", 3},
-                           {"no magnet", 4}, {"no prism", 5}, {"absent", 6}};
-
-std::uint32_t valueOf(const std::string& text) {
-    return FibreStatus(text).value();
+std::pair<std::uint32_t, std::string> as(std::uint32_t value, const char* text) {
+    return {value, text};
 }
 
 } // namespace
 
-TEST(FibreStatus, EachWordHasItsValueInTheStatedOrder) {
-    for (const Word& word : kWords) {
-        EXPECT_EQ(valueOf(word.text), word.value) << word.text;
-        EXPECT_EQ(std::string(FibreStatus(static_cast<FibreStatus::Value>(word.value))), word.text);
-    }
-}
-
-TEST(FibreStatus, LetterCaseDoesNotMatterAndIsWrittenBackInLowerCase) {
-    EXPECT_EQ(valueOf("Enabled"), 0U);
-    EXPECT_EQ(valueOf("ENABLED"), 0U);
-    EXPECT_EQ(valueOf("DisAbled"), 1U);
-    EXPECT_EQ(valueOf("BAD FERRULE"), 3U);
-    EXPECT_EQ(valueOf("No Magnet"), 4U);
-    EXPECT_EQ(valueOf("no PRISM"), 5U);
-    EXPECT_EQ(valueOf("Absent"), 6U);
-    EXPECT_EQ(std::string(FibreStatus(std::string("ENABLED"))), "enabled");
+TEST(FibreStatus, WordsAreReadInAnyCaseAndWrittenInLowerCase) {
+    EXPECT_EQ(taken("enabled"), as(0, "enabled"));
+    EXPECT_EQ(taken("DisAbled"), as(1, "disabled"));
+    EXPECT_EQ(taken("BROKEN"), as(2, "broken"));
+    EXPECT_EQ(taken("BAD FERRULE"), as(3, "bad ferrule"));
+    EXPECT_EQ(taken("No Magnet"), as(4, "no magnet"));
+    EXPECT_EQ(taken("no PRISM"), as(5, "no prism"));
+    EXPECT_EQ(taken("Absent"), as(6, "absent"));
 }
 
 TEST(FibreStatus, AnyOtherWordCountsAsBroken) {
-    for (const std::string text : {"broken", "Broken", "BROKEN", "", "enabeld", "unknown", "bad  ferrule", " enabled",
-                                   "enabled ", "0", "\xc3\xa9"}) {
-        EXPECT_EQ(valueOf(text), 2U) << text;
-        EXPECT_EQ(std::string(FibreStatus(text)), "broken") << text;
+    for (const std::string word : {"", "enabeld", "bad  ferrule", " enabled", "enabled ", "0", "\xc3\xa9"}) {
+        EXPECT_EQ(taken(word), as(2, "broken")) << word;
     }
 }
 
 TEST(FibreStatus, ValueOutsideTheSetConvertsToTheEmptyText) {
-    for (const std::uint32_t value : {7U, 8U, 255U, 0xffffffffU}) {
+    for (const std::uint32_t value : {7U, 0xffffffffU}) {
         EXPECT_EQ(std::string(FibreStatus(static_cast<FibreStatus::Value>(value))), "") << value;
     }
-}
-
-TEST(FibreStatus, IsAPlainThirtyTwoBitValue) {
-    EXPECT_TRUE(std::is_trivially_copyable_v<FibreStatus>);
-    EXPECT_EQ(sizeof(FibreStatus), sizeof(std::uint32_t));
 }

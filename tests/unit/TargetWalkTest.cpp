@@ -29,10 +29,6 @@ std::string walkText(const QDomElement& field) {
     return text;
 }
 
-std::string walkText(const std::string& content) {
-    return walkText(parseElement("<field>" + content + "</field>"));
-}
-
 std::string found(const std::string& content, std::uint64_t configid) {
     const QDomElement field = parseElement("<field>" + content + "</field>");
     return findTargetElement(field, configid).attribute("n", "(null)").toStdString();
@@ -40,57 +36,35 @@ std::string found(const std::string& content, std::uint64_t configid) {
 
 } // namespace
 
-TEST(TargetWalk, TargetsAreVisitedInDocumentOrder) {
-    EXPECT_EQ(walkText("<target n='a'/><target n='b'/><target n='c'/>"), "abc");
-}
-
-TEST(TargetWalk, GroupsAreEnteredAndLeft) {
-    EXPECT_EQ(walkText("<target n='a'/><group><target n='b'/><target n='c'/></group><target n='d'/>"), "a(bc)d");
-    EXPECT_EQ(walkText("<group><target n='a'/></group><group><target n='b'/></group>"), "(a)(b)");
-}
-
-TEST(TargetWalk, NestedGroupsEndWithTheirParent) {
-    EXPECT_EQ(walkText("<group><target n='a'/><group><target n='b'/></group></group><target n='c'/>"), "(a(b))c");
-    EXPECT_EQ(walkText("<group><group><group><target n='a'/></group></group><target n='b'/></group><target n='c'/>"),
-              "(((a))b)c");
-}
-
-TEST(TargetWalk, OtherElementsArePassedOverWithAllThatTheyHold) {
-    EXPECT_EQ(walkText("<x><target n='no'/></x><target n='a'><target n='no'/></target><avoidance_list><mask/>"
-                       "</avoidance_list><Target n='no'/><Group><target n='no'/></Group><target n='b'/>"),
-              "ab");
-}
-
-TEST(TargetWalk, TextAndCommentsDoNotMatter) {
-    EXPECT_EQ(walkText("text<!-- c --><target n='a'/>text<?p q?><group>text<target n='b'/><!-- c --></group>text"),
-              "a(b)");
-}
-
-TEST(TargetWalk, FieldWithoutElementsEndsAtOnce) {
-    EXPECT_EQ(walkText(""), "");
-    EXPECT_EQ(walkText("text"), "");
+TEST(TargetWalk, VisitsTargetsAndGroupsInDocumentOrder) {
+    struct Row {
+        const char* content;
+        const char* walk;
+    };
+    for (const auto& [content, walk] : std::vector<Row>{
+             {"", ""},
+             {"text", ""},
+             {"<target n='a'/>text<group><!-- c --><target n='b'/><target n='c'/></group><?p q?><target n='d'/>",
+              "a(bc)d"},
+             {"<group><target n='a'/></group><group><target n='b'/></group>", "(a)(b)"},
+             {"<group><target n='a'/><group><target n='b'/></group></group><target n='c'/>", "(a(b))c"},
+             {"<group><group><group><target n='a'/></group></group><target n='b'/></group><target n='c'/>",
+              "(((a))b)c"},
+             // Other elements are passed over with all that they hold.
+             {"<x><target n='no'/></x><target n='a'><target n='no'/></target><Target n='no'/>"
+              "<Group><target n='no'/></Group><target n='b'/>",
+              "ab"},
+             {"<group><x/></group><target n='a'/>", "()a"},
+             // A group without elements ends the level that it stands in.
+             {"<target n='a'/><group/><target n='lost'/>", "a()"},
+             {"<target n='a'/><group>text<!-- c --></group><target n='lost'/>", "a()"},
+             {"<group><target n='a'/><group/><target n='lost'/></group><target n='b'/>", "(a()b)"}}) {
+        EXPECT_EQ(walkText(parseElement(std::string("<field>") + content + "</field>")), walk) << content;
+    }
     EXPECT_EQ(walkText(QDomElement()), "");
 }
 
-TEST(TargetWalk, EmptyGroupEndsItsOwnLevel) {
-    EXPECT_EQ(walkText("<target n='a'/><group/><target n='lost'/>"), "a()");
-    EXPECT_EQ(walkText("<group><target n='a'/><group/><target n='lost'/></group><target n='b'/>"), "(a()b)");
-}
-
-TEST(TargetWalk, GroupWithoutElementsCountsAsEmpty) {
-    EXPECT_EQ(walkText("<target n='a'/><group>text<!-- c --></group><target n='lost'/>"), "a()");
-}
-
-TEST(TargetWalk, GroupWithOnlyOtherElementsIsNotEmpty) {
-    EXPECT_EQ(walkText("<group><x/></group><target n='a'/>"), "()a");
-}
-
-TEST(TargetWalk, WalkEndsAfterAnEmptyGroupAtTheTopOfTheLastField) {
-    const QDomElement fields = parseElement("<fields><field><group/><target n='lost'/></field></fields>");
-    EXPECT_EQ(walkText(fields.firstChildElement()), "()");
-}
-
-TEST(TargetWalk, WalkPassesOverTheFieldsBehindOneThatEndsInAnEmptyGroup) {
+TEST(TargetWalk, PassesOverTheFieldsBehindOneThatEndsInAnEmptyGroup) {
     const QDomElement fields =
         parseElement("<fields><field><target n='a'/><group/></field>"
                      "<field><target n='other'/><group><target n='other'/></group></field></fields>");
@@ -128,43 +102,20 @@ TEST(TargetWalk, DeepGroupsNeedNoRecursion) {
     EXPECT_TRUE(findTargetElement(field, 8).isNull());
 }
 
-TEST(FindTargetElement, FindsATargetByItsId) {
+TEST(FindTargetElement, FindsTheFirstTargetWithAnIdWhereTheWalkComes) {
     EXPECT_EQ(found("<target n='a' configid='1'/><target n='b' configid='2'/>", 2), "b");
     EXPECT_EQ(found("<target n='a' configid='1'/><target n='b' configid='2'/>", 3), "(null)");
-}
-
-TEST(FindTargetElement, FindsATargetTwoGroupsDeep) {
-    EXPECT_EQ(found("<group><group><target n='a' configid='5'/></group></group>", 5), "a");
-}
-
-TEST(FindTargetElement, FindsATargetBehindGroupsThatEndTogether) {
-    EXPECT_EQ(found("<group><group><target configid='1'/></group></group><target n='a' configid='5'/>", 5), "a");
-}
-
-TEST(FindTargetElement, TargetWithoutAReadableIdMatchesZero) {
-    EXPECT_EQ(found("<target n='a' configid='1'/><target n='b'/>", 0), "b");
-    for (const std::string id : {"", "abc", "1.0", "0x1", "1e0", "99999999999999999999"}) {
-        EXPECT_EQ(found("<target n='a' configid='" + id + "'/>", 0), "a") << id;
-        EXPECT_EQ(found("<target n='a' configid='" + id + "'/>", 1), "(null)") << id;
-    }
-}
-
-TEST(FindTargetElement, IdIsReadInBaseTen) {
-    EXPECT_EQ(found("<target n='a' configid='010'/>", 10), "a");
-    EXPECT_EQ(found("<target n='a' configid='2147483647'/>", 2147483647), "a");
-    EXPECT_EQ(found("<target n='a' configid='-1'/>", std::numeric_limits<std::uint64_t>::max()), "a");
-}
-
-TEST(FindTargetElement, SecondTargetWithTheSameIdIsNeverReturned) {
     EXPECT_EQ(found("<group><target n='a' configid='3'/></group><target n='b' configid='3'/>", 3), "a");
-}
-
-TEST(FindTargetElement, TargetBehindAnEmptyGroupOfItsLevelIsNotFound) {
-    EXPECT_EQ(found("<target n='a' configid='1'/><group/><target n='b' configid='2'/>", 2), "(null)");
     EXPECT_EQ(found("<group><group/><target n='b' configid='2'/></group><target n='c' configid='3'/>", 2), "(null)");
     EXPECT_EQ(found("<group><group/><target n='b' configid='2'/></group><target n='c' configid='3'/>", 3), "c");
 }
 
-TEST(FindTargetElement, TargetsOfOtherElementsAreNotFound) {
-    EXPECT_EQ(found("<x><target n='a' configid='1'/></x>", 1), "(null)");
+TEST(FindTargetElement, IdIsReadInBaseTenAndIsZeroWhereThereIsNone) {
+    EXPECT_EQ(found("<target n='a' configid='010'/>", 10), "a");
+    EXPECT_EQ(found("<target n='a' configid='2147483647'/>", 2147483647), "a");
+    EXPECT_EQ(found("<target n='a' configid='-1'/>", std::numeric_limits<std::uint64_t>::max()), "a");
+    EXPECT_EQ(found("<target n='a' configid='1'/><target n='b'/>", 0), "b");
+    for (const std::string id : {"", "abc", "1.0", "99999999999999999999"}) {
+        EXPECT_EQ(found("<target n='a' configid='" + id + "'/>", 0), "a") << id;
+    }
 }

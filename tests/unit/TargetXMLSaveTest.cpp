@@ -19,104 +19,64 @@ Target plainTarget() {
     return target;
 }
 
-QDomElement saved(const Target& target) {
-    return saveTargetXML(target, parseElement("<field/>"), QDomElement());
+/** What a target becomes with a template of these attributes and this content, behind it in a field. */
+QDomElement savedFrom(const Target& target, const std::string& attributes, const std::string& content = "") {
+    const QDomElement field = parseElement("<field><target " + attributes + ">" + content + "</target><last/></field>");
+    const std::string before = treeText(field.firstChild());
+    const QDomElement element = saveTargetXML(target, field, field.firstChildElement());
+    EXPECT_EQ(treeText(field.firstChild()), before);
+    EXPECT_EQ(field.lastChild(), element);
+    return element;
 }
 
-QDomElement savedFrom(const Target& target, const std::string& templ) {
-    return saveTargetXML(target, parseElement("<field/>"), parseElement(templ));
+std::string text(const Target& target, const std::string& templateAttributes, const char* attribute) {
+    return attributeText(savedFrom(target, templateAttributes), attribute);
 }
-
-const std::vector<const char*> kMotions = {"targparal", "targpmra", "targpmdec"};
 
 } // namespace
 
 TEST(TargetXMLSave, WithoutATemplateWritesEveryAttribute) {
-    EXPECT_EQ(treeText(saved(plainTarget())),
+    const QDomElement group = parseElement("<group><note/></group>");
+    saveTargetXML(plainTarget(), group, QDomElement());
+    EXPECT_EQ(treeText(group),
               treeText(parseElement(
-                  "<target targname='' targsrvy='' targprio='1' targuse='T' fibreid='%%%' configid='%%%' "
+                  "<group><note/><target targname='' targsrvy='' targprio='1' targuse='T' fibreid='%%%' configid='%%%' "
                   "automatic='0' cname='%%%' ifu_pa='' ifu_spaxel='' targcat='' targclass='UNKNOWN' targprog='' "
                   "targid='' targparal='0' targpmra='0' targpmdec='0' targra='45.000000' targdec='-22.500000' "
-                  "targepoch='2016.00'/>")));
+                  "targepoch='2016.00'/></group>")));
 }
 
-TEST(TargetXMLSave, WritesTheRecordsOwnValues) {
+TEST(TargetXMLSave, TheRecordsValuesReplaceThoseOfATemplate) {
+    const Target target{"NGC \xC3\xA9", "WL", {0.0, 0.0, 2016.0, 41.0, -7.0, 0.25, 12.0}, TargetUse::E, 7.0, 33,
+                        -160,           true};
+    const std::string own = "targname='NGC \xC3\xA9' targsrvy='WL' targuse='E' fibreid='-160' configid='33' "
+                            "automatic='1' targra='0.000000' targdec='0.000000' targepoch='2016.00' targpmra='41' "
+                            "targpmdec='-7' targparal='250' targrv='12' ";
+    // What a catalogue says, and whatever else stands there, is the template's.
+    const std::string catalogue = "targprio='3.50' cname='WVE' ifu_pa='12' ifu_spaxel='C01' targcat='cat' "
+                                  "targclass='GALAXY' targprog='p' targid='i' note='n' ";
+    EXPECT_EQ(treeText(savedFrom(target,
+                                 catalogue + "targname='o' targsrvy='o' targuse='G' fibreid='12' configid='13' "
+                                             "automatic='0' targra='1' targdec='1' targepoch='1' targpmra='1' "
+                                             "targpmdec='1' targparal='1' targrv='1'",
+                                 "<a><b c='d'/>text</a><photometry/>")),
+              treeText(parseElement("<target " + own + catalogue + "><a><b c='d'/>text</a><photometry/></target>")));
+    EXPECT_EQ(text(target, "", "targprio"), "7");
+    EXPECT_EQ(text(target, "targprio=''", "targprio"), "");
+}
+
+TEST(TargetXMLSave, WhatTheRecordLacksReplacesIdsButNotTextsOrRadialVelocity) {
     Target target = plainTarget();
-    target.name = "NGC \xC3\xA9";
-    target.survey = "WL";
-    target.use = TargetUse::G;
-    target.priority = 0.1;
-    target.configid = 33;
-    target.fibreid = -160;
-    target.automatic = true;
-    const QDomElement element = saved(target);
-    EXPECT_EQ(attributeText(element, "targname"), "NGC \xC3\xA9");
-    EXPECT_EQ(attributeText(element, "targsrvy"), "WL");
-    EXPECT_EQ(attributeText(element, "targuse"), "G");
-    EXPECT_EQ(attributeText(element, "targprio"), setterText(0.1));
-    EXPECT_EQ(attributeText(element, "configid"), "33");
-    EXPECT_EQ(attributeText(element, "fibreid"), "-160");
-    EXPECT_EQ(attributeText(element, "automatic"), "1");
-}
-
-TEST(TargetXMLSave, AppendsTheNewElementAsTheLastChildAndReturnsIt) {
-    const QDomElement parent = parseElement("<group><target/><note/></group>");
-    const QDomElement element = saveTargetXML(plainTarget(), parent, QDomElement());
-    EXPECT_EQ(parent.lastChild(), element);
-    EXPECT_EQ(parent.childNodes().count(), 3);
-    EXPECT_EQ(element.ownerDocument(), parent.ownerDocument());
-}
-
-TEST(TargetXMLSave, ATemplateIsClonedDeeplyAndStaysWhereItIs) {
-    const QDomElement field = parseElement("<field><target note='n'><a><b c='d'/>text</a></target><last/></field>");
-    const QDomElement templ = field.firstChildElement();
-    const std::string before = treeText(templ);
-    Target target = plainTarget();
-    target.configid = 5;
-    const QDomElement element = saveTargetXML(target, field, templ);
-    EXPECT_EQ(field.firstChildElement(), templ);
-    EXPECT_EQ(treeText(templ), before);
-    EXPECT_EQ(field.lastChild(), element);
-    EXPECT_EQ(attributeText(element, "note"), "n");
-    EXPECT_EQ(treeText(element.firstChild()), treeText(parseElement("<a><b c='d'/>text</a>")));
-}
-
-TEST(TargetXMLSave, ATemplatesNameAndSurveyYieldOnlyToNonEmptyOnes) {
-    const std::string templ = "<target targname='old' targsrvy='survey'/>";
-    Target target = plainTarget();
-    EXPECT_EQ(attributeText(savedFrom(target, templ), "targname"), "old");
-    EXPECT_EQ(attributeText(savedFrom(target, templ), "targsrvy"), "survey");
-    EXPECT_EQ(attributeText(savedFrom(target, "<target/>"), "targname"), "");
-    EXPECT_EQ(attributeText(savedFrom(target, "<target/>"), "targsrvy"), "");
-    target.name = "new";
-    EXPECT_EQ(attributeText(savedFrom(target, templ), "targname"), "new");
-    EXPECT_EQ(attributeText(savedFrom(target, templ), "targsrvy"), "survey");
-    target.survey = "another";
-    EXPECT_EQ(attributeText(savedFrom(target, templ), "targsrvy"), "another");
-}
-
-TEST(TargetXMLSave, ATemplatesPriorityWins) {
-    Target target = plainTarget();
-    target.priority = 7.0;
-    EXPECT_EQ(attributeText(savedFrom(target, "<target targprio='3.50'/>"), "targprio"), "3.50");
-    EXPECT_EQ(attributeText(savedFrom(target, "<target targprio=''/>"), "targprio"), "");
-    EXPECT_EQ(attributeText(savedFrom(target, "<target/>"), "targprio"), "7");
-}
-
-TEST(TargetXMLSave, UseFibreIdAndFlagReplaceThoseOfATemplate) {
-    const std::string templ = "<target targuse='G' fibreid='12' configid='13' automatic='1'/>";
-    Target target = plainTarget();
-    target.use = TargetUse::E;
-    const QDomElement missing = savedFrom(target, templ);
-    EXPECT_EQ(attributeText(missing, "targuse"), "E");
-    EXPECT_EQ(attributeText(missing, "fibreid"), "%%%");
-    EXPECT_EQ(attributeText(missing, "configid"), "%%%");
-    EXPECT_EQ(attributeText(missing, "automatic"), "0");
+    const std::string templ = "targname='old' targsrvy='survey' fibreid='12' configid='13' targrv='9.5'";
+    EXPECT_EQ(text(target, templ, "targname"), "old");
+    EXPECT_EQ(text(target, templ, "targsrvy"), "survey");
+    EXPECT_EQ(text(target, templ, "targrv"), "9.5");
+    EXPECT_EQ(text(target, templ, "fibreid"), "%%%");
+    EXPECT_EQ(text(target, templ, "configid"), "%%%");
+    EXPECT_EQ(text(target, "", "targname"), "");
+    EXPECT_EQ(text(target, "", "targrv"), "(absent)");
     target.fibreid = 0;
-    target.configid = 14;
-    const QDomElement present = savedFrom(target, templ);
-    EXPECT_EQ(attributeText(present, "fibreid"), "0");
-    EXPECT_EQ(attributeText(present, "configid"), "14");
+    EXPECT_EQ(text(target, templ, "fibreid"), "0");
 }
 
 TEST(TargetXMLSave, WritesTheLowThirtyTwoBitsOfAnIdWithTheirSign) {
@@ -126,10 +86,10 @@ TEST(TargetXMLSave, WritesTheLowThirtyTwoBitsOfAnIdWithTheirSign) {
     };
     // 2^32 + 1, 2^32, 2^31 and 2^64 - 5
     for (const Case& c : {Case{4294967297U, "1"}, Case{4294967296U, "0"}, Case{2147483648U, "-2147483648"},
-                          Case{std::numeric_limits<std::uint64_t>::max() - 4, "-5"}, Case{2147483647U, "2147483647"}}) {
+                          Case{std::numeric_limits<std::uint64_t>::max() - 4, "-5"}}) {
         Target target = plainTarget();
         target.configid = c.id;
-        EXPECT_EQ(attributeText(saved(target), "configid"), c.text);
+        EXPECT_EQ(text(target, "", "configid"), c.text);
         const QDomElement element = parseElement("<target configid='%%%' note='n'/>");
         updateTargetIdXML(element, c.id);
         EXPECT_EQ(treeText(element),
@@ -137,118 +97,46 @@ TEST(TargetXMLSave, WritesTheLowThirtyTwoBitsOfAnIdWithTheirSign) {
     }
 }
 
-TEST(TargetXMLSave, ATemplateKeepsItsCatalogueAttributes) {
-    const QDomElement element = savedFrom(plainTarget(), "<target cname='WVE' ifu_pa='12' ifu_spaxel='C01' "
-                                                         "targcat='cat' targclass='GALAXY' targprog='p' targid='i'/>");
-    EXPECT_EQ(attributeText(element, "cname"), "WVE");
-    EXPECT_EQ(attributeText(element, "ifu_pa"), "12");
-    EXPECT_EQ(attributeText(element, "ifu_spaxel"), "C01");
-    EXPECT_EQ(attributeText(element, "targcat"), "cat");
-    EXPECT_EQ(attributeText(element, "targclass"), "GALAXY");
-    EXPECT_EQ(attributeText(element, "targprog"), "p");
-    EXPECT_EQ(attributeText(element, "targid"), "i");
-}
-
 TEST(TargetXMLSave, OnlyASkyTargetIsWrittenWithoutAClass) {
-    for (auto use : {TargetUse::T, TargetUse::C, TargetUse::G, TargetUse::E, TargetUse::R}) {
+    for (auto use : {TargetUse::T, TargetUse::C, TargetUse::G, TargetUse::E, TargetUse::R, TargetUse::S}) {
         Target target = plainTarget();
         target.use = use;
-        EXPECT_EQ(attributeText(saved(target), "targclass"), "UNKNOWN");
+        const QDomElement element = saveTargetXML(target, parseElement("<field/>"), QDomElement());
+        EXPECT_EQ(attributeText(element, "targclass"), use == TargetUse::S ? "" : "UNKNOWN");
     }
-    Target sky = plainTarget();
-    sky.use = TargetUse::S;
-    EXPECT_EQ(attributeText(saved(sky), "targclass"), "");
-    EXPECT_EQ(attributeText(savedFrom(sky, "<target/>"), "targclass"), "");
-    EXPECT_EQ(attributeText(savedFrom(sky, "<target targclass='GALAXY'/>"), "targclass"), "GALAXY");
 }
 
 TEST(TargetXMLSave, AnAutomaticTargetLosesItsTemplatesSpaceMotion) {
     Target target = plainTarget();
-    const std::string templ = "<target targparal='0.7' targpmra='3.2' targpmdec='-1.5'/>";
-    const QDomElement kept = savedFrom(target, templ);
-    EXPECT_EQ(attributeText(kept, "targparal"), "0.7");
-    EXPECT_EQ(attributeText(kept, "targpmra"), "3.2");
-    EXPECT_EQ(attributeText(kept, "targpmdec"), "-1.5");
-    const QDomElement filled = savedFrom(target, "<target targpmra='3.2'/>");
-    EXPECT_EQ(attributeText(filled, "targparal"), "0");
-    EXPECT_EQ(attributeText(filled, "targpmra"), "3.2");
-    EXPECT_EQ(attributeText(filled, "targpmdec"), "0");
-    target.automatic = true;
-    for (const char* motion : kMotions) {
-        EXPECT_EQ(attributeText(savedFrom(target, templ), motion), "0") << motion;
-        EXPECT_EQ(attributeText(saved(target), motion), "0") << motion;
+    for (const char* motion : {"targparal", "targpmra", "targpmdec"}) {
+        const std::string templ = motion + std::string("='3.2'");
+        target.automatic = false;
+        EXPECT_EQ(text(target, templ, motion), "3.2");
+        EXPECT_EQ(text(target, "", motion), "0");
+        target.automatic = true;
+        EXPECT_EQ(text(target, templ, motion), "0");
     }
 }
 
-TEST(TargetXMLSave, ARecordsOwnMotionReplacesThatOfItsTemplate) {
-    Target target = plainTarget();
-    target.position.pmRa = 41.0;
-    target.position.pmDec = -7.0;
-    target.position.parallax = 0.25;
-    target.position.rv = 12.0;
-    const QDomElement element =
-        savedFrom(target, "<target targparal='0.7' targpmra='3.2' targpmdec='-1.5' targrv='9'/>");
-    EXPECT_EQ(attributeText(element, "targpmra"), "41");
-    EXPECT_EQ(attributeText(element, "targpmdec"), "-7");
-    EXPECT_EQ(attributeText(element, "targparal"), "250");
-    EXPECT_EQ(attributeText(element, "targrv"), "12");
-}
-
-TEST(TargetXMLSave, APositionWithoutRadialVelocityLeavesThatOfTheTemplate) {
-    EXPECT_EQ(attributeText(savedFrom(plainTarget(), "<target targrv='9.5' targra='1' targepoch='1'/>"), "targrv"),
-              "9.5");
-    EXPECT_EQ(attributeText(savedFrom(plainTarget(), "<target targra='1'/>"), "targra"), "45.000000");
-    EXPECT_EQ(attributeText(savedFrom(plainTarget(), "<target targepoch='1'/>"), "targepoch"), "2016.00");
-    EXPECT_EQ(attributeText(saved(plainTarget()), "targrv"), "(absent)");
-}
-
-TEST(TargetXMLSave, ACalibrationTargetTakesNeitherIdentityNorPhotometryFromItsTemplate) {
+TEST(TargetXMLSave, ACalibrationTargetTakesNeitherIdentityNorTheFirstPhotometryFromItsTemplate) {
     Target target = plainTarget();
     target.use = TargetUse::C;
-    const QDomElement element =
-        savedFrom(target, "<target cname='WVE' targclass='GALAXY' targcat='cat'><first/><photometry mag='1'/>"
-                          "<photometry mag='2'/></target>");
+    const QDomElement element = savedFrom(target, "cname='WVE' targclass='GALAXY' targcat='cat'",
+                                          "<first><photometry/></first><photometry mag='1'/><photometry mag='2'/>");
     EXPECT_EQ(attributeText(element, "cname"), "%%%");
     EXPECT_EQ(attributeText(element, "targclass"), "%%%");
     EXPECT_EQ(attributeText(element, "targcat"), "cat");
-    // Only the first photometry goes.
     EXPECT_EQ(element.childNodes().count(), 2);
-    EXPECT_EQ(treeText(element.firstChild()), treeText(parseElement("<first/>")));
+    EXPECT_EQ(treeText(element.firstChild()), treeText(parseElement("<first><photometry/></first>")));
     EXPECT_EQ(treeText(element.lastChild()), treeText(parseElement("<photometry mag='2'/>")));
-}
-
-TEST(TargetXMLSave, ACalibrationTargetFromATemplateWithoutPhotometryIsWrittenToo) {
-    Target target = plainTarget();
-    target.use = TargetUse::C;
-    const QDomElement element = savedFrom(target, "<target><group><photometry/></group></target>");
-    EXPECT_EQ(attributeText(element, "targclass"), "%%%");
-    EXPECT_EQ(treeText(element.firstChild()), treeText(parseElement("<group><photometry/></group>")));
-    EXPECT_EQ(attributeText(saved(target), "targclass"), "UNKNOWN");
-}
-
-TEST(TargetXMLSave, OtherTargetsKeepTheirTemplatesPhotometry) {
-    for (auto use : {TargetUse::T, TargetUse::G, TargetUse::S, TargetUse::E, TargetUse::R}) {
-        Target target = plainTarget();
-        target.use = use;
-        const QDomElement element = savedFrom(target, "<target cname='WVE'><photometry/></target>");
-        EXPECT_FALSE(element.firstChildElement("photometry").isNull());
-        EXPECT_EQ(attributeText(element, "cname"), "WVE");
-    }
+    EXPECT_EQ(text(target, "", "targclass"), "%%%");
 }
 
 TEST(TargetXMLSave, AnUnassignedIdIsWrittenSoThatReadingRefusesIt) {
     Target target = plainTarget();
     target.name = "X";
-    const QDomElement element = saved(target);
+    const QDomElement element = savedFrom(target, "");
     EXPECT_EQ(messageOf([&] { createTargetXML(element); }), "Target X has an invalid configure target id '%%%'");
-}
-
-TEST(TargetXMLSave, AnUnfilledFibreIdIsWrittenBackAsTheMarker) {
-    for (const std::string text : {"", "%%%"}) {
-        const Target target =
-            createTargetXML(parseElement("<target targra='45.000000' targdec='45.000000' fibreid='" + text + "'/>"));
-        EXPECT_EQ(attributeText(saved(target), "fibreid"), "%%%");
-    }
 }
 
 TEST(TargetXMLSave, UpdatingWithoutAPlateTouchesNothingButTheFibre) {
@@ -256,9 +144,9 @@ TEST(TargetXMLSave, UpdatingWithoutAPlateTouchesNothingButTheFibre) {
         std::int32_t fibreid;
         const char* attribute;
     };
-    for (const Case& c : {Case{kNoFibre, ""}, Case{-160, ""}, Case{-1, ""}, Case{0, "fibreid='0'"},
-                          Case{1007, "fibreid='1007'"}, Case{1008, "fibreid='1119'"}, Case{1010, "fibreid='1319'"},
-                          Case{1027, "fibreid='3019'"}, Case{1028, "fibreid='1028'"}, Case{1119, "fibreid='1119'"}}) {
+    for (const Case& c : {Case{kNoFibre, ""}, Case{-1, ""}, Case{0, "fibreid='0'"}, Case{1007, "fibreid='1007'"},
+                          Case{1008, "fibreid='1119'"}, Case{1010, "fibreid='1319'"}, Case{1027, "fibreid='3019'"},
+                          Case{1028, "fibreid='1028'"}, Case{1119, "fibreid='1119'"}}) {
         for (const std::string before : {"", "fibreid='77'", "fibreid='%%%'"}) {
             const QDomElement element =
                 parseElement("<target targx='1' ifu_pa='2' ifu_spaxel='3' " + before + "><a/></target>");
