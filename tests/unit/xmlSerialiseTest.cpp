@@ -62,44 +62,6 @@ protected:
     }
 };
 
-TEST_F(XmlSerialise, EveryKindOfNodeIsInTheTreeAsItStandsInTheDocument) {
-    const std::string text = everything("<?xml version='1.0' encoding='UTF-8'?>");
-    EXPECT_EQ(treeText(load(text)), "[9 #document] \n"
-                                    " [7 xml] version='1.0' encoding='UTF-8'\n"
-                                    " [8 #comment]  f\xc3\xafrst \n"
-                                    " [7 style] sheet='\xc3\xa9'\n"
-                                    " <observation datamver='8.00' \xc3\xa9t\xc3\xa9='\xc3\xa0 & <>\"'\t\n\r'>\n"
-                                    "  [3 #text] text \xc2\xb0 & < ]]> \xf0\x9f\x98\x80\xe2\x82\xac\r end\n"
-                                    "  [8 #comment]  comment: <a> & \xc2\xa7 \n"
-                                    "  <empty>\n"
-                                    "  <blank attribute=''>\n"
-                                    "  <p:prefixed q:a='1'>\n"
-                                    "  <mixed>\n"
-                                    "   [3 #text] one\n"
-                                    "   <b>\n"
-                                    "    [3 #text] two\n"
-                                    "   [3 #text] three\n"
-                                    "   [7 target] some data\n"
-                                    "   [3 #text] four\n"
-                                    "   [8 #comment] five\n"
-                                    "   [3 #text] six\n"
-                                    "   [4 #cdata-section] <seven> & \xc2\xb5\n"
-                                    "   [3 #text] eight\n"
-                                    "  [4 #cdata-section] a]]\n"
-                                    "  [4 #cdata-section] >b\n"
-                                    "  <astral name='\xf0\x9f\x98\x80\xf4\x8f\xbf\xbf'>\n"
-                                    "   [3 #text] \xf0\x90\x80\x80\n"
-                                    " [8 #comment]  last \n"
-                                    " [7 end] \n");
-}
-
-TEST_F(XmlSerialise, EveryKindOfNodeSurvivesInUtf8) {
-    const std::string text = everything("<?xml version='1.0' encoding='UTF-8'?>");
-    EXPECT_NE(expectSurvives(text).find("\xf0\x9f\x98\x80\xe2\x82\xac"), std::string::npos);
-    expectSurvives(everything(""));
-    expectSurvives(everything("<?xml version='1.0'?>"));
-}
-
 TEST_F(XmlSerialise, EveryKindOfNodeSurvivesInUtf16) {
     const std::string text = littleEndian(everything("<?xml version='1.0' encoding='UTF-16'?>"));
     const std::string bytes = expectSurvives(text);
@@ -124,49 +86,44 @@ TEST_F(XmlSerialise, OtherDeclaredEncodingsAreKeptWithReferencesForWhatTheyLack)
     EXPECT_EQ(windows, "<?xml version='1.0' encoding='windows-1252'?>\n<a>\x80\xe9&#x1f600;</a>\n");
 }
 
-TEST_F(XmlSerialise, ElementsAreIndentedByOneSpaceALevel) {
-    EXPECT_EQ(saved(load("<a><b><c x='1'/>\n\n   <!--d--></b></a>")),
-              "<a>\n <b>\n  <c x=\"1\"/>\n  <!--d-->\n </b>\n</a>\n");
+TEST_F(XmlSerialise, DocumentsAreWrittenLikeThis) {
+    struct Row {
+        std::string read;
+        std::string written;
+    };
+    for (const auto& [read, written] : std::vector<Row>{
+             {"<a><b><c x='1'/>\n\n   <!--d--></b></a>", "<a>\n <b>\n  <c x=\"1\"/>\n  <!--d-->\n </b>\n</a>\n"},
+             {"<?xml version=\"1.0\" encoding=\"utf-8\" standalone=\"yes\" ?>\n<a/>",
+              "<?xml version='1.0' encoding='utf-8' standalone='yes'?>\n<a/>\n"},
+             {"<?xml version='1.0'?><a/>", "<?xml version='1.0'?>\n<a/>\n"},
+             // Blank text is left out, unless it stands in a section.
+             {"<a> <b> \n\t </b><c>&#32;</c><d>\xc2\xa0</d><e><![CDATA[ ]]></e></a>",
+              "<a>\n <b/>\n <c/>\n <d>\xc2\xa0</d>\n <e><![CDATA[ ]]></e>\n</a>\n"},
+             // Line ends are folded, and blanks of attributes are spaces, unless they are referred to.
+             {"<a b='1\r\n2\r3\t4'>x\r\ny\rz<!--p\r\nq--><![CDATA[u\r\nv]]>&#13;&#10;w</a>",
+              "<a b=\"1 2 3 4\">x\ny\nz<!--p\nq--><![CDATA[u\nv]]>&#xd;\nw</a>\n"},
+             {"<a b='&#9;&#10;&#13;&quot;&apos;&lt;&amp;&gt;&amp;lt;' c='&#13;&#10;'>&quot;]]&gt;]&gt;</a>",
+              "<a b=\"&#x9;&#xa;&#xd;&quot;'&lt;&amp;>&amp;lt;\" c=\"&#xd;&#xa;\">\"]]&gt;]></a>\n"},
+             {"<?xml version='1.0' encoding='US-ASCII'?><a b='&amp;#233;'>&amp;#xd83d;&amp;#xde00;</a>",
+              "<?xml version='1.0' encoding='US-ASCII'?>\n<a b=\"&amp;#233;\">&amp;#xd83d;&amp;#xde00;</a>\n"},
+             // Entities are replaced by what they stand for.
+             {"<!DOCTYPE a [<!ENTITY e 'val &#x1F600;'><!ENTITY m '<b c=\"1\">v</b>'><!ATTLIST a d CDATA 'D'>]>"
+              "<a b='&e;'>x&e;y&m;z</a>",
+              "<!DOCTYPE a>\n<a b=\"val \xf0\x9f\x98\x80\">xval \xf0\x9f\x98\x80y<b c=\"1\">v</b>z</a>\n"},
+             // Document types keep their identifiers.
+             {"<!DOCTYPE p:a SYSTEM 'x\"y.dtd?c=1&d=<2'><p:a/>", "<!DOCTYPE p:a SYSTEM 'x\"y.dtd?c=1&d=<2'>\n<p:a/>\n"},
+             {"<!DOCTYPE a PUBLIC \"p'x\" 's\"y' [<!-- c --><?p?>]><a/>", "<!DOCTYPE a PUBLIC \"p'x\" 's\"y'>\n<a/>\n"},
+             {"<!DOCTYPE a SYSTEM ''><a/>", "<!DOCTYPE a SYSTEM ''>\n<a/>\n"}}) {
+        EXPECT_EQ(expectSurvives(read), written);
+    }
 }
 
-TEST_F(XmlSerialise, DeclarationIsThatOfTheDocument) {
-    EXPECT_EQ(saved(load("<?xml version=\"1.0\" encoding=\"utf-8\" standalone=\"yes\" ?>\n<a/>")),
-              "<?xml version='1.0' encoding='utf-8' standalone='yes'?>\n<a/>\n");
-    EXPECT_EQ(saved(load("<?xml version='1.0'?><a/>")), "<?xml version='1.0'?>\n<a/>\n");
-    EXPECT_EQ(saved(load("<a/>")), "<a/>\n");
-}
-
-TEST_F(XmlSerialise, SavingLeavesTheDocumentAsItIs) {
-    const QDomDocument document = load("<?xml version='1.0' encoding='ISO-8859-1'?><a>t<?p q?>u</a>");
+TEST_F(XmlSerialise, DocumentWithoutADeclarationIsWrittenInUtf8AndStaysAsItIs) {
+    const QDomDocument document = load("<a b='\xc3\xa9'>t<?p q?>u</a>");
     const std::string before = treeText(document);
-    const std::string bytes = saved(document);
+    EXPECT_EQ(saved(document), "<a b=\"\xc3\xa9\">t<?p q?>u</a>\n");
     EXPECT_EQ(treeText(document), before);
-    EXPECT_EQ(saved(document), bytes);
-}
-
-TEST_F(XmlSerialise, DocumentWithoutAFileIsWrittenInUtf8) {
-    QDomDocument document;
-    QDomElement root = document.createElement("a");
-    root.setAttribute("b", QString::fromUtf8("\xc3\xa9"));
-    document.appendChild(root);
-    EXPECT_EQ(saved(document), "<a b=\"\xc3\xa9\"/>\n");
     EXPECT_EQ(saved(QDomDocument()), "");
-}
-
-TEST_F(XmlSerialise, EscapesInAttributesSurvive) {
-    const QDomDocument document = load("<a b='&#9;&#10;&#13;&quot;&apos;&lt;&amp;&gt;&amp;lt;' c='&#13;&#10;'/>");
-    EXPECT_EQ(document.documentElement().attribute("b").toStdString(), "\t\n\r\"'<&>&lt;");
-    const QDomElement again = load(saved(document)).documentElement();
-    EXPECT_EQ(again.attribute("b").toStdString(), "\t\n\r\"'<&>&lt;");
-    EXPECT_EQ(again.attribute("c").toStdString(), "\r\n");
-}
-
-TEST_F(XmlSerialise, LineEndsAreFoldedAsTheStandardSays) {
-    const QDomElement root =
-        load("<a b='1\r\n2\r3\t4'>x\r\ny\rz<!--p\r\nq--><![CDATA[u\r\nv]]>&#13;&#10;w</a>").documentElement();
-    EXPECT_EQ(root.attribute("b").toStdString(), "1 2 3 4");
-    EXPECT_EQ(root.text().toStdString(), "x\ny\nzu\nv\r\nw");
-    expectSurvives("<?xml version='1.0'?>\r\n<a>\r\n <b c='1\r\n2'>x\r\ny</b>\r\n <!--p\r\nq--></a>\r\n");
 }
 
 TEST_F(XmlSerialise, TextBehindAnInstructionDoesNotGrow) {
@@ -185,49 +142,6 @@ TEST_F(XmlSerialise, ReferencesInsideCommentsCdataAndInstructionsStayAsTheyAre) 
     EXPECT_NE(bytes.find("<![CDATA[&#xd83d;&#xde00;]]>"), std::string::npos);
     EXPECT_NE(bytes.find("<?p &#xd83d;&#xde00;?>"), std::string::npos);
     EXPECT_NE(bytes.find("b=\"&#x1f600;\""), std::string::npos);
-}
-
-TEST_F(XmlSerialise, TextThatLooksLikeAReferenceStaysText) {
-    const QDomDocument document =
-        load("<?xml version='1.0' encoding='US-ASCII'?><a b='&amp;#233;'>&amp;#xd83d;&amp;#xde00;</a>");
-    EXPECT_EQ(load(saved(document)).documentElement().attribute("b").toStdString(), "&#233;");
-    EXPECT_EQ(load(saved(document)).documentElement().text().toStdString(), "&#xd83d;&#xde00;");
-}
-
-TEST_F(XmlSerialise, DocumentTypesSurviveWithTheirIdentifiers) {
-    for (const std::string type : {"<!DOCTYPE a>", "<!DOCTYPE a SYSTEM 'x\"y.dtd'>", "<!DOCTYPE a SYSTEM \"x'y.dtd\">",
-                                   "<!DOCTYPE a PUBLIC \"p'x\" 's\"y'>", "<!DOCTYPE a SYSTEM ''>"}) {
-        const std::string bytes = expectSurvives(type + "<a/>");
-        const QDomDocumentType before = load(type + "<a/>").doctype();
-        const QDomDocumentType after = load(bytes).doctype();
-        EXPECT_EQ(after.name(), QStringLiteral("a")) << bytes;
-        EXPECT_EQ(after.systemId(), before.systemId()) << bytes;
-        EXPECT_EQ(after.publicId(), before.publicId()) << bytes;
-    }
-    EXPECT_EQ(load("<!DOCTYPE a SYSTEM 'x\"y.dtd'><a/>").doctype().systemId().toStdString(), "x\"y.dtd");
-}
-
-TEST_F(XmlSerialise, EntitiesAreReplacedByWhatTheyStandFor) {
-    const std::string bytes = expectSurvives("<!DOCTYPE a [<!ENTITY e 'val &#x1F600;'><!ENTITY m '<b c=\"1\">v</b>'>"
-                                             "<!ATTLIST a d CDATA 'D'>]><a b='&e;'>x&e;y&m;z</a>");
-    const QDomElement root = load(bytes).documentElement();
-    EXPECT_EQ(root.attribute("b").toStdString(), "val \xf0\x9f\x98\x80");
-    EXPECT_EQ(root.text().toStdString(), "xval \xf0\x9f\x98\x80yvz");
-    EXPECT_EQ(root.firstChildElement("b").attribute("c").toStdString(), "1");
-}
-
-TEST_F(XmlSerialise, BlankTextIsWhatTheTreeLeavesOut) {
-    EXPECT_EQ(saved(load("<a> <b> \n\t </b><c>&#32;</c><d>\xc2\xa0</d><e><![CDATA[ ]]></e></a>")),
-              "<a>\n <b/>\n <c/>\n <d>\xc2\xa0</d>\n <e><![CDATA[ ]]></e>\n</a>\n");
-    EXPECT_EQ(load("<a>  x  </a>").documentElement().text().toStdString(), "  x  ");
-}
-
-TEST_F(XmlSerialise, DeepestDocumentIsWritten) {
-    std::string text;
-    for (int i = 0; i < 256; ++i) {
-        text.insert(0, "<a>").append("</a>");
-    }
-    expectSurvives(text);
 }
 
 TEST_F(XmlSerialise, DeeperDocumentsThanCanBeReadAreNotWritten) {
@@ -288,7 +202,7 @@ TEST_F(XmlSerialise, EncodingsThatChangeTheDeclarationItselfGiveWayToUtf8) {
     }
 }
 
-TEST_F(XmlSerialise, CarriageReturnsOfASectionSurvive) {
+TEST_F(XmlSerialise, CarriageReturnsOfASectionSurviveAsThoseOfAText) {
     const QDomDocument document = load("<!DOCTYPE a [<!ENTITY e '<![CDATA[x&#13;<y]]>'>]><a>&e;</a>");
     EXPECT_EQ(saved(document), "<!DOCTYPE a>\n<a>x&#xd;&lt;y</a>\n");
 }
