@@ -20,12 +20,6 @@ TEST(Angles, WrappingKeepsTheClosedIntervalFromMinusPiToPi) {
     EXPECT_EQ(wrapAngle(2 * kPi), 0.0);
 }
 
-TEST(Angles, WrappingSubtractsATurnWithTheSignOfTheAngle) {
-    EXPECT_DOUBLE_EQ(wrapAngle(4.0), 4.0 - 2 * kPi);
-    EXPECT_DOUBLE_EQ(wrapAngle(-4.0), -4.0 + 2 * kPi);
-    EXPECT_DOUBLE_EQ(wrapAngle(4.0 + 6 * kPi), 4.0 - 2 * kPi);
-}
-
 TEST(Angles, WrappingOfWhatIsNotFiniteIsNaN) {
     EXPECT_TRUE(std::isnan(wrapAngle(std::numeric_limits<double>::quiet_NaN())));
     EXPECT_TRUE(std::isnan(wrapAngle(std::numeric_limits<double>::infinity())));

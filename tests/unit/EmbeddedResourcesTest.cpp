@@ -1,11 +1,7 @@
 #include "EmbeddedResources.h"
-#include "PosConfig.h"
 #include "ProcessWideState.h"
 #include "TemporaryFolder.h"
 #include "fileAccess.h"
-#include "thrown.h"
-#include "xml.h"
-#include "xmlStructure.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -15,7 +11,6 @@
 #include <cstdlib>
 #include <dlfcn.h>
 #include <gmock/gmock.h>
-#include <map>
 
 using namespace pos;
 
@@ -58,21 +53,11 @@ QByteArray sourceOf(const std::string& file) {
     return QByteArray::fromStdString(readBytes(std::string(POS_SOURCE_FOLDER "/pos/positioner/resources/") + file));
 }
 
-std::map<std::string, std::string> attributesOf(const QDomElement& element) {
-    std::map<std::string, std::string> attributes;
-    const QDomNamedNodeMap map = element.attributes();
-    for (int i = 0; i < map.count(); ++i) {
-        attributes[map.item(i).nodeName().toStdString()] = map.item(i).nodeValue().toStdString();
+/** Whether files are served, with the committed bytes; not at all means that no such resource exists. */
+template <std::size_t count> void expectServed(const char* const (&files)[count], bool served) {
+    for (const char* const file : files) {
+        EXPECT_EQ(readFile(std::string(":/") + file), served ? std::optional(sourceOf(file)) : std::nullopt) << file;
     }
-    return attributes;
-}
-
-int countOfFibres(const QDomElement& plate) {
-    int count = 0;
-    for (QDomElement e = plate.firstChildElement("fibre"); !e.isNull(); e = e.nextSiblingElement("fibre")) {
-        ++count;
-    }
-    return count;
 }
 
 /** Leaves both collections registered. */
@@ -137,119 +122,32 @@ TEST_F(EmbeddedResourcesTest, AreTheFiveFilesUnderTheirNames) {
                 ElementsAre("PLATE_A.xml", "PLATE_B.xml", "VEKO.xml", "configure.xml", "focal_plane_map.xml"));
 }
 
-TEST_F(EmbeddedResourcesTest, HoldTheCommittedFilesToTheByte) {
-    for (const char* const file : kAllFiles) {
-        const QByteArray source = sourceOf(file);
-        EXPECT_FALSE(source.isEmpty()) << file;
-        EXPECT_EQ(readFile(std::string(":/") + file), source) << file;
-        EXPECT_EQ(resource(file).uncompressedSize(), source.size()) << file;
-    }
-    EXPECT_EQ(resource("configure.xml").uncompressedSize(), 3802);
-}
-
 TEST_F(EmbeddedResourcesTest, PositionerPlatesAloneAreCompressed) {
-    for (const char* const file : {"PLATE_A.xml", "PLATE_B.xml"}) {
-        EXPECT_EQ(resource(file).compressionAlgorithm(), QResource::ZlibCompression) << file;
-        EXPECT_LT(resource(file).size(), resource(file).uncompressedSize()) << file;
+    for (const char* const file : kAllFiles) {
+        const bool compressed = std::string(file).starts_with("PLATE_");
+        EXPECT_EQ(resource(file).compressionAlgorithm(),
+                  compressed ? QResource::ZlibCompression : QResource::NoCompression)
+            << file;
         EXPECT_EQ(resource(file).uncompressedData(), sourceOf(file)) << file;
     }
-    for (const char* const file : {"configure.xml", "focal_plane_map.xml", "VEKO.xml"}) {
-        EXPECT_EQ(resource(file).compressionAlgorithm(), QResource::NoCompression) << file;
-        EXPECT_EQ(resource(file).size(), sourceOf(file).size()) << file;
-    }
 }
 
-TEST_F(EmbeddedResourcesTest, FocalPlaneMapHoldsItsFigures) {
-    const QDomElement root = loadXmlFile(":/focal_plane_map.xml").documentElement();
-    EXPECT_EQ(root.tagName(), "focal_plane_map");
-    EXPECT_EQ(attributesOf(root),
-              (std::map<std::string, std::string>{{"datamver", "8.00"}, {"focal_length", "11724.24"}}));
-    const QDomElement axes = root.firstChildElement("optical_axis");
-    for (const char* const plate : {"PLATE_A", "PLATE_B", "VEKO"}) {
-        EXPECT_EQ(attributesOf(axes.firstChildElement(plate)),
-                  (std::map<std::string, std::string>{{"x0", "0.0"}, {"y0", "0.0"}, {"r0", "0.0"}}))
-            << plate;
-    }
-    EXPECT_EQ(
-        attributesOf(root.firstChildElement("distortion_coefficients")),
-        (std::map<std::string, std::string>{{"c1", "202.841"}, {"c3", "3.0191"}, {"c5", "-0.0995944"}, {"c7", "0.0"}}));
-}
-
-TEST_F(EmbeddedResourcesTest, DefaultConfigurationIsForTheDataModelOfAllFiles) {
-    const QDomElement root = loadXmlFile(":/configure.xml").documentElement();
-    EXPECT_EQ(root.tagName(), "configure");
-    EXPECT_EQ(attributesOf(root), (std::map<std::string, std::string>{{"datamver", "8.00"}}));
-    for (const char* const file : kAllFiles) {
-        const std::string name = std::string(":/") + file;
-        EXPECT_EQ(loadXmlFile(name).documentElement().attribute("datamver"), "8.00") << name;
-    }
-}
-
-TEST_F(EmbeddedResourcesTest, PlatesHoldTheirFibres) {
-    EXPECT_EQ(countOfFibres(loadXmlFile(":/PLATE_A.xml").documentElement()), 1008);
-    EXPECT_EQ(countOfFibres(loadXmlFile(":/PLATE_B.xml").documentElement()), 1028);
-    const QDomElement veko = loadXmlFile(":/VEKO.xml").documentElement();
-    EXPECT_EQ(veko.tagName(), "plate_definition");
-    EXPECT_EQ(attributesOf(veko),
-              (std::map<std::string, std::string>{
-                  {"centre_x", "0"}, {"centre_y", "0"}, {"orientation", "0"}, {"datamver", "8.00"}}));
-    EXPECT_EQ(countOfFibres(veko), 603);
-}
-
-TEST_F(EmbeddedResourcesTest, RegisteringTwiceIsHarmless) {
+TEST_F(EmbeddedResourcesTest, HoweverOftenACollectionWasRegisteredOrUnregisteredItIsThereOnceOrNotAtAll) {
     for (int repetition = 0; repetition < 2; ++repetition) {
         EXPECT_EQ(qInitResources_config_files(), 1);
         EXPECT_EQ(qInitResources_plate_files(), 1);
     }
-    EXPECT_EQ(QDir(":/").entryList({"*.xml"}, QDir::Files).size(), 5);
-    EXPECT_EQ(readFile(":/configure.xml"), sourceOf("configure.xml"));
-    EXPECT_EQ(readFile(":/VEKO.xml"), sourceOf("VEKO.xml"));
-    // However often it was registered, a collection is there once.
-    EXPECT_EQ(qCleanupResources_config_files(), 1);
-    EXPECT_FALSE(resource("configure.xml").isValid());
-}
-
-TEST_F(EmbeddedResourcesTest, CollectionsComeAndGoIndependently) {
-    EXPECT_EQ(qCleanupResources_config_files(), 1);
-    for (const char* const file : kConfigFiles) {
-        EXPECT_EQ(readFile(std::string(":/") + file), std::nullopt) << file;
-    }
-    for (const char* const file : kPlateFiles) {
-        EXPECT_EQ(readFile(std::string(":/") + file), sourceOf(file)) << file;
+    expectServed(kConfigFiles, true);
+    expectServed(kPlateFiles, true);
+    for (int repetition = 0; repetition < 2; ++repetition) {
+        EXPECT_EQ(qCleanupResources_config_files(), 1);
+        expectServed(kConfigFiles, false);
+        expectServed(kPlateFiles, true);
     }
     EXPECT_EQ(qInitResources_config_files(), 1);
     EXPECT_EQ(qCleanupResources_plate_files(), 1);
-    for (const char* const file : kConfigFiles) {
-        EXPECT_EQ(readFile(std::string(":/") + file), sourceOf(file)) << file;
-    }
-    for (const char* const file : kPlateFiles) {
-        EXPECT_EQ(readFile(std::string(":/") + file), std::nullopt) << file;
-    }
+    expectServed(kConfigFiles, true);
+    expectServed(kPlateFiles, false);
     EXPECT_EQ(qInitResources_plate_files(), 1);
-    for (const char* const file : kAllFiles) {
-        EXPECT_EQ(readFile(std::string(":/") + file), sourceOf(file)) << file;
-    }
-}
-
-TEST_F(EmbeddedResourcesTest, UnregisteringTwiceIsHarmless) {
-    EXPECT_EQ(qCleanupResources_plate_files(), 1);
-    EXPECT_EQ(qCleanupResources_plate_files(), 1);
-    EXPECT_EQ(qInitResources_plate_files(), 1);
-    EXPECT_EQ(readFile(":/PLATE_B.xml"), sourceOf("PLATE_B.xml"));
-}
-
-TEST_F(EmbeddedResourcesTest, ConfigurationStoreNeedsTheCollectionOfConfigurationFiles) {
-    qCleanupResources_config_files();
-    EXPECT_EQ(messageOf([] { const PosConfig config(":/configure.xml", PosConfig::XML); }),
-              "Unable to open config file: :/configure.xml");
-    qInitResources_config_files();
-    EXPECT_NO_THROW(PosConfig(":/configure.xml", PosConfig::XML));
-}
-
-TEST_F(EmbeddedResourcesTest, ConfigurationFileOnDiskCanNameTheEmbeddedBundle) {
-    const TemporaryFolder folder;
-    const std::string name =
-        folder.write("c.xml", "<configure datamver='8.00'><veko_definition>:/VEKO.xml</veko_definition></configure>");
-    const PosConfig config(name.c_str(), PosConfig::XML);
-    EXPECT_EQ(countOfFibres(loadXmlFile(config.getFilename("veko_definition")).documentElement()), 603);
+    expectServed(kPlateFiles, true);
 }
