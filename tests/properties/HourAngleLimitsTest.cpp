@@ -108,7 +108,7 @@ void requireNoLimitBetween(const ObservedField& field, double earliest, double l
 
 } // namespace
 
-RC_GTEST_FIXTURE_PROP(HourAngleLimitsProperty, AtEachLimitAltitudeOrRotatorHasReachedItsOwn, ()) {
+RC_GTEST_FIXTURE_PROP(HourAngleLimitsProperty, AltitudeOrRotatorReachesItsLimitAtBothEndsAndNotBetween, ()) {
     ObservedField field = upAndSetting();
     FocalPlane focalPlane = field.observe();
     const auto [earliest, latest] = field.limits(focalPlane);
@@ -118,12 +118,6 @@ RC_GTEST_FIXTURE_PROP(HourAngleLimitsProperty, AtEachLimitAltitudeOrRotatorHasRe
         const double altitudeMiss = std::fabs(field.altitudeAt(limit) - field.altitudeLimit());
         RC_ASSERT(std::min(altitudeMiss, field.distanceToRotatorLimit(limit)) <= kHourOfParallacticAngle);
     }
-}
-
-RC_GTEST_FIXTURE_PROP(HourAngleLimitsProperty, BetweenTheLimitsNothingIsReached, ()) {
-    ObservedField field = upAndSetting();
-    FocalPlane focalPlane = field.observe();
-    const auto [earliest, latest] = field.limits(focalPlane);
     requireNoLimitBetween(field, earliest, latest);
     for (int look = 1; look < kLooks; ++look) {
         const double hour = earliest + (latest - earliest) * look / kLooks;

@@ -64,18 +64,6 @@ RC_GTEST_FIXTURE_PROP(OpticsProperty, RestoringWhatWasSavedBringsTheModelBackToT
     RC_ASSERT(after.y == before.y);
 }
 
-RC_GTEST_FIXTURE_PROP(OpticsProperty, RestoringWhatIsInUseChangesNothing, ()) {
-    setAnyModel();
-    const StandardCoordinates point = anyPoint();
-    const FocalPlaneCoordinates before(point);
-    const double nominal = FocalPlaneCoordinates::nominalFocalLength();
-    FocalPlaneCoordinates::restore(FocalPlaneCoordinates::save());
-    const FocalPlaneCoordinates after(point);
-    RC_ASSERT(after.x == before.x);
-    RC_ASSERT(after.y == before.y);
-    RC_ASSERT(FocalPlaneCoordinates::nominalFocalLength() == nominal);
-}
-
 RC_GTEST_FIXTURE_PROP(OpticsProperty, FocalPlaneToPlateAndBackRoundTrips, ()) {
     const auto plate = static_cast<PlateName>(*wholeBetween(0, 2).as("plate"));
     PlateCoordinates::setPlate(plate);

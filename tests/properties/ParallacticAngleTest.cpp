@@ -92,12 +92,3 @@ RC_GTEST_FIXTURE_PROP(ParallacticAngleProperty, EastAndWestAreMirrored, ()) {
         RC_ASSERT(std::fabs(second + firstMirrored) <= kAngleTolerance);
     }
 }
-
-RC_GTEST_FIXTURE_PROP(ParallacticAngleProperty, ThePresentAngleLeadsBackToThePresentHour, ()) {
-    const FocalPlane focalPlane = focalPlaneOf(anyPointing(false));
-    RC_PRE(focalPlane.zenithDistance() > rad(0.5));
-    RC_PRE(std::fabs(std::sin(focalPlane.hourAngle())) > 1e-6);
-    const auto [first, second] = focalPlane.parallacticToHour(focalPlane.parallacticAngle());
-    RC_ASSERT(std::fabs(first - focalPlane.hourAngle()) <= kHourAtGreatestAngle ||
-              std::fabs(second - focalPlane.hourAngle()) <= kHourAtGreatestAngle);
-}

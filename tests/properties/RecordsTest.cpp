@@ -1,6 +1,4 @@
 #include "records.h"
-#include "CelestialPositionXML.h"
-#include "Conditions.h"
 #include "ConditionsXML.h"
 #include "ProcessWideState.h"
 #include "SkyMaskXML.h"
@@ -16,20 +14,6 @@ using namespace pos;
 namespace {
 
 class RecordsProperty : public ProcessWideState {};
-
-ICRS throughDocument(const ICRS& position) {
-    const QDomDocument document = emptyDocument("target");
-    saveIcrsXML(position, document.documentElement());
-    const QDomDocument loaded = writtenAndLoaded(document);
-    return createIcrsXML("Target", loaded.documentElement());
-}
-
-Astrometric throughDocument(const Astrometric& place) {
-    const QDomDocument document = emptyDocument("field");
-    saveAstrometricXML(place, document.documentElement());
-    const QDomDocument loaded = writtenAndLoaded(document);
-    return createAstrometricXML("Field centre", loaded.documentElement());
-}
 
 Conditions throughDocument(const Conditions& conditions) {
     const QDomDocument document = emptyDocument("configure");
@@ -55,22 +39,6 @@ Target throughDocument(const Target& target) {
 }
 
 } // namespace
-
-RC_GTEST_FIXTURE_PROP(RecordsProperty, ACataloguePositionKeepsItsDecimals, ()) {
-    const ICRS position = anyCataloguePosition();
-    const ICRS first = throughDocument(position);
-    requireWritten(first, position);
-    requireSettled(throughDocument(first), first);
-}
-
-RC_GTEST_FIXTURE_PROP(RecordsProperty, APlainPlaceKeepsSixDecimals, ()) {
-    const Astrometric place = anyPlace();
-    const Astrometric first = throughDocument(place);
-    requireWritten(first, place);
-    const Astrometric second = throughDocument(first);
-    RC_ASSERT(second.ra == first.ra);
-    RC_ASSERT(second.dec == first.dec);
-}
 
 RC_GTEST_FIXTURE_PROP(RecordsProperty, ConditionsKeepTheWeatherExactlyAndTheEpochToTwoDecimals, ()) {
     const Conditions conditions{*between(-20000.0, 90000.0).as("MJD"), *between(-1e3, 1e3).as("temperature"),

@@ -44,36 +44,11 @@ RC_GTEST_PROP(WrapAngleProperty, IsTheExactRemainderOfATurn, ()) {
     RC_ASSERT(wrapAngle(angle) == remainderOfTurn(angle));
 }
 
-RC_GTEST_PROP(WrapAngleProperty, StaysBetweenMinusPiAndPiAndIsItsOwnWrap, ()) {
-    const double wrapped = wrapAngle(*anyTurns().as("angle"));
-    RC_ASSERT(std::fabs(wrapped) <= kTestPi);
-    RC_ASSERT(wrapAngle(wrapped) == wrapped);
-}
-
-RC_GTEST_PROP(WrapAngleProperty, IsOddInItsAngle, ()) {
-    const double angle = *anyTurns().as("angle");
-    RC_ASSERT(wrapAngle(-angle) == -wrapAngle(angle));
-}
-
 RC_GTEST_FIXTURE_PROP(WrapProperty, PositionAnglesAroundHalfATurnAreKeptWrapped, ()) {
     FocalPlane focalPlane = focalPlaneOf(anyPointing(false));
     const double angle = *nearHalfTurns().as("angle");
     focalPlane.setFieldCentre(focalPlane.fieldCentre(), angle);
     RC_ASSERT(focalPlane.positionAngle() == remainderOfTurn(angle));
-}
-
-RC_GTEST_FIXTURE_PROP(WrapProperty, FullTurnsOfPositionAngleMoveNothingOnThePlate, ()) {
-    const Pointing pointing = anyPointing(false);
-    FocalPlane focalPlane = focalPlaneOf(pointing);
-    const CIRS apparent = placeInField(pointing.centre).toCirs(pointing.conditions.epoch);
-    const double angle = *rc::gen::oneOf(between(kTestPi - 1e-9, kTestPi + 1e-9), anyAngle()).as("angle");
-    focalPlane.setFieldCentre(pointing.centre, angle);
-    const PlateCoordinates once = onPlate(focalPlane, apparent);
-    for (const double turns : {-2.0, -1.0, 1.0, 2.0}) {
-        focalPlane.setFieldCentre(pointing.centre, angle + turns * kTurn);
-        const PlateCoordinates again = onPlate(focalPlane, apparent);
-        RC_ASSERT(std::hypot(again.x - once.x, again.y - once.y) <= kPlateToleranceMm);
-    }
 }
 
 RC_GTEST_FIXTURE_PROP(WrapProperty, HourAnglesAroundHalfATurnAreReachedFromEitherSide, ()) {
