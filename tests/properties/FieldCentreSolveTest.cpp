@@ -55,12 +55,3 @@ RC_GTEST_FIXTURE_PROP(FieldCentreSolveProperty, AnotherModelPointedAtTheCentreFo
     RC_ASSERT(again.x == landed.x);
     RC_ASSERT(again.y == landed.y);
 }
-
-RC_GTEST_FIXTURE_PROP(FieldCentreSolveProperty, ATargetThatIsWantedOnTheAxisBecomesTheCentre, ()) {
-    const Pointing pointing = anyPointing(false);
-    FocalPlane focalPlane = focalPlaneOf(pointing);
-    const Astrometric target = placeInField(pointing.centre);
-    focalPlane.setFieldCentre(target, PlateCoordinates(pointing.plate.x0, pointing.plate.y0));
-    RC_ASSERT(focalPlane.fieldCentre().ra == target.ra);
-    RC_ASSERT(focalPlane.fieldCentre().dec == target.dec);
-}

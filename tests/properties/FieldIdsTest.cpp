@@ -1,8 +1,6 @@
 #include "Field.h"
-#include "FieldXML.h"
 #include "generators.h"
 #include "thrown.h"
-#include "xml.h"
 
 #include <map>
 #include <rapidcheck/gtest.h>
@@ -87,32 +85,4 @@ RC_GTEST_PROP(FieldIdsProperty, AnAssignedIdIsTheSmallestFreeOneAboveTheLast, ()
         last = id;
     }
     requireConsistent(field);
-}
-
-RC_GTEST_PROP(FieldIdsProperty, AFieldReadFromADocumentHasUniqueIdsThatItsElementsCarry, ()) {
-    const auto ids = *rc::gen::container<std::set<int>>(rc::gen::cast<int>(wholeBetween(-5, 20))).as("ids");
-    std::string content;
-    std::size_t unnumbered = 0;
-    for (const int id : ids) {
-        const bool numbered = id != 0 && *rc::gen::arbitrary<bool>();
-        unnumbered += numbered ? 0 : 1;
-        const std::string target = "<target targra='10.000000' targdec='20.000000'" +
-                                   (numbered ? " configid='" + std::to_string(id) + "'" : std::string()) + "/>";
-        content += *rc::gen::arbitrary<bool>() ? "<group>" + target + "</group>" : target;
-    }
-    const QDomDocument document = parseDocument("<field>" + content + "</field>");
-    const auto field = createFieldXML(document.documentElement());
-    requireConsistent(*field);
-    RC_ASSERT(field->configidIndex.size() == ids.size());
-    std::set<std::uint64_t> written;
-    const QDomNodeList targets = document.elementsByTagName("target");
-    for (int i = 0; i < targets.size(); ++i) {
-        const int id = targets.at(i).toElement().attribute("configid").toInt();
-        written.insert(static_cast<std::uint64_t>(std::int64_t{id}));
-    }
-    for (const std::uint64_t id : written) {
-        RC_ASSERT(field->configidIndex.contains(id));
-    }
-    RC_ASSERT(written.size() == ids.size());
-    RC_ASSERT(field->groups.front().size() >= unnumbered);
 }

@@ -74,21 +74,3 @@ RC_GTEST_FIXTURE_PROP(FieldRecordProperty, AFieldKeepsItsTargetsInTheirGroups, (
     RC_ASSERT(second.centre.ra == first.centre.ra);
     RC_ASSERT(second.centre.dec == first.centre.dec);
 }
-
-RC_GTEST_FIXTURE_PROP(FieldRecordProperty, MasksOfABoundFieldAreReadBackWithItsDocument, ()) {
-    Field field = anyField();
-    const QDomDocument document = emptyDocument("fields");
-    field.element = saveFieldXML(field, document);
-    document.documentElement().appendChild(field.element);
-    const auto count = *wholeBetween(0, 4).as("masks");
-    for (std::int64_t i = 0; i < count; ++i) {
-        field.addSkyMask(anyMask());
-    }
-    const Field read = readBack(document);
-    requireWritten(read, field);
-    RC_ASSERT(read.skyMasks.size() == field.skyMasks.size());
-    for (std::size_t i = 0; i < field.skyMasks.size(); ++i) {
-        ::requireWritten(read.skyMasks.at(i).centre, field.skyMasks.at(i).centre);
-        RC_ASSERT(read.skyMasks.at(i).radius == field.skyMasks.at(i).radius);
-    }
-}

@@ -37,15 +37,6 @@ FocalPlane anyFocalPlane(const Pointing& pointing) {
 
 } // namespace
 
-RC_GTEST_FIXTURE_PROP(FocalPlaneRecordProperty, TheSiteReadsBackToItsDecimals, ()) {
-    const Pointing pointing = anyPointing(false);
-    const QDomDocument record = recordOf(anyFocalPlane(pointing));
-    const QDomElement telescope = record.documentElement().firstChildElement("telescope");
-    requireToDecimals(number(telescope, "east_longitude"), pointing.telescope.eastLongitude, 6);
-    requireToDecimals(number(telescope, "latitude"), pointing.telescope.latitude, 5);
-    requireToDecimals(number(telescope, "height"), pointing.telescope.height, 1);
-}
-
 RC_GTEST_FIXTURE_PROP(FocalPlaneRecordProperty, TheOpticsReadBackAsAMap, ()) {
     const FocalPlane focalPlane = anyFocalPlane(anyPointing(false));
     const FocalPlaneCoordinates::params used = FocalPlaneCoordinates::save();

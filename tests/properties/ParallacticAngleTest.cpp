@@ -60,35 +60,3 @@ RC_GTEST_FIXTURE_PROP(ParallacticAngleProperty, EveryHourAngleIsFoundFromItsAngl
     RC_ASSERT(std::fabs(first - hourAngle) <= kHourAtGreatestAngle ||
               std::fabs(second - hourAngle) <= kHourAtGreatestAngle);
 }
-
-RC_GTEST_FIXTURE_PROP(ParallacticAngleProperty, FullTurnsOfTheAngleChangeNothing, ()) {
-    const FieldOfSite field;
-    const FocalPlane focalPlane = field.focalPlane();
-    const double hourAngle = *between(-kTestPi, kTestPi).as("hour angle");
-    const double q = eraHd2pa(hourAngle, focalPlane.tangentDec(), field.latitude);
-    RC_PRE(std::fabs(std::sin(q)) > 1e-6);
-    // Near the greatest angle of a field a rounding of the angle decides whether it is reached.
-    RC_PRE(std::fabs(eraHd2pa(hourAngle + 1e-3, focalPlane.tangentDec(), field.latitude) - q) > 1e-5);
-    const auto [first, second] = focalPlane.parallacticToHour(q);
-    const auto [firstTurned, secondTurned] = focalPlane.parallacticToHour(q + 2 * kTestPi);
-    RC_ASSERT(std::fabs(first - firstTurned) <= kHourOfParallacticAngle);
-    RC_ASSERT(std::isnan(second) == std::isnan(secondTurned));
-    RC_ASSERT(std::isnan(second) || std::fabs(second - secondTurned) <= kHourOfParallacticAngle);
-}
-
-RC_GTEST_FIXTURE_PROP(ParallacticAngleProperty, EastAndWestAreMirrored, ()) {
-    const FieldOfSite field;
-    const FocalPlane focalPlane = field.focalPlane();
-    const double q = *anyAngle().as("parallactic angle");
-    RC_PRE(std::fabs(std::sin(q)) > 1e-12);
-    const auto [first, second] = focalPlane.parallacticToHour(q);
-    const auto [firstMirrored, secondMirrored] = focalPlane.parallacticToHour(-q);
-    RC_ASSERT(std::isnan(second) == std::isnan(secondMirrored));
-    RC_ASSERT(std::isnan(first) == std::isnan(firstMirrored));
-    if (std::isnan(second)) {
-        RC_ASSERT(std::isnan(first) || std::fabs(first + firstMirrored) <= kAngleTolerance);
-    } else {
-        RC_ASSERT(std::fabs(first + secondMirrored) <= kAngleTolerance);
-        RC_ASSERT(std::fabs(second + firstMirrored) <= kAngleTolerance);
-    }
-}

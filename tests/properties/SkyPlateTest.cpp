@@ -55,15 +55,6 @@ RC_GTEST_FIXTURE_PROP(SkyPlateProperty, WithAirTheRoundTripMissesByWhatTheLibrar
     RC_ASSERT(separation(back, libraryBack) <= kRoundTripSky);
 }
 
-RC_GTEST_FIXTURE_PROP(SkyPlateProperty, WithAirThePlateRoundTripsAsFarAsTheLibraryUndoesRefraction, ()) {
-    const Pointing pointing = anyPointing(false);
-    const FocalPlane focalPlane = focalPlaneOf(pointing);
-    const auto [dx, dy] = inDisc(kPlateRadiusMm);
-    const PlateCoordinates position(pointing.plate.x0 + dx, pointing.plate.y0 + dy);
-    const PlateCoordinates back = onPlate(focalPlane, focalPlane.xyToCirs(position));
-    RC_ASSERT(std::hypot(back.x - position.x, back.y - position.y) <= kRefractionRoundTripMm);
-}
-
 RC_GTEST_FIXTURE_PROP(SkyPlateProperty, TheFieldCentreLiesWhereTheOpticalAxisMeetsThePlate, ()) {
     const Pointing pointing = anyPointing(false);
     const FocalPlane focalPlane = focalPlaneOf(pointing);
