@@ -104,19 +104,6 @@ TEST_F(EmbeddedResourcesTest, BothCollectionsUnregisterThemselvesAtExit) {
         testing::ExitedWithCode(0), "unregistered;unregistered;");
 }
 
-TEST_F(EmbeddedResourcesTest, TablesAreOfFormatVersion2) {
-    const std::size_t before = registrations;
-    qInitResources_config_files();
-    qInitResources_plate_files();
-    ASSERT_EQ(registrations, before + 2);
-    EXPECT_EQ(formatVersions[before % formatVersions.size()], 2);
-    EXPECT_EQ(formatVersions[(before + 1) % formatVersions.size()], 2);
-    // The times that version 1 does not hold are served.
-    for (const char* const file : kAllFiles) {
-        EXPECT_TRUE(resource(file).lastModified().isValid()) << file;
-    }
-}
-
 TEST_F(EmbeddedResourcesTest, AreTheFiveFilesUnderTheirNames) {
     EXPECT_THAT(QDir(":/").entryList({"*.xml"}, QDir::Files, QDir::Name),
                 ElementsAre("PLATE_A.xml", "PLATE_B.xml", "VEKO.xml", "configure.xml", "focal_plane_map.xml"));

@@ -20,19 +20,6 @@ Target targetOf(const std::string& name, std::uint64_t configid) {
 
 } // namespace
 
-TEST(Field, BeginsWithOneEmptyGroupAndNoElement) {
-    const Field field({1.5, -0.25});
-    EXPECT_EQ(field.centre.ra, 1.5);
-    EXPECT_EQ(field.centre.dec, -0.25);
-    EXPECT_TRUE(field.configidIndex.empty());
-    ASSERT_EQ(field.groups.size(), 1U);
-    EXPECT_TRUE(field.groups[0].empty());
-    EXPECT_EQ(field.currentGroup, 0U);
-    EXPECT_EQ(field.nextConfigid, 1U);
-    EXPECT_TRUE(field.element.isNull());
-    EXPECT_TRUE(field.skyMasks.empty());
-}
-
 TEST(Field, CannotReplaceOrFindATargetThatItDoesNotHold) {
     Field field({0.0, 0.0});
     EXPECT_EQ(messageOf<std::out_of_range>([&] { field.replaceTarget(targetOf("", 3)); }), "map::at");

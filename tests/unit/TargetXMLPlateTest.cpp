@@ -8,7 +8,6 @@
 #include "attributeText.h"
 #include "xml.h"
 
-#include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
 #include <memory>
@@ -59,21 +58,6 @@ TEST_F(TargetXMLPlate, WritesThePlatePositionAtTheObservationTimeWithThreeDecima
         EXPECT_EQ(attributeText(element, "targx"), fixedPointText(expected.x, 3));
         EXPECT_EQ(attributeText(element, "targy"), fixedPointText(expected.y, 3));
     }
-}
-
-TEST_F(TargetXMLPlate, TheFieldCentreLiesInTheMiddleAndNorthIsUp) {
-    plate_->observationTime = plate_->focalPlane.date();
-    const double ra = plate_->focalPlane.fieldCentre().ra;
-    const double dec = plate_->focalPlane.fieldCentre().dec;
-    const QDomElement centre = updated(5, {ra, dec, 0.0, 0.0, 0.0, 0.0, 0.0});
-    EXPECT_EQ(std::fabs(std::stod(attributeText(centre, "targx"))), 0.0);
-    EXPECT_EQ(std::fabs(std::stod(attributeText(centre, "targy"))), 0.0);
-    // A tenth of a degree is 202.841 / 10 + 3.0191 / 1000 mm by the map; aberration and refraction change that by less
-    // than a part in a thousand, 0.02 mm.
-    const QDomElement north = updated(5, {ra, dec + degreesToRadians(0.1), 0.0, 0.0, 0.0, 0.0, 0.0});
-    EXPECT_NEAR(std::stod(attributeText(north, "targy")), 20.287, 0.02);
-    const QDomElement east = updated(5, {ra + degreesToRadians(0.1) / std::cos(dec), dec, 0.0, 0.0, 0.0, 0.0, 0.0});
-    EXPECT_NEAR(std::stod(attributeText(east, "targx")), -20.287, 0.02);
 }
 
 TEST_F(TargetXMLPlate, AFibreOutsideTheMiniBundlesGetsNoSpaxel) {

@@ -2,7 +2,6 @@
 #include "ProcessWideState.h"
 #include "TemporaryFolder.h"
 #include "xml.h"
-#include "xmlParse.h"
 #include "xmlSerialise.h"
 #include "xmlStructure.h"
 
@@ -10,18 +9,12 @@
 #include <array>
 #include <map>
 #include <random>
-#include <vector>
 
 using namespace pos;
 
-namespace {
-
-constexpr unsigned kSeed = 20160815;
-
-} // namespace
-
 class XmlGenerated : public ProcessWideState {
 protected:
+    static constexpr unsigned kSeed = 20160815;
     TemporaryFolder folder_;
     std::mt19937 random_{kSeed};
     const Choose choose_ = [this](int count) { return std::uniform_int_distribution<int>(0, count - 1)(random_); };

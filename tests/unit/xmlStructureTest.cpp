@@ -64,13 +64,6 @@ TEST_F(XmlLoader, FileNameThatHoldsANulOpensNothing) {
     EXPECT_EQ(failure(existing + std::string("\0.xml", 5)), existing);
 }
 
-TEST_F(XmlLoader, NamesWithUndeclaredPrefixesStayAsTheyAreWritten) {
-    const QDomElement root = loadXmlFile(folder_.write("a.xml", "<p:a q:b='1'><r:c/></p:a>")).documentElement();
-    EXPECT_EQ(root.tagName().toStdString(), "p:a");
-    EXPECT_EQ(root.attribute("q:b").toStdString(), "1");
-    EXPECT_EQ(root.firstChildElement("r:c").tagName().toStdString(), "r:c");
-}
-
 TEST(XmlFinders, TheElementItselfComesFirstThenItsChildrenThenTheDeeperOnesBranchByBranch) {
     EXPECT_EQ(nameOf(findElement(parseElement("<x name='itself'><x/></x>"), "x")), "itself");
     EXPECT_EQ(nameOf(findElement(parseElement("<r><a><x name='deep'/></a><x name='near'/></r>"), "x")), "near");
