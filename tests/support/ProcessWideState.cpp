@@ -1,17 +1,15 @@
 #include "ProcessWideState.h"
 
-#include "FocalPlaneCoordinates.h"
-#include "PlateCoordinates.h"
 #include "Version.h"
-#include "xmlStructure.h"
+#include "pointing.h"
 
 namespace {
 
 void resetProcessWideState() {
     pos::datamver.clear();
-    const QDomDocument map = pos::loadXmlFile(":/focal_plane_map.xml");
-    pos::FocalPlaneCoordinates::initialise(map);
-    pos::PlateCoordinates::initialise(map, pos::PLATE_A);
+    pos::FocalPlaneCoordinates::setOptics(kOptics);
+    pos::FocalPlaneCoordinates::setRotation(0.0);
+    pos::PlateCoordinates::setGeometry({{}, pos::PLATE_A, 0.0});
 }
 
 } // namespace

@@ -1,12 +1,9 @@
 #ifndef POS_TESTS_TESTPOINTING_H
 #define POS_TESTS_TESTPOINTING_H
 
-#include "CelestialPosition.h"
-#include "Conditions.h"
-#include "FocalPlane.h"
-#include "PlateCoordinates.h"
 #include "PosConfig.h"
 #include "angles.h"
+#include "pointing.h"
 
 /** The embedded configuration. */
 inline pos::PosConfig embeddedConfig() {
@@ -18,15 +15,13 @@ inline pos::Conditions ordinaryConditions() {
     return {58941.9, 283.0, 770.0, 0.3};
 }
 
-/** A field centre that culminates near the zenith of the site. */
 inline pos::Astrometric highField() {
-    return {pos::degreesToRadians(150.0), pos::degreesToRadians(30.0)};
+    return kHighField;
 }
 
-/** Where a catalogue position lies on the plate in use, by the conversions one after the other. */
+/** Where a catalogue position lies on the plate in use. */
 inline pos::PlateCoordinates plateOf(const pos::FocalPlane& focalPlane, double date, const pos::ICRS& position) {
-    const pos::CIRS place = position.toAstrometric(date).toCirs(date);
-    return pos::PlateCoordinates(pos::FocalPlaneCoordinates(focalPlane.cirsToStd(place)));
+    return focalPlane.cirsToXy(position.toAstrometric(date).toCirs(date));
 }
 
 #endif

@@ -1,15 +1,7 @@
 #ifndef POS_TESTS_POINTEDMODEL_H
 #define POS_TESTS_POINTEDMODEL_H
 
-#include "FocalPlane.h"
-#include "FocalPlaneCoordinates.h"
-#include "TemporaryFolder.h"
 #include "telescope.h"
-
-#include <erfa.h>
-#include <iomanip>
-#include <sstream>
-#include <string>
 
 /** Where the optical axis meets a plate, and how the plate is turned, as a focal-plane map states it. */
 struct PlateShift {
@@ -27,26 +19,15 @@ struct Pointing {
     PlateShift plate;
 };
 
-/** The distortion of the embedded map, and all three plates shifted and turned alike. */
-inline std::string shiftedMap(const PlateShift& plate) {
-    std::ostringstream axis;
-    axis << std::setprecision(17) << " x0='" << plate.x0 << "' y0='" << plate.y0 << "' r0='" << plate.r0Deg << "'/>";
-    return "<focal_plane_map datamver='8.00' focal_length='11724.24'><optical_axis><PLATE_A" + axis.str() + "<PLATE_B" +
-           axis.str() + "<VEKO" + axis.str() +
-           "</optical_axis><distortion_coefficients c1='202.841' c3='3.0191' c5='-0.0995944'/></focal_plane_map>";
-}
-
-/** The model of a pointing, and with it the process-wide optics and plates. */
+/** The model of a pointing, all three plates shifted and turned alike. */
 inline pos::FocalPlane focalPlaneOf(const Pointing& pointing) {
-    const TemporaryFolder folder;
-    TelescopeSettings telescope = pointing.telescope;
-    telescope.focalPlaneMap = folder.write("map.xml", shiftedMap(pointing.plate));
-    return {telescopeConfig(telescope), pos::VEKO, pointing.centre, pointing.positionAngle, pointing.conditions};
+    const pos::OpticalAxis axis = {pointing.plate.x0, pointing.plate.y0, rad(pointing.plate.r0Deg)};
+    return pointedAt(pointing.centre, pointing.positionAngle, pointing.conditions, telescopeConfig(pointing.telescope),
+                     {{axis, axis, axis}, pos::VEKO, axis.r0});
 }
 
-/** The plate position of an apparent place, by the conversions one after the other. */
 inline pos::PlateCoordinates onPlate(const pos::FocalPlane& focalPlane, pos::CIRS place) {
-    return pos::PlateCoordinates(pos::FocalPlaneCoordinates(focalPlane.cirsToStd(place)));
+    return focalPlane.cirsToXy(place);
 }
 
 /** The angle between two directions, radians. */

@@ -2,17 +2,13 @@
  * The whole way between catalogue and plate against tests/golden/, where astropy's frames and plain vector algebra
  * went the same way. The tables' heads say how they were made.
  */
-#include "FocalPlane.h"
-#include "FocalPlaneCoordinates.h"
-#include "PosConfig.h"
 #include "ProcessWideState.h"
 #include "Spread.h"
-#include "TemporaryFolder.h"
 #include "angles.h"
+#include "pointing.h"
 #include "table.h"
 #include "tolerances.h"
 
-#include <QDomDocument>
 #include <cmath>
 #include <functional>
 
@@ -22,32 +18,28 @@ namespace {
 
 const std::string kGolden = std::string(POS_SOURCE_FOLDER) + "/tests/golden/";
 
-/**
- * A configuration and its focal-plane map in a folder, for one row of sites.csv. The rotation of the plate VEKO is in
- * force for every plate, so that of another has no effect. @return the configuration's name
- */
-std::string writeConfiguration(const TemporaryFolder& folder, const TableRow& site) {
-    const auto element = [&](const std::string& name, const std::string& column) {
-        return "<" + name + ">" + site.text(column) + "</" + name + ">";
-    };
-    const auto attribute = [&](const std::string& name, const std::string& column) {
-        return " " + name + "=\"" + site.text(column) + "\"";
-    };
-    const std::string turn = attribute("r0", "r0_deg");
-    const std::string plateA = attribute("x0", "plate_a_x0") + attribute("y0", "plate_a_y0");
-    const std::string veko = attribute("x0", "veko_x0") + attribute("y0", "veko_y0");
-    const std::string coefficients = attribute("c1", "c1") + attribute("c3", "c3") + attribute("c5", "c5");
-    folder.write(site.text("site") + "_map.xml",
-                 "<focal_plane_map datamver=\"8.00\" focal_length=\"11724.24\">"
-                 "<optical_axis><PLATE_A" +
-                     plateA + " r0=\"-33\"/><PLATE_B x0=\"9\" y0=\"9\" r0=\"9\"/><VEKO" + veko + turn +
-                     "/></optical_axis><distortion_coefficients" + coefficients + "/></focal_plane_map>");
-    return folder.write(site.text("site") + ".xml",
-                        "<configure datamver=\"8.00\"><telescope>" + element("east_longitude", "east_longitude_deg") +
-                            element("latitude", "latitude_deg") + element("height", "height_m") +
-                            element("horizon_limit", "horizon_limit_deg") + "<rotator_offset>0</rotator_offset>" +
-                            "<focal_plane_map>" + site.text("site") + "_map.xml</focal_plane_map>" +
-                            "</telescope></configure>");
+/** A row of sites.csv, pointed as a row of pointings.csv says. */
+FocalPlane pointed(const TableRow& site, const TableRow& pointing) {
+    const Telescope telescope{.eastLongitude = degreesToRadians(site.number("east_longitude_deg")),
+                              .latitude = degreesToRadians(site.number("latitude_deg")),
+                              .height = site.number("height_m"),
+                              .horizonLimit = degreesToRadians(site.number("horizon_limit_deg"))};
+    const Optics optics{kOptics.nominalFocalLength, kOptics.focalLength, site.number("c1"), site.number("c3"),
+                        site.number("c5")};
+    // The rotation of the plate VEKO is in force for every plate, so that of another has no effect.
+    const double rotation = degreesToRadians(site.number("r0_deg"));
+    const PlateGeometry plates{{{{site.number("plate_a_x0"), site.number("plate_a_y0"), -0.5},
+                                 {9.0, 9.0, 0.2},
+                                 {site.number("veko_x0"), site.number("veko_y0"), rotation}}},
+                               pointing.text("plate") == "VEKO" ? VEKO : PLATE_A,
+                               rotation};
+    return {telescope,
+            optics,
+            plates,
+            {pointing.number("centre_ra"), pointing.number("centre_dec")},
+            degreesToRadians(pointing.number("pa_deg")),
+            {pointing.number("mjd_tai"), pointing.number("temperature_k"), pointing.number("pressure_mbar"),
+             pointing.number("humidity")}};
 }
 
 /** Speed of a point of the equator as the Earth turns, over the speed of light. */
@@ -93,8 +85,7 @@ double distanceMm(PlateCoordinates a, const TableRow& row, const std::string& ob
 
 /** Where the row's catalogue place lands. */
 PlateCoordinates landed(const FocalPlane& plane, const TableRow& row) {
-    const Astrometric place = cataloguePlace(row).toAstrometric(plane.date());
-    return PlateCoordinates(FocalPlaneCoordinates(plane.cirsToStd(place.toCirs(plane.date()))));
+    return plane.cirsToXy(cataloguePlace(row).toAstrometric(plane.date()).toCirs(plane.date()));
 }
 
 /** Disagreements by altitude of the field centre, or by declination: each band reaches from its degree to the next. */
@@ -144,20 +135,14 @@ protected:
 
     /** Visits every row of a table with the library pointed as the row's pointing says. */
     void forEach(const std::string& table, const Visit& visit) {
-        const TemporaryFolder folder;
-        std::map<std::string, std::string> configurations;
+        std::map<std::string, TableRow> sites;
         for (const TableRow& site : readTable(kGolden + "sites.csv")) {
-            configurations[site.text("site")] = writeConfiguration(folder, site);
+            sites.emplace(site.text("site"), site);
         }
         const std::vector<TableRow> rows = readTable(kGolden + table);
         for (const TableRow& pointing : readTable(kGolden + "pointings.csv")) {
             SCOPED_TRACE("pointing " + pointing.text("pointing"));
-            const PosConfig config(configurations.at(pointing.text("site")).c_str(), PosConfig::XML);
-            const FocalPlane plane(config, pointing.text("plate") == "VEKO" ? VEKO : PLATE_A,
-                                   {pointing.number("centre_ra"), pointing.number("centre_dec")},
-                                   degreesToRadians(pointing.number("pa_deg")),
-                                   {pointing.number("mjd_tai"), pointing.number("temperature_k"),
-                                    pointing.number("pressure_mbar"), pointing.number("humidity")});
+            const FocalPlane plane = pointed(sites.at(pointing.text("site")), pointing);
             for (const TableRow& row : rows) {
                 if (row.text("pointing") == pointing.text("pointing")) {
                     visit(plane, pointing, row);
