@@ -1,7 +1,7 @@
 #include "configureDocument.h"
 
+#include "PosConfig.h"
 #include "ProcessWideState.h"
-#include "TestPointing.h"
 #include "configuredDocument.h"
 #include "fieldDefinition.h"
 #include "thrown.h"
@@ -16,7 +16,7 @@ class ConfigureDocument : public ProcessWideState {
 protected:
     static QDomDocument configuredInMemory(const std::string& text, const Estimates& estimates = kNothingKnown) {
         QDomDocument document = parseDocument(text);
-        configureDocument(embeddedConfig(), document, estimates);
+        configureDocument(PosConfig(":/configure.xml", PosConfig::XML), document, estimates);
         return document;
     }
 
@@ -46,10 +46,4 @@ TEST_F(ConfigureDocument, TellsABadHourAngleByATypeOfItsOwn) {
     // No document reaches the date of the other such type, see EpochAndHourAngleTest.cpp.
     const std::string document = documentWithConditions(R"(epoch="2024.5" ha="x")");
     EXPECT_EQ(messageOf<BadHourAngle>([&] { configuredInMemory(document); }), "Bad hour angle in XML");
-}
-
-TEST_F(ConfigureDocument, RefusesADocumentWithoutAConfigureElement) {
-    FieldDefinition definition;
-    definition.configure = "";
-    EXPECT_EQ(messageOf([&] { configuredInMemory(definition.text()); }), "Configure element not found");
 }
