@@ -67,54 +67,34 @@ TEST_F(PosConfigTest, KeysAreRelativeToTheRootElementWhateverItsName) {
     EXPECT_EQ(messageOf<ptree_bad_path>([&] { config.get<std::string>("site.a.b"); }), "No such node (site.a.b)");
 }
 
-TEST_F(PosConfigTest, WhatPrecedesTheRootElementIsSkipped) {
-    const PosConfig config = load("<?xml version='1.0' encoding='UTF-8'?>\n<!-- one -->\n<!DOCTYPE c>\n<!-- two -->\n"
-                                  "<c datamver='8.00'><a>1</a></c>\n<!-- three -->\n");
-    EXPECT_EQ(config.get<double>("a"), 1.0);
-    EXPECT_EQ(datamver, "8.00");
+TEST_F(PosConfigTest, FirstElementOfANameAnswersWithItsTextWithoutComments) {
+    const std::pair<std::string, std::string> rows[] = {
+        {"<?xml version='1.0' encoding='UTF-8'?>\n<!-- one -->\n<!DOCTYPE c>\n<!-- two -->\n"
+         "<c datamver='8.00'><a>1</a></c>\n<!-- three -->\n",
+         "1"},
+        {"<one datamver='8.00'><a>1</a></one><two datamver='9.00'><a>2</a></two>", "1"},
+        {"<c datamver='8.00'><a>1</a><a>2</a></c>", "1"},
+        {"<c datamver='8.00'><!-- a --><a><!-- b -->5.5<!-- c --></a></c>", "5.5"},
+        {"<c datamver='8.00'><a>\n 2.5 \n</a></c>", "\n 2.5 \n"},
+        {"<c datamver='8.00'><a>1\r\n2</a></c>", "1\n2"},
+    };
+    for (const auto& [content, text] : rows) {
+        EXPECT_EQ(load(content).get<std::string>("a"), text) << content;
+        EXPECT_EQ(datamver, "8.00");
+    }
+    EXPECT_EQ(load("<c datamver='8.00'><a>\n 2.5 \n</a></c>").get<double>("a"), 2.5);
 }
 
-TEST_F(PosConfigTest, FirstOfTwoRootElementsIsTheStore) {
-    const PosConfig config = load("<one datamver='8.00'><a>1</a></one><two datamver='9.00'><a>2</a></two>");
-    EXPECT_EQ(config.get<double>("a"), 1.0);
-    EXPECT_EQ(datamver, "8.00");
-}
-
-TEST_F(PosConfigTest, FirstOfRepeatedElementsAnswers) {
-    EXPECT_EQ(load("<c datamver='8.00'><a>1</a><a>2</a></c>").get<double>("a"), 1.0);
-}
-
-TEST_F(PosConfigTest, CommentsInsideTheRootDoNotDisturbValues) {
-    const PosConfig config = load("<c datamver='8.00'><!-- a --><a><!-- b -->5.5<!-- c --></a></c>");
-    EXPECT_EQ(config.get<double>("a"), 5.5);
-}
-
-TEST_F(PosConfigTest, TextsKeepTheirBlanksAndNumbersIgnoreThem) {
-    const PosConfig config = load("<c datamver='8.00'><a>\n 2.5 \n</a></c>");
-    EXPECT_EQ(config.get<std::string>("a"), "\n 2.5 \n");
-    EXPECT_EQ(config.get<double>("a"), 2.5);
-}
-
-TEST_F(PosConfigTest, FileIsReadAsText) {
-    EXPECT_EQ(load("<c datamver='8.00'><a>1\r\n2</a></c>").get<std::string>("a"), "1\n2");
-}
-
-TEST_F(PosConfigTest, FirstLoadDefinesTheDataModelVersion) {
+TEST_F(PosConfigTest, FirstLoadDefinesTheDataModelVersionOfAll) {
+    const std::string mismatch = "data model version mismatch";
     load("<c datamver='7.00'/>");
     EXPECT_EQ(datamver, "7.00");
     EXPECT_NO_THROW(load("<c datamver='7.00'/>"));
-    EXPECT_EQ(messageOf([] { const PosConfig config(":/configure.xml", PosConfig::XML); }),
-              "data model version mismatch");
+    EXPECT_EQ(messageOf([] { const PosConfig config(":/configure.xml", PosConfig::XML); }), mismatch);
+    for (const std::string version : {"8.00", "7.0", " 7.00", ""}) {
+        EXPECT_EQ(refusalOf("<c datamver='" + version + "'/>"), mismatch) << version;
+    }
     EXPECT_EQ(datamver, "7.00");
-}
-
-TEST_F(PosConfigTest, SecondLoadWithAnotherDataModelVersionFails) {
-    const PosConfig embedded(":/configure.xml", PosConfig::XML);
-    EXPECT_EQ(refusalOf("<c datamver='7.00'/>"), "data model version mismatch");
-    EXPECT_EQ(refusalOf("<c datamver='8.0'/>"), "data model version mismatch");
-    EXPECT_EQ(refusalOf("<c datamver=' 8.00'/>"), "data model version mismatch");
-    EXPECT_EQ(refusalOf("<c datamver=''/>"), "data model version mismatch");
-    EXPECT_EQ(datamver, "8.00");
 }
 
 TEST_F(PosConfigTest, EmptyDataModelVersionLeavesTheVersionOpen) {
@@ -125,18 +105,11 @@ TEST_F(PosConfigTest, EmptyDataModelVersionLeavesTheVersionOpen) {
 }
 
 TEST_F(PosConfigTest, FileWithoutDataModelVersionIsRefused) {
-    const std::string missing = "No such node (<xmlattr>.datamver)";
-    EXPECT_EQ(refusalOf<ptree_bad_path>("<c/>"), missing);
-    EXPECT_EQ(refusalOf<ptree_bad_path>("<c><d datamver='8.00'/></c>"), missing);
-    EXPECT_EQ(refusalOf<ptree_bad_path>("<c><datamver>8.00</datamver></c>"), missing);
+    for (const std::string content : {"<c/>", "<c><d datamver='8.00'/></c>", "<c><datamver>8.00</datamver></c>", "",
+                                      "<!-- nothing but a comment -->", "<?xml version='1.0'?>\n"}) {
+        EXPECT_EQ(refusalOf<ptree_bad_path>(content), "No such node (<xmlattr>.datamver)") << content;
+    }
     EXPECT_EQ(datamver, "");
-}
-
-TEST_F(PosConfigTest, FileWithoutARootElementHasNoDataModelVersion) {
-    const std::string missing = "No such node (<xmlattr>.datamver)";
-    EXPECT_EQ(refusalOf<ptree_bad_path>(""), missing);
-    EXPECT_EQ(refusalOf<ptree_bad_path>("<!-- nothing but a comment -->"), missing);
-    EXPECT_EQ(refusalOf<ptree_bad_path>("<?xml version='1.0'?>\n"), missing);
 }
 
 TEST_F(PosConfigTest, FileForAnotherProgramVersionIsRefused) {
@@ -147,17 +120,13 @@ TEST_F(PosConfigTest, FileForAnotherProgramVersionIsRefused) {
 }
 
 TEST_F(PosConfigTest, VersionIsTheTextAtTheGivenKey) {
-    const TemporaryFolder folder;
-    const std::string name = folder.write("c.xml", "<c datamver='8.00'><v><w>1.x</w></v></c>");
+    const std::string name = folder_.write("c.xml", "<c datamver='8.00'><v><w>1.x</w></v></c>");
     EXPECT_NO_THROW(PosConfig("v.w", "1.x", name.c_str(), PosConfig::XML));
     EXPECT_NO_THROW(PosConfig("<xmlattr>.datamver", "8.00", name.c_str(), PosConfig::XML));
     EXPECT_EQ(messageOf([&] { PosConfig("v.w", "1.X", name.c_str(), PosConfig::XML); }),
               "config file version mismatch");
-}
-
-TEST_F(PosConfigTest, FileWithoutAProgramVersionIsRefused) {
-    EXPECT_EQ(messageOf<ptree_bad_path>([&] { loadForVersion("3.3.5", "<c datamver='8.00'/>"); }),
-              "No such node (configure_version)");
+    EXPECT_EQ(messageOf<ptree_bad_path>([&] { PosConfig("w", "1.x", name.c_str(), PosConfig::XML); }),
+              "No such node (w)");
 }
 
 TEST_F(PosConfigTest, DataModelVersionIsFixedAndCheckedBeforeTheProgramVersion) {
@@ -233,31 +202,17 @@ TEST_F(PosConfigTest, NullNameMeansTheFileOfTheEnvironmentVariable) {
     EXPECT_EQ(messageOf([] { PosConfig("v", "2", nullptr, PosConfig::XML); }), "config file version mismatch");
 }
 
-TEST_F(PosConfigTest, EnvironmentVariableMayNameAnEmbeddedResource) {
-    const EnvironmentVariable variable("VANTE_POS_CONFIG", ":/configure.xml");
-    EXPECT_EQ(PosConfig(nullptr, PosConfig::XML).get<double>("default_epoch"), 2016.0);
-}
-
-TEST_F(PosConfigTest, NullNameWithoutTheEnvironmentVariableFails) {
-    const EnvironmentVariable variable("VANTE_POS_CONFIG", std::nullopt);
-    const std::string expected = "VANTE_POS_CONFIG environment variable not set";
-    EXPECT_EQ(messageOf([] { const PosConfig config(nullptr, PosConfig::XML); }), expected);
-    EXPECT_EQ(messageOf([] { const PosConfig config(nullptr, PosConfig::INFO); }), expected);
-    EXPECT_EQ(messageOf([] { const PosConfig config("v", "1", nullptr, PosConfig::XML); }), expected);
-}
-
-TEST_F(PosConfigTest, EnvironmentVariableWithoutAFileFails) {
-    const EnvironmentVariable missing("VANTE_POS_CONFIG", "/nonexistent/x.xml");
-    EXPECT_EQ(messageOf([] { const PosConfig config(nullptr, PosConfig::XML); }),
-              "Unable to open config file: /nonexistent/x.xml");
-    const EnvironmentVariable empty("VANTE_POS_CONFIG", "");
-    EXPECT_EQ(messageOf([] { const PosConfig config(nullptr, PosConfig::XML); }), "Unable to open config file: ");
-}
-
-TEST_F(PosConfigTest, EnvironmentVariableIsIgnoredWhenANameIsGiven) {
-    const EnvironmentVariable variable("VANTE_POS_CONFIG", "/nonexistent/x.xml");
-    EXPECT_NO_THROW(PosConfig(":/configure.xml", PosConfig::XML));
-    EXPECT_EQ(openingFailureOf(""), "Unable to open config file: ");
+TEST_F(PosConfigTest, EnvironmentVariableThatIsMissingOrNamesNoFileIsAnError) {
+    for (const auto& [value, message] : {std::pair<std::optional<std::string>, std::string>{
+                                             std::nullopt, "VANTE_POS_CONFIG environment variable not set"},
+                                         {"/nonexistent/x.xml", "Unable to open config file: /nonexistent/x.xml"},
+                                         {"", "Unable to open config file: "}}) {
+        const EnvironmentVariable variable("VANTE_POS_CONFIG", value);
+        EXPECT_EQ(messageOf([] { const PosConfig config(nullptr, PosConfig::XML); }), message);
+        EXPECT_EQ(messageOf([] { const PosConfig config(nullptr, PosConfig::INFO); }), message);
+        EXPECT_EQ(messageOf([] { const PosConfig config("v", "1", nullptr, PosConfig::XML); }), message);
+        EXPECT_NO_THROW(PosConfig(":/configure.xml", PosConfig::XML));
+    }
 }
 
 TEST_F(PosConfigTest, FileOfMoreThanOneMebibyteIsRefused) {

@@ -26,22 +26,13 @@ std::string filenameOf(const std::string& configurationFile) {
 
 } // namespace
 
-TEST_F(PosConfigValuesTest, EmbeddedConfigurationHoldsItsDefaults) {
+TEST_F(PosConfigValuesTest, EmbeddedConfigurationHoldsItsVersionsAndFileNames) {
     const PosConfig config(":/configure.xml", PosConfig::XML);
     const std::pair<const char*, const char*> texts[] = {
         {"<xmlattr>.datamver", "8.00"},
         {"configure_version", "3.3.5"},
         {"default_epoch", "2016.0"},
-        {"telescope.east_longitude", "-17.881639"},
-        {"telescope.latitude", "28.760583"},
-        {"telescope.height", "2332.0"},
-        {"telescope.horizon_limit", "5.0"},
         {"telescope.focal_plane_map", ":/focal_plane_map.xml"},
-        {"telescope.rotator_low_limit", "-135.0"},
-        {"telescope.rotator_high_limit", "135.0"},
-        {"telescope.optimum_rotator_angle.plate_a", "-25.0"},
-        {"telescope.optimum_rotator_angle.plate_b", "25.0"},
-        {"telescope.rotator_offset", "0.0"},
         {"plate_a_definition", ":/PLATE_A.xml"},
         {"plate_b_definition", ":/PLATE_B.xml"},
         {"veko_definition", ":/VEKO.xml"},
@@ -49,32 +40,16 @@ TEST_F(PosConfigValuesTest, EmbeddedConfigurationHoldsItsDefaults) {
     for (const auto& [key, text] : texts) {
         EXPECT_EQ(config.get<std::string>(key), text) << key;
     }
-    EXPECT_EQ(config.get<double>("default_epoch"), 2016.0);
-    EXPECT_EQ(config.get<double>("telescope.height"), 2332.0);
 }
 
 TEST_F(PosConfigValuesTest, EmbeddedConfigurationHoldsTheDitherPatterns) {
     const PosConfig config(":/configure.xml", PosConfig::XML);
     for (const std::string table : {"mifu_dither", "veko_dither"}) {
-        for (const std::string pattern : {"pattern_3", "pattern_4", "pattern_5", "pattern_6", "pattern_-3"}) {
-            for (const std::string axis : {"x", "y"}) {
-                const std::string key = table + "." + pattern + "." + axis;
-                EXPECT_EQ(config.get<std::string>(key).substr(0, 5), "0.00 ") << key;
-            }
+        for (const std::string pattern : {"3", "4", "5", "6", "-3"}) {
+            EXPECT_TRUE(config.get<std::string>(table + ".pattern_" + pattern + ".x").starts_with("0.00 ")) << pattern;
+            EXPECT_TRUE(config.get<std::string>(table + ".pattern_" + pattern + ".y").starts_with("0.00 ")) << pattern;
         }
     }
-}
-
-TEST_F(PosConfigValuesTest, AnglesAreDegreesInTheFileAndRadiansInTheProgram) {
-    const PosConfig config(":/configure.xml", PosConfig::XML);
-    EXPECT_EQ(config.getAngle("telescope.rotator_high_limit"), 2.356194490192345);
-    EXPECT_EQ(config.getAngle("telescope.rotator_low_limit"), -2.356194490192345);
-    EXPECT_EQ(config.getAngle("telescope.east_longitude"), -17.881639 / 180 * kPiOfTheText);
-    EXPECT_EQ(config.getAngle("telescope.latitude"), 28.760583 / 180 * kPiOfTheText);
-    EXPECT_EQ(config.getAngle("telescope.horizon_limit"), 5.0 / 180 * kPiOfTheText);
-    EXPECT_EQ(config.getAngle("telescope.rotator_offset"), 0.0);
-    EXPECT_EQ(config.getAngle("telescope.optimum_rotator_angle.plate_a"), -25.0 / 180 * kPiOfTheText);
-    EXPECT_EQ(config.getAngle("telescope.optimum_rotator_angle.plate_b"), 25.0 / 180 * kPiOfTheText);
 }
 
 TEST_F(PosConfigValuesTest, AnglesAreDividedBeforeTheyAreMultiplied) {
