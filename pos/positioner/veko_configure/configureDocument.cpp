@@ -40,14 +40,6 @@ void saveHourAngleLimits(std::pair<double, double> limits, QDomDocument document
     element.setAttribute(attr::earliest, fixedText(radiansToHours(limits.second), 4));
 }
 
-/** A field of the document on which the bundle has been placed. */
-struct PlacedField {
-    QDomElement element;
-    QDomElement science;
-    std::uint32_t fibre;  ///< for the science target
-    Astrometric pointing; ///< the field centre that puts the science target on the fibre
-};
-
 /**
  * Places the bundle on a field.
  *
@@ -66,13 +58,11 @@ PlacedField placeOnField(Veko& veko, const FibreTargets& fibres, const QDomEleme
 }
 
 /**
- * Configures the bundle on every field. Places it on all of them before it writes the first of their many targets, so a
- * field that cannot be configured costs no time and memory for the targets of those before it.
- *
- * @param defaultEpoch Julian epoch of generated positions, years
+ * Places the bundle on every field. Nothing writes the first of their many targets before that, so a field that cannot
+ * be configured costs no time and memory for the targets of those before it.
  */
-void configureFields(Veko& veko, const QDomElement& root, QDomElement observation, double defaultEpoch) {
-    const FibreTargets fibres(veko, defaultEpoch);
+std::vector<PlacedField> placeOnFields(Veko& veko, const FibreTargets& fibres, const QDomElement& root,
+                                       QDomElement observation) {
     std::vector<PlacedField> fields;
     for (QDomElement element = findFieldElement(root, QDomElement()); !element.isNull();
          element = findFieldElement(root, element)) {
@@ -82,16 +72,14 @@ void configureFields(Veko& veko, const QDomElement& root, QDomElement observatio
         fields.push_back(placeOnField(veko, fibres, element, targets, science, observation));
         observation.clear();
     }
-    for (const PlacedField& field : fields) {
-        veko.focalPlane.setFieldCentre(field.pointing, veko.focalPlane.positionAngle());
-        fibres.save(field.element, field.science, field.fibre);
-    }
+    return fields;
 }
 
 } // namespace
 
-void configureDocument(const PosConfig& config, QDomDocument document, const Estimates& estimates) {
-    const auto defaultEpoch = config.get<double>("default_epoch");
+PlacedDocument placeDocument(Instrument& instrument, QDomDocument document, const Estimates& estimates) {
+    // A configuration that lacks it is told first.
+    static_cast<void>(instrument.config().get<double>("default_epoch"));
     const QDomElement root = document.documentElement();
     const QDomElement observation = findObservationElement(root);
     const double positionAngle = degreesToRadians(observation.attribute(attr::pa).toDouble());
@@ -105,18 +93,29 @@ void configureDocument(const PosConfig& config, QDomDocument document, const Est
     configure.setAttribute(attr::configureVersion, QString::fromStdString(configure_version));
 
     const std::unique_ptr<Field> firstField = createFieldXML(findFieldElement(root, QDomElement()));
-    const std::unique_ptr<Veko> veko =
-        createVekoXML(config, config.getFilename("veko_definition"), *firstField, conditions);
-    FocalPlane& focalPlane = veko->focalPlane;
-    focalPlane.setFieldCentre(focalPlane.fieldCentre(), positionAngle);
-    focalPlane.setHourAngle(hourAngle);
-    const LimitsCalc limits(config, focalPlane, estimates.zenithDistanceLimit);
+    Veko& veko = instrument.pointedVeko(*firstField, conditions);
+    veko.focalPlane.setFieldCentre(veko.focalPlane.fieldCentre(), positionAngle);
+    veko.focalPlane.setHourAngle(hourAngle);
+    const LimitsCalc limits = instrument.limits(estimates.zenithDistanceLimit);
     checkLimits(limits);
 
-    saveConditionsXML(focalPlane.conditions(), focalPlane.hourAngle(), document, configure);
+    saveConditionsXML(veko.focalPlane.conditions(), veko.focalPlane.hourAngle(), document, configure);
     saveHourAngleLimits(limits.hourAngleLimits(), document, configure);
-    saveFocalPlaneXML(focalPlane, document, configure);
-    configureFields(*veko, root, observation, defaultEpoch);
+    saveFocalPlaneXML(veko.focalPlane, document, configure);
+    const FibreTargets& fibres = instrument.fibreTargets();
+    return {veko, fibres, placeOnFields(veko, fibres, root, observation)};
+}
+
+void saveTargets(const PlacedDocument& placed) {
+    for (const PlacedField& field : placed.fields) {
+        placed.veko.focalPlane.setFieldCentre(field.pointing, placed.veko.focalPlane.positionAngle());
+        placed.fibres.save(field.element, field.science, field.fibre);
+    }
+}
+
+void configureDocument(const PosConfig& config, const QDomDocument& document, const Estimates& estimates) {
+    Instrument instrument(config);
+    saveTargets(placeDocument(instrument, document, estimates));
 }
 
 } // namespace pos
