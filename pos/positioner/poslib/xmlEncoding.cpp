@@ -104,4 +104,21 @@ QByteArray decodeXml(const QByteArray& bytes, const std::string& name) {
     return text;
 }
 
+std::optional<QByteArray> encodeXml(const QByteArray& text, const QByteArray& document) {
+    const QByteArray before = decodeXml(document, "");
+    if (document.endsWith(before)) { // as it is, behind a mark
+        return document.left(document.size() - before.size()) + text;
+    }
+    const QTextCodec* const told = encodingByBytes(document);
+    const QTextCodec& encoding = told != nullptr ? *told : *declaredEncoding(declarationAtBeginning(document));
+    const auto encoded = [&encoding](const QString& unicode) { return fromUnicode(encoding, unicode); };
+    for (const QString& mark : {QString(), QString(QChar::ByteOrderMark)}) {
+        QByteArray bytes = encoded(mark + QString::fromUtf8(text));
+        if (encoded(mark + QString::fromUtf8(before)) == document && decodeXml(bytes, "") == text) {
+            return bytes;
+        }
+    }
+    return std::nullopt;
+}
+
 } // namespace pos

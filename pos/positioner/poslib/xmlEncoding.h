@@ -7,6 +7,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <optional>
 #include <string>
 
 class QTextCodec;
@@ -40,6 +41,16 @@ bool isUtf8(const QTextCodec& encoding);
  * @throw std::runtime_error name + " declares an encoding that is not known"
  */
 QByteArray decodeXml(const QByteArray& bytes, const std::string& name);
+
+/**
+ * A text in the encoding of a document, with a byte-order mark if the document has one.
+ *
+ * @param text in UTF-8, without a byte-order mark
+ * @param document what decodeXml takes
+ * @return the bytes; nothing where the encoding cannot hold the text, or would not bring the document's own text back
+ *     to its bytes
+ */
+std::optional<QByteArray> encodeXml(const QByteArray& text, const QByteArray& document);
 
 } // namespace pos
 

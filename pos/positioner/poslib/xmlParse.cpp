@@ -100,18 +100,19 @@ public:
         // The call fails only once parsing has begun.
         static_cast<void>(XML_SetParamEntityParsing(parser_.get(), XML_PARAM_ENTITY_PARSING_ALWAYS));
         if (!parse(text_, XML_TRUE) && contentBegin_ == 0) {
-            fail(0);
+            fail();
         }
         if (contentBegin_ > 0) {
             makeParser();
             const QByteArray documentType = entities_.documentType();
             const auto content =
                 QByteArray::fromRawData(text_.constData() + contentBegin_, text_.size() - contentBegin_);
+            inputBegin_ = contentBegin_ - documentType.size();
             if (!parse(documentType, XML_FALSE) || !parse(content, XML_TRUE)) {
-                fail(contentBegin_ - documentType.size());
+                fail();
             }
         }
-        return {document_, contentBegin_};
+        return {document_, contentBegin_, std::move(tags_)};
     }
 
 private:
@@ -162,8 +163,12 @@ private:
         static_cast<void>(XML_StopParser(parser_.get(), XML_FALSE));
     }
 
-    /** @param offset where the parser's input begins in the text */
-    [[noreturn]] void fail(int offset) {
+    /** Where the parser is in the text, bytes. */
+    int place() const {
+        return inputBegin_ + static_cast<int>(XML_GetCurrentByteIndex(parser_.get()));
+    }
+
+    [[noreturn]] void fail() {
         if (failure_) {
             std::rethrow_exception(failure_);
         }
@@ -177,7 +182,7 @@ private:
         if (error == XML_ERROR_UNDEFINED_ENTITY && isDeclaredElsewhere_) {
             refuseUnknownEntity();
         }
-        throw MalformedXml(name_, offset + static_cast<int>(XML_GetCurrentByteIndex(parser_.get())));
+        throw MalformedXml(name_, place());
     }
 
     [[noreturn]] void refuse(const std::string& what) const {
@@ -247,8 +252,7 @@ private:
     }
 
     void endDoctype() {
-        contentBegin_ =
-            static_cast<int>(XML_GetCurrentByteIndex(parser_.get())) + XML_GetCurrentByteCount(parser_.get());
+        contentBegin_ = place() + XML_GetCurrentByteCount(parser_.get());
         inDoctype_ = false;
         stop();
     }
@@ -293,6 +297,7 @@ private:
         }
         QDomElement element = document_.createElement(texts_.of(name));
         append(element);
+        tags_.push_back(place());
         if (*attributes != nullptr) {
             countNode();
         }
@@ -360,6 +365,8 @@ private:
     int declaredEntities_ = 0;
     int depth_ = 0;
     int contentBegin_ = 0;
+    int inputBegin_ = 0; ///< where the parser's input would begin in the text
+    std::vector<int> tags_;
     bool inDoctype_ = false;
     bool isStandalone_ = false;
     bool isDeclaredElsewhere_ = false; ///< another file may declare entities

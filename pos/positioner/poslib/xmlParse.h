@@ -10,6 +10,7 @@
 #include <QByteArray>
 #include <QDomDocument>
 #include <string>
+#include <vector>
 
 namespace pos {
 
@@ -42,6 +43,8 @@ inline constexpr qint64 kMaxDeclarations = qint64{64} * 1024;
 struct ParsedXml {
     QDomDocument document; ///< the tree
     int contentBegin;      ///< offset of the first byte behind the document type; 0 without one
+    /** Where the tag of each element begins, in document order, bytes; an entity's elements stand at its reference. */
+    std::vector<int> tags;
 };
 
 /**
