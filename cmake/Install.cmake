@@ -1,5 +1,5 @@
-# What `cmake --install` writes, in two components: the program with what its user reads, and the library for those who
-# link it. Everything may be moved as a whole to another prefix afterwards.
+# What `cmake --install` writes, in three components: the program with what its user reads, veko for the people who write
+# documents, and the library for those who link it. Everything may be moved as a whole to another prefix afterwards.
 
 # Debian's folder for libraries names the architecture, below /usr/local as well as below /usr. Everywhere the same
 # folder is used, so that one build serves packages and installations alike.
@@ -9,7 +9,7 @@ endif()
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
-# Installing, and packaging, needs the program and the library, not the tests.
+# Installing, and packaging, needs the programs and the library, not the tests.
 set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
 
 set(program_data "${CMAKE_INSTALL_DATADIR}/veko_configure")
@@ -30,10 +30,11 @@ install(
   COMPONENT program)
 # Beside the examples and the schemas, as in the sources, so that links between them hold.
 install(
-  FILES docs/accuracy.md docs/documents.md docs/input-and-output.md docs/many-documents.md docs/messages.md
-        docs/position.md docs/tutorial.md
+  FILES docs/accuracy.md docs/checks.md docs/documents.md docs/input-and-output.md docs/many-documents.md
+        docs/messages.md docs/position.md docs/tutorial.md
   DESTINATION "${program_data}/docs"
   COMPONENT program)
+install(FILES docs/pictures/check.svg DESTINATION "${program_data}/docs/pictures" COMPONENT program)
 install(FILES examples/many/Makefile DESTINATION "${program_data}/examples/many" COMPONENT program)
 install(PROGRAMS examples/many/configure_all.parallel.sh examples/many/configure_all.slurm
         DESTINATION "${program_data}/examples/many" COMPONENT program)
@@ -43,6 +44,10 @@ install(
         pos/positioner/resources/configure.xml pos/positioner/resources/focal_plane_map.xml
   DESTINATION "${program_data}/instrument"
   COMPONENT program)
+
+install(TARGETS veko RUNTIME COMPONENT tools)
+install(FILES man/veko.1 man/veko-check.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT tools)
+install(FILES completions/veko DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" COMPONENT tools)
 
 # The headers lie in a folder of their own, which is on the consumer's include path: #include "FocalPlane.h".
 set(cmake_folder "${CMAKE_INSTALL_LIBDIR}/cmake/pos")

@@ -1,5 +1,5 @@
-# The Debian packages veko-configure and libpos-dev, one for each component of Install.cmake; tools/build_packages makes
-# them.
+# The Debian packages veko-configure, veko-tools and libpos-dev, one for each component of Install.cmake;
+# tools/build_packages makes them.
 
 # CHANGELOG.md counts the releases of a version of the program, and nothing else does: its newest heading names the
 # version of the packages and their day.
@@ -16,7 +16,7 @@ set(CPACK_POS_DAY "${CMAKE_MATCH_3}")
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
-set(CPACK_COMPONENTS_ALL program development)
+set(CPACK_COMPONENTS_ALL program tools development)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 # Manual pages compressed, and the files that only a Debian package has.
@@ -31,8 +31,8 @@ set(CPACK_DEBIAN_PACKAGE_MAINTAINER "The veko_configure developers <veko-configu
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME veko-configure)
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SHLIBDEPS ON)
-# Completion, checking documents against the schemas, the recipes for many documents.
-set(CPACK_DEBIAN_PROGRAM_PACKAGE_SUGGESTS "bash-completion, libxml2-utils, parallel, make")
+# Completion, checking documents, also against the schemas, the recipes for many documents.
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_SUGGESTS "bash-completion, veko-tools, libxml2-utils, parallel, make")
 set(CPACK_DEBIAN_PROGRAM_DESCRIPTION
     "configures fields for a 603-fibre integral-field unit
 Reads the definition of an observation with the VEKO, the integral-field unit
@@ -42,6 +42,18 @@ per usable fibre, with sky position, plate position and spaxel name.
 .
 With the program come its manual pages, examples, schemas of the documents
 that it reads and writes, and the files of the instrument to begin one's own.")
+
+set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME veko-tools)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION science)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS "bash-completion, veko-configure")
+set(CPACK_DEBIAN_TOOLS_DESCRIPTION
+    "checks field definitions for a 603-fibre integral-field unit
+Finds every problem of a document before veko_configure runs on it: tells the
+line, the column, what is wrong and what to do, as text, JSON or SARIF, and
+mends what can be mended for certain.
+.
+The instrument is compiled in; the package needs no other of this program.")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libpos-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)

@@ -1,4 +1,4 @@
-# Called by CPack when the files of both packages lie in its folder, before it packs them: compresses the manual pages
+# Called by CPack when the files of all packages lie in its folder, before it packs them: compresses the manual pages
 # and adds what Debian expects of a package, /usr/share/doc/PACKAGE and the explained exceptions for lintian.
 
 function(run)
@@ -27,6 +27,7 @@ function(complete_package component package)
 endfunction()
 
 complete_package(program "${CPACK_DEBIAN_PROGRAM_PACKAGE_NAME}")
+complete_package(tools "${CPACK_DEBIAN_TOOLS_PACKAGE_NAME}")
 complete_package(development "${CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME}")
 
 # The files in the packages carry the day of the release.
@@ -37,4 +38,6 @@ if(NOT DEFINED ENV{SOURCE_DATE_EPOCH})
 endif()
 
 # CMake's lists of what was installed would name the files of the packages, as if they had been installed from here.
-file(REMOVE "${CPACK_POS_BUILD}/install_manifest_program.txt" "${CPACK_POS_BUILD}/install_manifest_development.txt")
+foreach(component IN LISTS CPACK_COMPONENTS_ALL)
+  file(REMOVE "${CPACK_POS_BUILD}/install_manifest_${component}.txt")
+endforeach()

@@ -1,6 +1,6 @@
-"""The completion in a real bash: what its function offers, and what the Tab key makes of a line.
+"""The completions in a real bash: what their functions offer, and what the Tab key makes of a line.
 
-Usage: check_completion.py COMPLETION PROGRAM
+Usage: check_completion.py FOLDER_OF_COMPLETIONS VEKO_CONFIGURE VEKO
 """
 
 import os
@@ -12,32 +12,32 @@ import sys
 import tempfile
 import unittest
 
-COMPLETION, PROGRAM = sys.argv[1:]
-os.environ["PATH"] = f"{os.path.dirname(PROGRAM)}:{os.environ['PATH']}"
+COMPLETIONS, PROGRAM, VEKO = sys.argv[1:]
+os.environ["PATH"] = f"{os.path.dirname(PROGRAM)}:{os.path.dirname(VEKO)}:{os.environ['PATH']}"
 FILES = ["field.xml", "FIELD.XML", "fields.txt", "my field.xml", "it's.xml", "folder/inner.xml"]
 
 
-def offered(*words, folder="."):
-    """What the function offers for the last of the words."""
-    script = ". \"$1\"; shift; COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); _veko_configure; " \
+def offered(*words, folder=".", program="veko_configure"):
+    """What the function of a program offers for the last of the words."""
+    script = f". \"$1\"; shift; COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); _{program}; " \
              "printf '%s\\n' \"${COMPREPLY[@]}\""
-    done = subprocess.run(["bash", "-uc", script, "bash", COMPLETION, "veko_configure", *words], cwd=folder,
+    done = subprocess.run(["bash", "-uc", script, "bash", f"{COMPLETIONS}/{program}", program, *words], cwd=folder,
                           check=True, capture_output=True, text=True)
     assert done.stderr == "", done.stderr
     return sorted(done.stdout.split("\n")[:-1]) if done.stdout != "\n" else []
 
 
-def typed(line, folder):
-    """The arguments that the program gets when a line is typed, with its Tabs, into a bash."""
+def typed(line, folder, program="veko_configure"):
+    """The arguments that a program gets when a line is typed, with its Tabs, into a bash."""
     process, terminal = pty.fork()
     if process == 0:
         os.chdir(folder)
         os.environ.update(TERM="dumb", PS1="", INPUTRC="/dev/null", HISTFILE="")
         os.execlp("bash", "bash", "--norc", "--noprofile", "-i")
-    program = "veko_configure() { printf '<%s>' \"$@\"; echo; }"
+    called = f"{program}() {{ printf '<%s>' \"$@\"; echo; }}"
     # The second and the third end are for a line that came out with a quote left open.
     end = "exit\n'\nexit\n\"\nexit\n"
-    os.write(terminal, f". '{COMPLETION}'\n{program}\nveko_configure {line}\n{end}".encode())
+    os.write(terminal, f". '{COMPLETIONS}/{program}'\n{called}\n{program} {line}\n{end}".encode())
     screen = b""
     try:
         while chunk := os.read(terminal, 4096):
@@ -98,6 +98,31 @@ class Completion(unittest.TestCase):
                                 ("-i fol\tin\t", ["-i", "folder/inner.xml"])):
             with self.subTest(line=line):
                 self.assertEqual(typed(line, self.folder), arguments)
+
+    def offered_by_veko(self, *words):
+        return offered(*words, folder=self.folder, program="veko")
+
+    def test_veko_offers_its_commands_and_their_options(self):
+        self.assertEqual(self.offered_by_veko(""), ["check"])
+        self.assertEqual(self.offered_by_veko("-"), ["--help", "--version", "-h"])
+        listing = subprocess.run([VEKO, "check", "--help"], check=True, capture_output=True, text=True).stdout
+        options = re.findall(r"^  (?:(-\w), )?(--\w+)", listing, re.MULTILINE)
+        self.assertIn(("-c", "--config_file"), options)
+        self.assertEqual(self.offered_by_veko("check", "-"), sorted({name for pair in options for name in pair if name}))
+        self.assertEqual(self.offered_by_veko("check", "--strict", "--fo"), ["--format"])
+
+    def test_veko_offers_what_an_option_takes(self):
+        self.assertEqual(self.offered_by_veko("check", "--format", ""), ["json", "sarif", "text"])
+        self.assertEqual(self.offered_by_veko("check", "--format", "=", "j"), ["json"])
+        self.assertEqual(self.offered_by_veko("check", "--color", "a"), ["always", "auto"])
+        self.assertEqual(self.offered_by_veko("check", "--ha", ""), [])
+        self.assertIn("VK105", self.offered_by_veko("check", "--explain", "VK1"))
+
+    def test_veko_offers_files(self):
+        files = sorted(["folder", *(name for name in FILES[:-1] if name.lower().endswith("xml"))])
+        for words in ([], ["-c"], ["--config_file", "="], ["--strict"], ["--ha", "1"], ["field.xml"]):
+            self.assertEqual(self.offered_by_veko("check", *words, ""), files, words)
+        self.assertEqual(typed("ch\tfie\t my\\ f\t", self.folder, "veko"), ["check", "field.xml", "my field.xml"])
 
 
 if __name__ == "__main__":

@@ -17,6 +17,7 @@ import xml.etree.ElementTree as ElementTree
 
 import golden
 
+NAMES = ("veko-configure", "veko-tools", "libpos-dev")
 PACKAGES, CPACK, CONFIGURATION = sys.argv[1:]
 HERE = pathlib.Path(__file__).resolve().parent
 EXAMPLE = "sombrero_south.xml"
@@ -43,10 +44,12 @@ class Packages(unittest.TestCase):
     def setUpClass(cls):
         cls.folder = tempfile.TemporaryDirectory()
         cls.root = pathlib.Path(cls.folder.name)
-        for package in ("veko-configure", "libpos-dev"):
+        for package in NAMES:
             subprocess.run(["dpkg", "-x", package_file(package), cls.root / package], check=True)
         cls.usr = cls.root / "veko-configure" / "usr"
         cls.program = str(cls.usr / "bin" / "veko_configure")
+        cls.tools = cls.root / "veko-tools" / "usr"
+        cls.checker = str(cls.tools / "bin" / "veko")
 
     @classmethod
     def tearDownClass(cls):
@@ -57,8 +60,9 @@ class Packages(unittest.TestCase):
         found = {str(path.relative_to(root)) for path in root.rglob("*") if not path.is_dir()}
         self.assertEqual(found, set(expected))
 
-    def test_the_program_comes_with_the_files_of_its_list(self):
-        self.expect_files("veko-configure", (HERE / "veko-configure.files").read_text().split())
+    def test_the_programs_come_with_the_files_of_their_lists(self):
+        for package in NAMES[:2]:
+            self.expect_files(package, (HERE / f"{package}.files").read_text().split())
 
     def test_the_library_comes_with_the_files_of_its_list_and_every_header(self):
         cache = pathlib.Path(CONFIGURATION).with_name("CMakeCache.txt").read_text()
@@ -69,14 +73,15 @@ class Packages(unittest.TestCase):
         self.expect_files("libpos-dev", listed.split() + [f"usr/include/pos/{header.name}" for header in headers])
 
     def test_everybody_may_read_the_files_and_run_the_program_and_the_recipes(self):
-        for path in [*self.usr.rglob("*"), *(self.root / "libpos-dev").rglob("*")]:
-            run = path.is_dir() or str(path) == self.program or path.name.startswith("configure_all.")
+        for path in [path for package in NAMES for path in (self.root / package).rglob("*")]:
+            run = path.is_dir() or str(path) in (self.program, self.checker) or path.name.startswith("configure_all.")
             self.assertEqual(stat.S_IMODE(path.stat().st_mode), 0o755 if run else 0o644, path)
 
     def test_the_packages_ask_for_the_libraries_that_are_linked(self):
-        runtime = re.sub(r"\s*\([^)]*\)", "", field_of("veko-configure", "Depends")).split(", ")
-        for library in ("libqt5core5a", "libqt5xml5", "liberfa1", "libexpat1", "libboost-program-options1.74.0"):
-            self.assertIn(library, runtime)
+        shared = ["libqt5core5a", "libqt5xml5", "liberfa1", "libexpat1"]
+        for package, libraries in (("veko-configure", [*shared, "libboost-program-options1.74.0"]), ("veko-tools", shared)):
+            runtime = re.sub(r"\s*\([^)]*\)", "", field_of(package, "Depends")).split(", ")
+            self.assertEqual(set(libraries) - set(runtime), set())
         development = field_of("libpos-dev", "Depends")
         for library in ("qtbase5-dev", "liberfa-dev", "libexpat1-dev", "libboost-dev", "libboost-filesystem-dev"):
             self.assertIn(library, development)
@@ -87,7 +92,7 @@ class Packages(unittest.TestCase):
         printed = output_of(self.program, "--version")
         program = re.match(r"VANTE veko_configure version (\S+)\n", printed).group(1)
         self.assertRegex(newest, f"^{re.escape(program)}-[1-9][0-9]*$")
-        for package in ("veko-configure", "libpos-dev"):
+        for package in NAMES:
             self.assertEqual(field_of(package, "Version"), newest)
             self.assertTrue(pathlib.Path(package_file(package)).name.startswith(f"{package}_{newest}_"))
             doc = self.root / package / "usr" / "share" / "doc" / package
@@ -107,19 +112,21 @@ class Packages(unittest.TestCase):
             self.assertEqual(int(release), versions[version], heading)
 
     def test_nobody_invented_a_licence(self):
-        for package in ("veko-configure", "libpos-dev"):
+        for package in NAMES:
             text = (self.root / package / "usr/share/doc" / package / "copyright").read_text()
             self.assertIn("No licence has been chosen", text)
             self.assertNotRegex(text, r"(?i)\b(gpl|lgpl|mit|bsd|apache|mozilla|public domain|common-licenses)\b")
 
     def test_manual_pages_schemas_and_completion_can_be_read(self):
-        for section in "15":
-            page = self.usr / f"share/man/man{section}/veko_configure.{section}.gz"
-            self.assertRegex(gzip.decompress(page.read_bytes()).decode(), rf"(?m)^\.TH \S+ {section}\b")
+        pages = [page for usr in (self.usr, self.tools) for page in usr.glob("share/man/man?/*.gz")]
+        self.assertEqual(len(pages), 4)
+        for page in pages:
+            self.assertRegex(gzip.decompress(page.read_bytes()).decode(), rf"(?m)^\.TH \S+ {page.suffixes[0][1]}\b")
         for schema in (self.usr / "share/veko_configure/schemas").iterdir():
             self.assertEqual(ElementTree.parse(schema).getroot().tag,
                              "{http://relaxng.org/ns/structure/1.0}grammar", schema.name)
-        output_of("bash", "-n", str(self.usr / "share/bash-completion/completions/veko_configure"))
+        for usr, program in ((self.usr, "veko_configure"), (self.tools, "veko")):
+            output_of("bash", "-n", str(usr / "share/bash-completion/completions" / program))
 
     def test_links_between_the_installed_pages_hold(self):
         pages = sorted((self.usr / "share/veko_configure").rglob("*.md"))
@@ -143,6 +150,11 @@ class Packages(unittest.TestCase):
                                          ("targra", SKY_TOLERANCE_DEGREES), ("targdec", SKY_TOLERANCE_DEGREES)):
                 self.assertAlmostEqual(float(target.get(attribute)), float(row[attribute]), delta=tolerance)
 
+    def test_the_checker_finds_nothing_wrong_with_the_installed_examples(self):
+        examples = sorted(self.usr.glob("share/veko_configure/examples/*.xml"))
+        self.assertEqual(output_of(self.checker, "check", "--strict", *examples),
+                         f"{len(examples)} files: 0 errors, 0 warnings\n")
+
     def test_the_installed_instrument_is_the_one_that_is_built_in(self):
         share = self.usr / "share/veko_configure"
         instrument = self.root / "instrument"
@@ -158,7 +170,7 @@ class Packages(unittest.TestCase):
     def test_packing_again_gives_the_same_bytes(self):
         again = self.root / "again"
         subprocess.run([CPACK, "--config", CONFIGURATION, "-B", again], check=True, capture_output=True)
-        for package in ("veko-configure", "libpos-dev"):
+        for package in NAMES:
             self.assertEqual(pathlib.Path(package_file(package, again)).read_bytes(),
                              pathlib.Path(package_file(package)).read_bytes())
 

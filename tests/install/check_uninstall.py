@@ -37,8 +37,8 @@ class Uninstall(unittest.TestCase):
         others = self.prefix / "share" / "man" / "man1" / "other.1"
         others.parent.mkdir(parents=True)
         others.write_text("")
-        self.install("program")
-        self.install("development")
+        for component in ("program", "tools", "development"):
+            self.install(component)
         self.assertGreater(len(everything_below(self.prefix)), 50)
         result = uninstall(self.prefix)
         self.assertEqual((result.returncode, result.stderr), (0, ""))
@@ -61,7 +61,7 @@ class Uninstall(unittest.TestCase):
             result = subprocess.run([UNINSTALL, self.prefix, nothing], capture_output=True, text=True)
         self.assertEqual((result.returncode, result.stdout), (1, ""))
         self.assertEqual(result.stderr, "".join(f"The component {component} is not built in {nothing}, so its files "
-                                                "stay.\n" for component in ("program", "development")))
+                                                "stay.\n" for component in ("program", "tools", "development")))
 
     def test_packing_leaves_no_list_of_installed_files(self):
         for manifest in pathlib.Path(BUILD).glob("install_manifest*.txt"):

@@ -1,6 +1,7 @@
-"""Formats the manual pages: each is of the program's version, and veko_configure(5) tells every name of the schemas.
+"""Formats the manual pages: each is of the program's version, veko_configure(5) tells every name of the schemas, and every
+line of a list of options fits on a terminal.
 
-    check_manual.py PROGRAM
+    check_manual.py PROGRAM VEKO
 """
 import re
 import subprocess
@@ -34,6 +35,9 @@ def main():
     if len(names) < 80:
         problems.append("next to no names were found in the schemas")
     words = set(re.findall(r"[\w-]+", texts["veko_configure.5"]))
+    for command in ([], ["check"]):
+        listing = subprocess.run([sys.argv[2], *command, "--help"], capture_output=True, text=True, check=True).stdout
+        problems += [f"wider than 80 columns: {line}" for line in listing.splitlines() if len(line) > 80]
     finish(problems + [f"veko_configure(5) lacks {name}" for name in names - words])
 
 

@@ -1,6 +1,6 @@
 """Does what a page tells its reader to do, and holds what comes out against what the page shows.
 
-    run_page.py PROGRAM PAGE
+    run_page.py PAGE PROGRAM...
 
 Fenced blocks of a page, in their order:
 
@@ -8,7 +8,7 @@ Fenced blocks of a page, in their order:
   lines, or in a line for any text. A command that fails must be followed by "$ echo $?".
 - a block with a second word, as in "xml field.xml": a file of that name with that text.
 
-Everything happens in a folder of its own that holds a copy of the examples and schemas, with the program in the PATH,
+Everything happens in a folder of its own that holds a copy of the examples and schemas, with the programs in the PATH,
 as the page's own preparations leave it. Other blocks are not run.
 """
 import os
@@ -81,11 +81,12 @@ def run_page(page, folder, environment):
 
 
 def main():
-    program, page = pathlib.Path(sys.argv[1]).resolve(), ROOT / sys.argv[2]
+    page, programs = ROOT / sys.argv[1], [pathlib.Path(program).resolve() for program in sys.argv[2:]]
     with tempfile.TemporaryDirectory() as folder:
         folder = pathlib.Path(folder)
         (folder / "bin").mkdir()
-        (folder / "bin" / "veko_configure").symlink_to(program)
+        for program in programs:
+            (folder / "bin" / program.name).symlink_to(program)
         work = folder / "fields"
         work.mkdir()
         for copied in ("examples", "schemas"):

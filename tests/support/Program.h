@@ -14,10 +14,10 @@ struct ProgramResult {
 
 /** How to start a program. */
 struct ProgramOptions {
-    std::string folder;                   ///< working directory; empty for the test's own
-    std::vector<std::string> environment; ///< "NAME=value" settings on top of the test's own environment
-    std::vector<std::string> wrapper;     ///< a command that is put in front, such as {"setpriv", "--reuid=65534"}
-    std::string shellRedirection;         ///< appended to the command line of a shell, such as ">&-" or "| head -c 9"
+    std::string folder = {};                   ///< working directory; empty for the test's own
+    std::vector<std::string> environment = {}; ///< "NAME=value" settings on top of the test's own environment
+    std::vector<std::string> wrapper = {};     ///< a command that is put in front, such as {"setpriv", "--reuid=65534"}
+    std::string shellRedirection = {}; ///< appended to the command line of a shell, such as ">&-" or "| head -c 9"
 };
 
 /**

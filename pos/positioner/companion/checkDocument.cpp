@@ -1,0 +1,92 @@
+#include "checkDocument.h"
+
+#include "Instrument.h"
+#include "MalformedXml.h"
+#include "RunMessages.h"
+#include "Version.h"
+#include "configureDocument.h"
+#include "pointDocument.h"
+#include "rules.h"
+#include "xmlEncoding.h"
+#include "xmlKeywords.h"
+#include "xmlParse.h"
+#include "xmlSerialise.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace pos {
+
+namespace {
+
+/** The largest document of which the output is known to be within all limits without having been made. */
+constexpr int kSmallDocument = 1024 * 1024;
+
+/** A document that cannot be read, told where reading stopped. */
+void addUnreadable(Problems& problems, int offset, const std::string& message) {
+    problems.add(kUnreadable, {offset, offset + 1}, message, whatToDo(message));
+}
+
+/** The message of the run's failure on a document, which it changes; nothing where it succeeds. */
+std::optional<std::string> failureOf(CheckedDocument& document, QDomDocument tree) {
+    try {
+        if (tree.documentElement().attribute(attr::datamver).toStdString() != datamver) {
+            throw std::runtime_error("Data model version mismatch");
+        }
+        const PlacedDocument placed = placeDocument(document.instrument, tree, document.options.estimates);
+        document.pointing = placed.veko.focalPlane;
+        document.pointed = document.pointing->conditions();
+        if (document.text.utf8().size() > kSmallDocument) {
+            saveTargets(placed);
+            static_cast<void>(serialiseXml(tree));
+        }
+    } catch (const std::exception& error) {
+        return error.what();
+    }
+    return std::nullopt;
+}
+
+void applyRules(const CheckedDocument& document, Problems& problems) {
+    for (const auto* group :
+         {&rulesOfTheRun(), &rulesOfNames(), &rulesOfValues(), &rulesOfPlaces(), &rulesOfPointing()}) {
+        for (const RuleEntry& entry : *group) {
+            entry.find(entry.rule, document, problems);
+        }
+    }
+    const auto tellsFailure = [&](const Problem& problem) {
+        return problem.severity == Severity::Error && problem.message.find(*document.failure) != std::string::npos;
+    };
+    if (document.failure && std::none_of(problems.all().begin(), problems.all().end(), tellsFailure)) {
+        problems.add(kRunFails, document.root.namePlace, *document.failure, whatToDo(*document.failure));
+    }
+}
+
+void checkTree(const SourceText& text, const ParsedXml& parsed, Instrument& instrument, const CheckOptions& options,
+               Problems& problems) {
+    const std::unique_ptr<SourceElement> root = locateElements(text.utf8(), parsed.document, parsed.tags);
+    CheckedDocument document{text, *root, options, instrument};
+    findParts(document);
+    document.failure = failureOf(document, parsed.document.cloneNode().toDocument());
+    pointDocument(document);
+    applyRules(document, problems);
+}
+
+} // namespace
+
+CheckResult checkDocument(const QByteArray& bytes, const std::string& name, Instrument& instrument,
+                          const CheckOptions& options) {
+    Problems problems;
+    QByteArray utf8 = bytes;
+    try {
+        utf8 = decodeXml(bytes, name);
+        const SourceText text(utf8);
+        checkTree(text, parseXml(utf8, name), instrument, options, problems);
+    } catch (const MalformedXml& error) {
+        addUnreadable(problems, error.offset(), error.what());
+    } catch (const std::runtime_error& error) {
+        addUnreadable(problems, 0, error.what());
+    }
+    return {SourceText(utf8), std::move(problems).sorted()};
+}
+
+} // namespace pos

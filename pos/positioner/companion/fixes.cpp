@@ -1,0 +1,114 @@
+#include "fixes.h"
+
+#include "xmlEncoding.h"
+
+#include <QList>
+#include <algorithm>
+#include <stdexcept>
+
+namespace pos {
+
+namespace {
+
+/** A fix brings out another one at the most: a name that was mended is read, and its value then judged. */
+constexpr int kMaxRounds = 8;
+
+/** The text with all fixes but those that overlap one before. */
+QByteArray withFixes(const CheckResult& result) {
+    const QByteArray& before = result.text.utf8();
+    QByteArray after;
+    int copied = 0;
+    for (const Problem& problem : result.problems) {
+        if (problem.fix && problem.place.begin >= copied) {
+            after += before.mid(copied, problem.place.begin - copied) + *problem.fix;
+            copied = problem.place.end;
+        }
+    }
+    return after + before.mid(copied);
+}
+
+/** A stretch of lines, the last one behind it. */
+struct Lines {
+    int begin;
+    int end;
+};
+
+/** The stretches of lines that differ, with three lines around them. */
+std::vector<Lines> hunksOf(const QList<QByteArray>& before, const QList<QByteArray>& after) {
+    constexpr int kContext = 3;
+    std::vector<Lines> hunks;
+    for (int i = 0; i < before.size(); ++i) {
+        if (before.at(i) == after.at(i)) {
+            continue;
+        }
+        const Lines lines{std::max(0, i - kContext), std::min(before.size(), i + kContext + 1)};
+        if (!hunks.empty() && lines.begin <= hunks.back().end) {
+            hunks.back().end = lines.end;
+        } else {
+            hunks.push_back(lines);
+        }
+    }
+    return hunks;
+}
+
+/** The lines of a document with their ends. */
+QList<QByteArray> linesOf(const QByteArray& text) {
+    QList<QByteArray> lines = text.split('\n');
+    for (int i = 0; i + 1 < lines.size(); ++i) {
+        lines[i] += '\n';
+    }
+    if (lines.back().isEmpty()) {
+        lines.removeLast();
+    }
+    return lines;
+}
+
+QByteArray diffLine(char mark, const QByteArray& line) {
+    return mark + line + (line.endsWith('\n') ? "" : "\n\\ No newline at end of file\n");
+}
+
+} // namespace
+
+std::optional<QByteArray> mendedDocument(const QByteArray& bytes, const CheckResult& result, const std::string& name,
+                                         Instrument& instrument, const CheckOptions& options) {
+    QByteArray text = withFixes(result);
+    for (int round = 0; round < kMaxRounds && text != result.text.utf8(); ++round) {
+        const std::optional<QByteArray> mended = encodeXml(text, bytes);
+        if (!mended) {
+            throw std::runtime_error(name + " cannot be mended in its encoding");
+        }
+        const CheckResult again = checkDocument(*mended, name, instrument, options);
+        const QByteArray next = withFixes(again);
+        if (next == text) {
+            return mended;
+        }
+        text = next;
+    }
+    return std::nullopt;
+}
+
+QByteArray unifiedDiff(const QByteArray& before, const QByteArray& after, const std::string& name) {
+    const QList<QByteArray> oldLines = linesOf(before);
+    const QList<QByteArray> newLines = linesOf(after);
+    QByteArray diff = "--- " + QByteArray::fromStdString(name) + "\n+++ " + QByteArray::fromStdString(name) + '\n';
+    for (const Lines& hunk : hunksOf(oldLines, newLines)) {
+        const QByteArray range = QByteArray::number(hunk.begin + 1) + ',' + QByteArray::number(hunk.end - hunk.begin);
+        diff += "@@ -" + range + " +" + range + " @@\n";
+        for (int i = hunk.begin; i < hunk.end;) {
+            if (oldLines.at(i) == newLines.at(i)) {
+                diff += diffLine(' ', oldLines.at(i++));
+                continue;
+            }
+            int changed = i;
+            for (; changed < hunk.end && oldLines.at(changed) != newLines.at(changed); ++changed) {
+                diff += diffLine('-', oldLines.at(changed));
+            }
+            for (; i < changed; ++i) {
+                diff += diffLine('+', newLines.at(i));
+            }
+        }
+    }
+    return diff;
+}
+
+} // namespace pos

@@ -1,0 +1,205 @@
+#include "checkCommand.h"
+
+#include "Instrument.h"
+#include "OutputFile.h"
+#include "PosConfig.h"
+#include "Version.h"
+#include "angles.h"
+#include "catalogueJson.h"
+#include "fileAccess.h"
+#include "fixes.h"
+#include "problemJson.h"
+#include "problemSarif.h"
+#include "problemText.h"
+#include "rules.h"
+#include "sharedOptions.h"
+
+#include <algorithm>
+#include <iostream>
+#include <iterator>
+#include <memory>
+#include <stdexcept>
+
+namespace pos {
+
+namespace {
+
+/** What the arguments ask for. */
+struct CheckArguments {
+    std::vector<std::string> files;
+    RunOptions run;
+    double fieldRadius = 1.0; ///< degrees
+    std::string format = "text";
+    std::string colour = "auto";
+    std::string explain;
+    bool list = false;
+    bool strict = false;
+    bool fix = false;
+    bool diff = false;
+};
+
+/** The exit statuses of the command. */
+enum Status { kClean = 0, kProblems = 1, kTrouble = 2 };
+
+int list(const std::string& format) {
+    if (format == "json") {
+        std::cout << catalogueJson(allRules());
+        return kClean;
+    }
+    for (const Rule* rule : allRules()) {
+        std::cout << rule->code << "  " << severityWord(rule->severity)
+                  << std::string(9 - std::string(severityWord(rule->severity)).size(), ' ') << rule->title << '\n';
+    }
+    return kClean;
+}
+
+int explain(const std::string& code, const std::string& format) {
+    const std::vector<const Rule*> rules = allRules();
+    const auto found = std::find_if(rules.begin(), rules.end(), [&](const Rule* rule) { return rule->code == code; });
+    if (found == rules.end()) {
+        std::cerr << "There is no rule " << code << "; veko check --list names all" << std::endl;
+        return kTrouble;
+    }
+    const Rule& rule = **found;
+    if (format == "json") {
+        std::cout << catalogueJson({&rule});
+        return kClean;
+    }
+    std::cout << rule.code << " (" << severityWord(rule.severity) << "): " << rule.title << "\n\n"
+              << rule.explanation << '\n';
+    if (*rule.wrong != '\0') {
+        std::cout << "\nWrong:\n    " << rule.wrong << "\nRight:\n    " << rule.right << '\n';
+    }
+    return kClean;
+}
+
+/** The bytes of a file, or of the standard input for "-". @throw std::runtime_error where they cannot be had */
+QByteArray bytesOf(const std::string& name) {
+    if (name == "-") {
+        const std::string all{std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>()};
+        return QByteArray::fromStdString(all);
+    }
+    const std::optional<QByteArray> content = readFile(name);
+    if (!content) {
+        throw std::runtime_error(name + " could not be opened");
+    }
+    return *content;
+}
+
+/** Checks a file. With --fix it is mended, and what is left is told; with --diff its mended form is shown. */
+CheckResult checkFile(const std::string& name, const CheckArguments& arguments, Instrument& instrument,
+                      const CheckOptions& options) {
+    const QByteArray bytes = bytesOf(name);
+    CheckResult result = checkDocument(bytes, name, instrument, options);
+    if (!arguments.fix && !arguments.diff) {
+        return result;
+    }
+    const std::optional<QByteArray> mended = mendedDocument(bytes, result, name, instrument, options);
+    if (!mended) {
+        return result;
+    }
+    if (arguments.diff) {
+        const QByteArray shown = unifiedDiff(bytes, *mended, name);
+        std::cout.write(shown.constData(), shown.size());
+        return result;
+    }
+    writeFile(name, *mended);
+    return checkDocument(*mended, name, instrument, options);
+}
+
+std::ptrdiff_t count(const std::vector<CheckedFile>& files, Severity severity) {
+    std::ptrdiff_t number = 0;
+    for (const CheckedFile& file : files) {
+        number += std::count_if(file.result.problems.begin(), file.result.problems.end(),
+                                [severity](const Problem& problem) { return problem.severity == severity; });
+    }
+    return number;
+}
+
+std::string plural(std::ptrdiff_t number, const std::string& noun) {
+    return std::to_string(number) + ' ' + noun + (number == 1 ? "" : "s");
+}
+
+void printText(const std::vector<CheckedFile>& files, const TextStyle& style) {
+    for (const CheckedFile& file : files) {
+        for (const Problem& problem : file.result.problems) {
+            std::cout << problemText(problem, file.result.text, file.name, style) << '\n';
+        }
+    }
+    std::cout << plural(static_cast<std::ptrdiff_t>(files.size()), "file") << ": "
+              << plural(count(files, Severity::Error), "error") << ", "
+              << plural(count(files, Severity::Warning), "warning") << '\n';
+}
+
+int check(const CheckArguments& arguments) {
+    if (arguments.list) {
+        return list(arguments.format);
+    }
+    if (!arguments.explain.empty()) {
+        return explain(arguments.explain, arguments.format);
+    }
+    const PosConfig config("configure_version", configure_version, arguments.run.configFile.c_str(), PosConfig::XML);
+    Instrument instrument(config);
+    const CheckOptions options{arguments.run.estimates(), degreesToRadians(arguments.fieldRadius)};
+    bool isTrouble = false;
+    std::vector<CheckedFile> files;
+    for (const std::string& name : arguments.files) {
+        try {
+            files.push_back({name, checkFile(name, arguments, instrument, options)});
+        } catch (const std::runtime_error& error) {
+            std::cerr << error.what() << std::endl;
+            isTrouble = true;
+        }
+    }
+    if (arguments.diff) {
+        return isTrouble ? kTrouble : kClean;
+    }
+    if (arguments.format == "json") {
+        std::cout << problemJson(files);
+    } else if (arguments.format == "sarif") {
+        std::cout << problemSarif(files);
+    } else {
+        printText(files, {terminalWidth(), useColour(arguments.colour)});
+    }
+    const bool isBad = count(files, Severity::Error) > 0 || (arguments.strict && count(files, Severity::Warning) > 0);
+    return isTrouble ? kTrouble : isBad ? kProblems : kClean;
+}
+
+} // namespace
+
+Command addCheckCommand(CLI::App& program) {
+    const auto arguments = std::make_shared<CheckArguments>();
+    CLI::App* const command = program.add_subcommand("check", "find every problem of field definitions");
+    command->add_option("FILE", arguments->files, "field definitions; - is the standard input")->type_name("");
+    addRunOptions(*command, arguments->run);
+    command->add_option("--field_radius", arguments->fieldRadius, "how far apart places of a field may be")
+        ->check(CLI::PositiveNumber)
+        ->type_name("DEGREES")
+        ->capture_default_str();
+    command->add_option("--format", arguments->format, "form of what is found")
+        ->check(CLI::IsMember({"text", "json", "sarif"}))
+        ->type_name("text|json|sarif")
+        ->capture_default_str();
+    addColourOption(*command, arguments->colour);
+    command->add_flag("--strict", arguments->strict, "count warnings as errors");
+    CLI::Option* const fix = command->add_flag("--fix", arguments->fix, "mend in place what can be mended for certain");
+    command->add_flag("--diff", arguments->diff, "show what --fix would change")->excludes(fix);
+    command->add_flag("--list", arguments->list, "list every rule");
+    command->add_option("--explain", arguments->explain, "explain a rule")->type_name("CODE");
+    command->callback([arguments] {
+        const bool isAboutRules = arguments->list || !arguments->explain.empty();
+        if (arguments->files.empty() && !isAboutRules) {
+            throw CLI::RequiredError("FILE");
+        }
+        const std::vector<std::string>& files = arguments->files;
+        if (arguments->fix && std::find(files.begin(), files.end(), "-") != files.end()) {
+            throw CLI::ValidationError("--fix", "the standard input cannot be mended in place");
+        }
+        if (isAboutRules && arguments->format == "sarif") {
+            throw CLI::ValidationError("--format", "the rules are told as text or json");
+        }
+    });
+    return {command, [arguments] { return check(*arguments); }};
+}
+
+} // namespace pos

@@ -1,0 +1,25 @@
+/**
+ * @file
+ * The commands of veko.
+ */
+#ifndef POS_COMMANDS_H
+#define POS_COMMANDS_H
+
+#include <CLI/App.hpp>
+#include <functional>
+#include <vector>
+
+namespace pos {
+
+/** A command that is part of the program. */
+struct Command {
+    CLI::App* arguments;      ///< parses them
+    std::function<int()> run; ///< does what they ask for. @return the exit status
+};
+
+/** Adds every command to the program. */
+std::vector<Command> addCommands(CLI::App& program);
+
+} // namespace pos
+
+#endif

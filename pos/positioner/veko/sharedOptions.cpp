@@ -1,0 +1,70 @@
+#include "sharedOptions.h"
+
+#include "angles.h"
+
+#include <cmath>
+#include <cstdlib>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace pos {
+
+namespace {
+
+/** Refuses "nan" and "inf". */
+const CLI::Validator& finite() {
+    static const CLI::Validator validator(
+        [](const std::string& text) {
+            double value = 0.0;
+            const bool isFinite = CLI::detail::lexical_cast(text, value) && std::isfinite(value);
+            return isFinite ? std::string() : "'" + text + "' is not a finite number";
+        },
+        "");
+    return validator;
+}
+
+constexpr const char* kGroup = "As in veko_configure";
+
+CLI::Option* addNumber(CLI::App& command, const std::string& name, double& value, const std::string& description,
+                       const std::string& unit) {
+    return command.add_option(name, value, description)->check(finite())->type_name(unit)->group(kGroup);
+}
+
+} // namespace
+
+Estimates RunOptions::estimates() const {
+    return {epoch, hourAngle, pressure, degreesToRadians(90 - horizonLimit)};
+}
+
+void addRunOptions(CLI::App& command, RunOptions& options) {
+    command.add_option("-c,--config_file", options.configFile, "configuration file")
+        ->type_name("FILE")
+        ->capture_default_str()
+        ->group(kGroup);
+    addNumber(command, "--epoch", options.epoch, "Julian epoch of the observation; 0: the document's", "YEARS");
+    addNumber(command, "--ha", options.hourAngle, "hour angle of the observation; 100: the document's", "HOURS");
+    addNumber(command, "--pressure", options.pressure, "pressure at the telescope; 0: the document's", "MBAR");
+    addNumber(command, "--horizon_limit", options.horizonLimit, "lowest elevation of a field", "DEGREES")
+        ->capture_default_str();
+}
+
+void addColourOption(CLI::App& command, std::string& colour) {
+    command.add_option("--color", colour, "when to colour the text")
+        ->check(CLI::IsMember({"auto", "always", "never"}))
+        ->type_name("auto|always|never")
+        ->capture_default_str();
+}
+
+bool useColour(const std::string& colour) {
+    const char* const noColour = std::getenv("NO_COLOR");
+    const bool isPlain = noColour != nullptr && *noColour != '\0';
+    return colour == "always" || (colour == "auto" && !isPlain && ::isatty(STDOUT_FILENO) == 1);
+}
+
+int terminalWidth() {
+    constexpr int kNoTerminal = 100;
+    struct winsize size {};
+    return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : kNoTerminal;
+}
+
+} // namespace pos

@@ -1,0 +1,42 @@
+/**
+ * @file
+ * Options that mean the same to every command.
+ */
+#ifndef POS_SHAREDOPTIONS_H
+#define POS_SHAREDOPTIONS_H
+
+#include "Estimates.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <string>
+
+namespace pos {
+
+/** The instrument and the estimates, as veko_configure has them. */
+struct RunOptions {
+    std::string configFile = ":/configure.xml";
+    double epoch = kNotGiven;              ///< Julian epoch, years
+    double hourAngle = kHourAngleNotGiven; ///< hours
+    double pressure = kNotGiven;           ///< millibar
+    double horizonLimit = 25.0;            ///< degrees
+
+    Estimates estimates() const;
+};
+
+/** Adds the options of the run to a command. @param options must live as long as the command */
+void addRunOptions(CLI::App& command, RunOptions& options);
+
+/** When text is coloured: "auto", "always" or "never". */
+void addColourOption(CLI::App& command, std::string& colour);
+
+/** Whether to colour what goes to the standard output: "auto" is a terminal where NO_COLOR is not set. */
+bool useColour(const std::string& colour);
+
+/** The width of the terminal that the standard output is; 100 columns where it is none. */
+int terminalWidth();
+
+} // namespace pos
+
+#endif

@@ -1,0 +1,106 @@
+#include "Program.h"
+#include "TemporaryFolder.h"
+#include "checked.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+namespace {
+
+ProgramResult check(std::vector<std::string> arguments, const ProgramOptions& options = {}) {
+    arguments.insert(arguments.begin(), {VEKO_EXECUTABLE, "check"});
+    return runCommand(arguments, options);
+}
+
+std::string replaced(std::string text, const std::string& part, const std::string& replacement) {
+    return text.replace(text.find(part), part.size(), replacement);
+}
+
+const std::string kWrong =
+    replaced(kFaultless,
+             R"(<conditions epoch="2027.25" temperature="281.5" pressure="770" relative_humidity="0.25" ha="-1.0"/>)",
+             R"(<conditions epoch="2027.25" ha="west"/>)");
+
+} // namespace
+
+TEST(CheckCommand, AFaultlessDocumentEndsWithStatusZeroAndASummary) {
+    const TemporaryFolder folder;
+    const ProgramResult result = check({folder.write("f.xml", kFaultless)});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, "1 file: 0 errors, 0 warnings\n");
+    EXPECT_EQ(result.err, "");
+}
+
+TEST(CheckCommand, AnErrorEndsWithStatusOne) {
+    const TemporaryFolder folder;
+    folder.write("f.xml", kWrong);
+    const ProgramResult result = check({"f.xml"}, {.folder = folder.name()});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, R"(f.xml:5:33: error: Bad hour angle in XML: 'west' [VK105]
+    5 | <conditions epoch="2027.25" ha="west"/>
+      |                                 ^~~~
+help: Write hours, or leave it out for 0, or give `--ha`
+
+1 file: 1 error, 0 warnings
+)");
+    EXPECT_EQ(result.err, "");
+}
+
+TEST(CheckCommand, WhatCannotBeCheckedEndsWithStatusTwoAndTheOthersAreChecked) {
+    const TemporaryFolder folder;
+    folder.write("f.xml", kFaultless);
+    const ProgramResult result = check({"missing.xml", "f.xml"}, {.folder = folder.name()});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.out, "1 file: 0 errors, 0 warnings\n");
+    EXPECT_EQ(result.err, "missing.xml could not be opened\n");
+    for (const std::vector<std::string>& bad : std::vector<std::vector<std::string>>{{},
+                                                                                     {"--unknown", "f.xml"},
+                                                                                     {"--ha", "nan", "f.xml"},
+                                                                                     {"--fix", "--diff", "f.xml"},
+                                                                                     {"--explain", "VK000"}}) {
+        EXPECT_EQ(check(bad, {.folder = folder.name()}).status, 2) << testing::PrintToString(bad);
+    }
+}
+
+TEST(CheckCommand, ReadsTheStandardInputAndTheOptionsOfTheRun) {
+    const TemporaryFolder folder;
+    folder.write("f.xml", kWrong);
+    EXPECT_EQ(check({"-"}, {.folder = folder.name(), .shellRedirection = "< f.xml"}).status, 1);
+    EXPECT_EQ(check({"--ha", "-0.5", "f.xml"}, {.folder = folder.name()}).status, 0);
+}
+
+TEST(CheckCommand, JsonHoldsEveryProblemAndNothingElse) {
+    const TemporaryFolder folder;
+    folder.write("f.xml", kWrong);
+    const ProgramResult result = check({"--format", "json", "f.xml"}, {.folder = folder.name()});
+    EXPECT_EQ(nlohmann::json::parse(result.out), nlohmann::json::parse(R"({"version": 1, "documents": [{"file": "f.xml",
+        "problems": [{"code": "VK105", "severity": "error", "line": 5, "column": 33, "endLine": 5, "endColumn": 36,
+        "message": "Bad hour angle in XML: 'west'", "help": "Write hours, or leave it out for 0, or give `--ha`",
+        "fix": null}], "errors": 1, "warnings": 0}]})"));
+}
+
+TEST(CheckCommand, FixMendsTheFileAndASecondTimeChangesNothing) {
+    const TemporaryFolder folder;
+    folder.write("f.xml", replaced(kFaultless, "8.00", "8.0"));
+    const ProgramResult diff = check({"--diff", "f.xml"}, {.folder = folder.name()});
+    EXPECT_EQ(diff.status, 0);
+    EXPECT_EQ(diff.out, "--- f.xml\n+++ f.xml\n@@ -1,5 +1,5 @@\n <?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                        "-<field_definition datamver=\"8.0\">\n+<field_definition datamver=\"8.00\">\n"
+                        " <observation pa=\"0\">\n <configure>\n <conditions epoch=\"2027.25\" temperature=\"281.5\" "
+                        "pressure=\"770\" relative_humidity=\"0.25\" ha=\"-1.0\"/>\n");
+    for (int time = 0; time < 2; ++time) {
+        EXPECT_EQ(check({"--fix", "f.xml"}, {.folder = folder.name()}).status, 0);
+        EXPECT_EQ(folder.read("f.xml"), kFaultless);
+    }
+}
+
+TEST(CheckCommand, ListsAndExplainsItsRules) {
+    const ProgramResult list = check({"--list"});
+    EXPECT_EQ(list.status, 0);
+    EXPECT_NE(list.out.find("VK105  error    The hour angle is not a number\n"), std::string::npos) << list.out;
+    const ProgramResult explained = check({"--explain", "VK105"});
+    EXPECT_EQ(explained.status, 0);
+    EXPECT_NE(explained.out.find("\nWrong:\n    <conditions epoch=\"2027.25\" ha=\"west\"/>\nRight:\n"),
+              std::string::npos)
+        << explained.out;
+}

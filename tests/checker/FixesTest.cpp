@@ -1,0 +1,50 @@
+#include "fixes.h"
+
+#include "Program.h"
+#include "TemporaryFolder.h"
+#include "checked.h"
+
+#include <QTextCodec>
+#include <gtest/gtest.h>
+
+using namespace pos;
+
+namespace {
+
+/** The faultless document with a version, and with other text that must stay. */
+QString documentWith(const QString& version) {
+    QString document = QString::fromStdString(kFaultless);
+    document.replace(QStringLiteral("encoding=\"UTF-8\""), QStringLiteral("encoding='%1'"));
+    document.replace(QStringLiteral("datamver=\"8.00\""), "datamver = '" + version + "'");
+    return document.replace(QStringLiteral("<fields>\n"), QStringLiteral("<fields><!-- \u00e9 -->\r\n"));
+}
+
+std::optional<QByteArray> mended(const QByteArray& bytes) {
+    const CheckResult result = checkDocument(bytes, "field.xml", builtInInstrument(), noOptions());
+    return mendedDocument(bytes, result, "field.xml", builtInInstrument(), noOptions());
+}
+
+} // namespace
+
+TEST(Fixes, LeaveEverythingElseByteForByte) {
+    for (const char* const name : {"UTF-8", "ISO-8859-1", "windows-1252", "UTF-16", "UTF-16BE", "GB18030"}) {
+        const QTextCodec& codec = *QTextCodec::codecForName(name);
+        const QByteArray wrong = codec.fromUnicode(documentWith(QStringLiteral("8.0")).arg(name));
+        const QByteArray right = codec.fromUnicode(documentWith(QStringLiteral("8.00")).arg(name));
+        EXPECT_EQ(mended(wrong), right) << name;
+        EXPECT_EQ(mended(right), std::nullopt) << name;
+    }
+    const QByteArray marked = "\xef\xbb\xbf" + documentWith(QStringLiteral("8.0")).arg("utf-8").toUtf8();
+    EXPECT_EQ(mended(marked), "\xef\xbb\xbf" + documentWith(QStringLiteral("8.00")).arg("utf-8").toUtf8());
+}
+
+TEST(Fixes, TheDiffIsOneThatPatchApplies) {
+    const QByteArray before = "1\n2\n3\n4\nold\n6\n7\n8\n9\n10\n11\n12\n13\nold";
+    const QByteArray after = "1\n2\n3\n4\nnew\n6\n7\n8\n9\n10\n11\n12\n13\nnew";
+    const TemporaryFolder folder;
+    const std::string file = folder.write("f.xml", before.toStdString());
+    const std::string diff = folder.write("f.diff", unifiedDiff(before, after, "f.xml").toStdString());
+    const ProgramResult patch = runCommand({"patch", "--batch", file, diff});
+    EXPECT_EQ(patch.status, 0) << patch.out << patch.err;
+    EXPECT_EQ(folder.read("f.xml"), after.toStdString());
+}
