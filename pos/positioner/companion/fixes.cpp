@@ -73,7 +73,7 @@ std::optional<QByteArray> mendedDocument(const QByteArray& bytes, const CheckRes
                                          Instrument& instrument, const CheckOptions& options) {
     QByteArray text = withFixes(result);
     for (int round = 0; round < kMaxRounds && text != result.text.utf8(); ++round) {
-        const std::optional<QByteArray> mended = encodeXml(text, bytes);
+        std::optional<QByteArray> mended = encodeXml(text, bytes);
         if (!mended) {
             throw std::runtime_error(name + " cannot be mended in its encoding");
         }

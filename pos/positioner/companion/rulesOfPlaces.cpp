@@ -94,10 +94,9 @@ void findPlacesApart(const Rule& rule, const CheckedDocument& document, Problems
         const ThreePlaces places(field, &field == &document.fields.front(), radius);
         const auto add = [&](const SourceElement& element, const std::string& who, Astrometric place, Astrometric other,
                              const std::string& otherName, const std::string& help) {
-            problems.add(rule, coordinateOff(element, place, other),
-                         who + " is " + degreesText(separation(place, other)) + " away from the " + otherName +
-                             ", and --field_radius is " + QString::number(radiansToDegrees(radius)).toStdString(),
-                         help);
+            std::string message = who + " is " + degreesText(separation(place, other)) + " away from the ";
+            message += otherName + ", and --field_radius is " + QString::number(radiansToDegrees(radius)).toStdString();
+            problems.add(rule, coordinateOff(element, place, other), message, help);
         };
         if (places.scienceIsAstray()) {
             add(*field.science, "The " + nameOf(*field.science), *places.science, *places.guide,

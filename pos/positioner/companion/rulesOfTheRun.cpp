@@ -160,8 +160,8 @@ const Rule kUnreadable = {"VK101",
                           "The document is not well-formed XML 1.0, its bytes are not those of its encoding, or it "
                           "exceeds a limit. The place "
                           "is where the reader stopped; what stands before it is well-formed.",
-                          "<conditions epoch=\"2023.3\" ha=\"0.5>",
-                          "<conditions epoch=\"2023.3\" ha=\"0.5\"/>"};
+                          R"(<conditions epoch="2027.25" ha="-1.0>)",
+                          R"(<conditions epoch="2027.25" ha="-1.0"/>)"};
 
 const Rule kRunFails = {"VK199",
                         Severity::Error,
