@@ -2,7 +2,7 @@
  * @file
  * Times of the conversions between sky and plate, and of the solves that are made of them.
  */
-#include "TestPointing.h"
+#include "pointing.h"
 
 #include "CelestialPosition.h"
 #include "FocalPlane.h"
@@ -20,7 +20,7 @@ using namespace pos;
 /** A pointing of the VEKO near the zenith, and one place in its several forms. */
 struct Chain {
     PosConfig config = embeddedConfig();
-    FocalPlane focalPlane{config, VEKO, highField(), degreesToRadians(30.0), ordinaryConditions(), 0.0};
+    FocalPlane focalPlane{config, VEKO, kHighField, degreesToRadians(30.0), kWinterNight, 0.0};
     double date = focalPlane.date();
     ICRS catalogue{degreesToRadians(150.1), degreesToRadians(30.1), 2016.0, 12.0, -7.0, 0.001, 15.0};
     Astrometric astrometric = catalogue.toAstrometric(date);
@@ -62,13 +62,13 @@ BENCHMARK_CAPTURE(timeConversion, CirsToAstrometric, [](Chain& c) { return c.cir
 BENCHMARK_CAPTURE(timeConversion, PlateToAstrometric,
                   [](Chain& c) { return c.focalPlane.xyToCirs(c.plate).toAstrometric(c.date); });
 
-BENCHMARK_CAPTURE(timeChange, SetFieldCentre, [](Chain& c) { c.focalPlane.setFieldCentre(highField(), 0.5); });
+BENCHMARK_CAPTURE(timeChange, SetFieldCentre, [](Chain& c) { c.focalPlane.setFieldCentre(kHighField, 0.5); });
 // A date of its own in every iteration: nothing kept from the last one serves.
 BENCHMARK_CAPTURE(timeChange, SetDate, [](Chain& c) { c.focalPlane.setDate(c.date += 0.001); });
 BENCHMARK_CAPTURE(timeChange, SolveFieldCentre,
                   [](Chain& c) { c.focalPlane.setFieldCentre(c.astrometric, PlateCoordinates(0.0, -20.0)); });
 BENCHMARK_CAPTURE(timeChange, SolveHourAngle, [](Chain& c) {
-    c.focalPlane.setConditions(ordinaryConditions());
+    c.focalPlane.setConditions(kWinterNight);
     c.focalPlane.setHourAngle(hoursToRadians(1.0));
 });
 BENCHMARK_CAPTURE(timeConversion, HourAngleLimits, [](Chain& c) {

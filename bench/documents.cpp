@@ -2,7 +2,7 @@
  * @file
  * Times of the readers and writers of documents and of the records in them.
  */
-#include "TestPointing.h"
+#include "pointing.h"
 #include "repeatedField.h"
 
 #include "ConditionsXML.h"
@@ -35,7 +35,7 @@ struct Observation {
     QDomElement field = findFieldElement(document.documentElement(), QDomElement());
     FieldTargets targets = findFieldTargets(field);
     Target science = createTargetXML(targets.science);
-    std::unique_ptr<Veko> veko = createVekoXML(config, ":/VEKO.xml", *createFieldXML(field), ordinaryConditions());
+    std::unique_ptr<Veko> veko = createVekoXML(config, ":/VEKO.xml", *createFieldXML(field), kWinterNight);
 
     Observation() {
         placeVeko(*veko, science, scienceFibre(science));
@@ -102,14 +102,14 @@ BENCHMARK_CAPTURE(parseDocument, BundleByTheLibrary, false);
 
 BENCHMARK_CAPTURE(timeWork, LoadConfiguration, [](Observation&) { return embeddedConfig(); });
 BENCHMARK_CAPTURE(timeWork, ReadBundle, [](Observation& o) {
-    return createVekoXML(o.config, ":/VEKO.xml", Field(highField()), ordinaryConditions());
+    return createVekoXML(o.config, ":/VEKO.xml", Field(kHighField), kWinterNight);
 });
 BENCHMARK_CAPTURE(timeWork, ReadField, [](Observation& o) { return createFieldXML(o.field); });
 BENCHMARK_CAPTURE(timeWork, ReadTarget, [](Observation& o) { return createTargetXML(o.targets.science); });
 BENCHMARK_CAPTURE(timeWork, ReadConditions,
                   [](Observation& o) { return createConditionsXML(findConditionsElement(o.configure)); });
 BENCHMARK_CAPTURE(timeWork, WriteConditions, [](Observation& o) {
-    saveConditionsXML(ordinaryConditions(), 0.1, o.document, o.configure);
+    saveConditionsXML(kWinterNight, 0.1, o.document, o.configure);
     return o.configure;
 });
 BENCHMARK_CAPTURE(timeWork, WriteFocalPlaneRecord, [](Observation& o) {

@@ -2,7 +2,7 @@
  * @file
  * Time of a whole run within a process, from reading the input document to writing the output.
  */
-#include "TestPointing.h"
+#include "pointing.h"
 #include "repeatedField.h"
 #include "veko_configure.h"
 

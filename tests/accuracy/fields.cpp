@@ -20,13 +20,13 @@ std::pair<double, double> Numbers::onCircle(double radius) {
 
 Pointing anySituation(Numbers& numbers, bool airless) {
     Pointing pointing;
-    pointing.telescope.eastLongitude = numbers.between(-180, 180);
-    pointing.telescope.latitude = numbers.between(-70, 70);
+    pointing.telescope.eastLongitude = rad(numbers.between(-180, 180));
+    pointing.telescope.latitude = rad(numbers.between(-70, 70));
     pointing.telescope.height = numbers.between(0, 5000);
     pointing.conditions = {numbers.between(51545, 59580), numbers.between(265, 295),
                            airless ? 0.0 : numbers.between(600, 1000), numbers.between(0, 1)};
     pointing.positionAngle = numbers.between(-kTestPi, kTestPi);
-    pointing.plate = {numbers.between(-20, 20), numbers.between(-20, 20), numbers.between(-180, 180)};
+    pointing.plate = {numbers.between(-20, 20), numbers.between(-20, 20), rad(numbers.between(-180, 180))};
     return pointing;
 }
 
@@ -34,7 +34,7 @@ Pointing fieldAtAltitude(Numbers& numbers, const Range& altitude, bool airless) 
     Pointing pointing = anySituation(numbers, airless);
     const double azimuth = numbers.between(-kTestPi, kTestPi);
     const double zenithDistance = rad(90 - numbers.between(altitude.lowest, altitude.highest));
-    pointing.centre = placeObservedAt("A", azimuth, zenithDistance, pointing.telescope, pointing.conditions);
+    pointing.centre = placeObservedAt("A", azimuth, zenithDistance, pointing.conditions, pointing.telescope);
     return pointing;
 }
 
@@ -46,9 +46,9 @@ Pointing fieldAtDeclination(Numbers& numbers, const Range& declination, bool air
         const double dec = side * rad(numbers.between(declination.lowest, declination.highest));
         double azimuth = 0.0;
         double altitude = 0.0;
-        eraHd2ae(hourAngle, dec, rad(pointing.telescope.latitude), &azimuth, &altitude);
+        eraHd2ae(hourAngle, dec, pointing.telescope.latitude, &azimuth, &altitude);
         if (altitude > rad(30)) {
-            pointing.centre = placeObservedAt("H", hourAngle, dec, pointing.telescope, pointing.conditions);
+            pointing.centre = placeObservedAt("H", hourAngle, dec, pointing.conditions, pointing.telescope);
             return pointing;
         }
     }

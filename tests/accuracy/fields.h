@@ -4,7 +4,7 @@
 #ifndef POS_TESTS_ACCURACY_FIELDS_H
 #define POS_TESTS_ACCURACY_FIELDS_H
 
-#include "pointedModel.h"
+#include "pointing.h"
 
 #include <array>
 #include <cstdint>

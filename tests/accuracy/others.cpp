@@ -82,9 +82,9 @@ void height(const PrintedTable& table) {
         Pointing pointing = fieldAtAltitude(numbers, {"", 5.1, 90}, false);
         const CIRS place = placeInField(numbers, pointing.centre).toCirs(pointing.conditions.epoch);
         pointing.telescope.height = 0;
-        const PlateCoordinates low = onPlate(focalPlaneOf(pointing), place);
+        const PlateCoordinates low = focalPlaneOf(pointing).cirsToXy(place);
         pointing.telescope.height = 5000;
-        const PlateCoordinates high = onPlate(focalPlaneOf(pointing), place);
+        const PlateCoordinates high = focalPlaneOf(pointing).cirsToXy(place);
         change.add(std::hypot(high.x - low.x, high.y - low.y) / kNanometre);
     }
     table.row({"Plate position, site height 0 m against 5000 m", "nm", cell(change.count()), cell(change.worst()),

@@ -28,18 +28,18 @@ double libraryRoundTrip(CIRS apparent, eraASTROM context) {
 
 void RoundTrips::add(Numbers& numbers, const Pointing& pointing) {
     const FocalPlane plane = focalPlaneOf(pointing);
-    const eraASTROM context = libraryContext(pointing.telescope, pointing.conditions);
+    const eraASTROM context = libraryContext(pointing.conditions, pointing.telescope);
     const double date = pointing.conditions.epoch;
     for (int i = 0; i < kPlacesPerField; ++i) {
         const Astrometric place = placeInField(numbers, pointing.centre);
         const CIRS apparent = place.toCirs(date);
-        const Astrometric back = plane.xyToCirs(onPlate(plane, apparent)).toAstrometric(date);
+        const Astrometric back = plane.xyToCirs(plane.cirsToXy(apparent)).toAstrometric(date);
         sky.add(separation(back, place) / kMicroarcsecond);
         library.add(libraryRoundTrip(apparent, context) / kMicroarcsecond);
 
         const auto [dx, dy] = numbers.inDisc(kFieldRadiusMm);
         const PlateCoordinates position(pointing.plate.x0 + dx, pointing.plate.y0 + dy);
-        const PlateCoordinates again = onPlate(plane, plane.xyToCirs(position).toAstrometric(date).toCirs(date));
+        const PlateCoordinates again = plane.cirsToXy(plane.xyToCirs(position).toAstrometric(date).toCirs(date));
         plate.add(std::hypot(again.x - position.x, again.y - position.y) / kNanometre);
     }
 }

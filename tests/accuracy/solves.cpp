@@ -75,7 +75,7 @@ std::vector<std::string> courseHeads(const std::string& first, const std::string
 }
 
 double missUm(const FocalPlane& plane, CIRS target, PlateCoordinates wanted) {
-    const PlateCoordinates landed = onPlate(plane, target);
+    const PlateCoordinates landed = plane.cirsToXy(target);
     return std::hypot(landed.x - wanted.x, landed.y - wanted.y) / kMicrometre;
 }
 
@@ -96,9 +96,9 @@ Course centreCourse(const Pointing& pointing, Astrometric target, PlateCoordinat
         course.misses.push_back(missUm(plane, apparent, wanted));
     };
     pointAt(target);
-    const PlateCoordinates origin = onPlate(plane, apparent);
+    const PlateCoordinates origin = plane.cirsToXy(apparent);
     while (course.misses.back() * kMicrometre > kPlacementToleranceMm) {
-        const PlateCoordinates landed = onPlate(plane, apparent);
+        const PlateCoordinates landed = plane.cirsToXy(apparent);
         const PlateCoordinates shifted(origin.x - (wanted.x - landed.x), origin.y - (wanted.y - landed.y));
         pointAt(plane.xyToCirs(shifted).toAstrometric(plane.date()));
     }
@@ -137,8 +137,7 @@ Course hourAngleCourse(const Pointing& pointing, double wanted) {
 /** By how much the altitude misses the limit at the hour angle at which the field is said to set, arcsec. */
 std::optional<double> missAtSetting(const Pointing& pointing, double largestZenithDistance) {
     FocalPlane plane = focalPlaneOf(pointing);
-    const auto [earliest, latest] =
-        LimitsCalc(telescopeConfig(pointing.telescope), plane, largestZenithDistance).hourAngleLimits();
+    const auto [earliest, latest] = LimitsCalc(pointing.telescope, plane, largestZenithDistance).hourAngleLimits();
     if (earliest == 0 && latest == 0) {
         return std::nullopt;
     }

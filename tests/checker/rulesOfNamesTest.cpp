@@ -2,7 +2,7 @@
 
 #include "Instrument.h"
 #include "ProcessWideState.h"
-#include "TestPointing.h"
+#include "pointing.h"
 #include "rules.h"
 
 #include <gmock/gmock.h>

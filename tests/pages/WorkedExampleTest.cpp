@@ -4,13 +4,11 @@
 #include "FocalPlaneCoordinates.h"
 #include "ProcessWideState.h"
 #include "SatelliteFibre.h"
-#include "TestPointing.h"
 #include "Veko.h"
 #include "VekoXML.h"
 #include "angles.h"
-#include "pointedModel.h"
+#include "pointing.h"
 #include "table.h"
-#include "telescope.h"
 
 #include <cmath>
 #include <fstream>
@@ -80,10 +78,10 @@ Numbers onTheSky(const Given& given, const FocalPlane& focalPlane) {
     const double date = given.conditions.epoch;
     const Astrometric moved = given.star.toAstrometric(date);
     const CIRS apparent = moved.toCirs(date);
-    const ObservedPlace seen = libraryObserved(apparent, libraryContext({}, given.conditions));
+    const ObservedPlace seen = libraryObserved(apparent, libraryContext(given.conditions));
     Conditions airless = given.conditions;
     airless.pressure = 0;
-    const ObservedPlace without = libraryObserved(apparent, libraryContext({}, airless));
+    const ObservedPlace without = libraryObserved(apparent, libraryContext(airless));
     return {{"centre_ha", hours(focalPlane.hourAngle())},
             {"centre_observed_dec", radiansToDegrees(focalPlane.tangentDec())},
             {"centre_zd", radiansToDegrees(focalPlane.zenithDistance())},

@@ -37,7 +37,7 @@ RC_GTEST_FIXTURE_PROP(FieldCentreSolveProperty, TheTargetLandsOnTheWantedPlace, 
     RC_ASSERT(focalPlane.positionAngle() == positionAngle);
     RC_ASSERT(focalPlane.date() == solve.pointing.conditions.epoch);
 
-    const PlateCoordinates landed = onPlate(focalPlane, target.toCirs(focalPlane.date()));
+    const PlateCoordinates landed = focalPlane.cirsToXy(target.toCirs(focalPlane.date()));
     RC_ASSERT(std::hypot(landed.x - solve.wanted.x, landed.y - solve.wanted.y) <= kPlacementToleranceMm);
 }
 
@@ -47,11 +47,11 @@ RC_GTEST_FIXTURE_PROP(FieldCentreSolveProperty, AnotherModelPointedAtTheCentreFo
     const Astrometric target = placeInField(solve.pointing.centre);
     focalPlane.setFieldCentre(target, solve.wanted);
     const CIRS apparent = target.toCirs(focalPlane.date());
-    const PlateCoordinates landed = onPlate(focalPlane, apparent);
+    const PlateCoordinates landed = focalPlane.cirsToXy(apparent);
 
     Pointing found = solve.pointing;
     found.centre = focalPlane.fieldCentre();
-    const PlateCoordinates again = onPlate(focalPlaneOf(found), apparent);
+    const PlateCoordinates again = focalPlaneOf(found).cirsToXy(apparent);
     RC_ASSERT(again.x == landed.x);
     RC_ASSERT(again.y == landed.y);
 }

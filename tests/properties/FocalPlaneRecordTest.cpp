@@ -71,7 +71,7 @@ RC_GTEST_FIXTURE_PROP(FocalPlaneRecordProperty, ThePlatesReadBackToThreeDecimals
         const QDomElement axis = axes.firstChildElement(QString::fromLatin1(plate));
         requireToDecimals(number(axis, "x0"), pointing.plate.x0, 3);
         requireToDecimals(number(axis, "y0"), pointing.plate.y0, 3);
-        requireToDecimals(number(axis, "r0"), rad(pointing.plate.r0Deg), 3);
+        requireToDecimals(number(axis, "r0"), pointing.plate.r0, 3);
     }
     PlateCoordinates::initialise(record, VEKO);
     requireToDecimals(PlateCoordinates::opticalAxis(VEKO).x0, pointing.plate.x0, 3);

@@ -28,7 +28,7 @@ double wrapped(double angle) {
 
 /** A field at an hour angle, as seen from a site whose rotator has limits and an offset. */
 struct ObservedField {
-    TelescopeSettings telescope;
+    Telescope telescope = kTelescope;
     double largestZenithDistance = rad(*between(30.0, 85.0).as("largest zenith distance"));
     double hourAngle = *anyAngle().as("hour angle");
     double dec = rad(*between(-88.0, 88.0).as("dec"));
@@ -36,10 +36,10 @@ struct ObservedField {
 
     ObservedField() {
         telescope = anySite();
-        telescope.rotatorOffset = *between(-180.0, 180.0).as("rotator offset");
-        telescope.rotatorLowLimit = *between(-170.0, -10.0).as("rotator low limit");
-        telescope.rotatorHighLimit = *between(10.0, 170.0).as("rotator high limit");
-        latitude = rad(telescope.latitude);
+        telescope.rotatorOffset = rad(*between(-180.0, 180.0).as("rotator offset"));
+        telescope.rotatorLowLimit = rad(*between(-170.0, -10.0).as("rotator low limit"));
+        telescope.rotatorHighLimit = rad(*between(10.0, 170.0).as("rotator high limit"));
+        latitude = telescope.latitude;
     }
     double altitudeAt(double hour) const {
         double azimuth = 0.0;
@@ -51,16 +51,16 @@ struct ObservedField {
         return kTestPi / 2 - largestZenithDistance;
     }
     double rotatorAt(double hour) const {
-        return wrapped(rad(telescope.rotatorOffset) - eraHd2pa(wrapped(hour), dec, latitude));
+        return wrapped(telescope.rotatorOffset - eraHd2pa(wrapped(hour), dec, latitude));
     }
     bool rotatorInside(double hour) const {
         const double angle = rotatorAt(hour);
-        return rad(telescope.rotatorLowLimit) < angle && angle < rad(telescope.rotatorHighLimit);
+        return telescope.rotatorLowLimit < angle && angle < telescope.rotatorHighLimit;
     }
     double distanceToRotatorLimit(double hour) const {
         const double angle = rotatorAt(hour);
-        return std::min(std::fabs(wrapped(angle - rad(telescope.rotatorLowLimit))),
-                        std::fabs(wrapped(angle - rad(telescope.rotatorHighLimit))));
+        return std::min(std::fabs(wrapped(angle - telescope.rotatorLowLimit)),
+                        std::fabs(wrapped(angle - telescope.rotatorHighLimit)));
     }
     /** The pointing; afterwards hour angle and declination are its own, to the bit. */
     FocalPlane observe() {
@@ -70,7 +70,7 @@ struct ObservedField {
         return focalPlane;
     }
     std::pair<double, double> limits(FocalPlane& focalPlane) const {
-        return LimitsCalc(telescopeConfig(telescope), focalPlane, largestZenithDistance).hourAngleLimits();
+        return LimitsCalc(telescope, focalPlane, largestZenithDistance).hourAngleLimits();
     }
 };
 
@@ -88,8 +88,8 @@ ObservedField circumpolarBeyondTheZenith() {
     const double latitudeDeg = *between(20.0, 70.0).as("latitude towards the pole");
     const double decDeg = *between(latitudeDeg + 0.5, 89.0).as("dec towards the pole");
     const double hemisphere = *rc::gen::element(1.0, -1.0);
-    field.telescope.latitude = hemisphere * latitudeDeg;
-    field.latitude = rad(field.telescope.latitude);
+    field.telescope.latitude = rad(hemisphere * latitudeDeg);
+    field.latitude = field.telescope.latitude;
     field.dec = rad(hemisphere * decDeg);
     // At its lowest it stands at latitude + dec - 90 degrees.
     field.largestZenithDistance =
@@ -159,7 +159,7 @@ RC_GTEST_FIXTURE_PROP(HourAngleLimitsProperty, BeyondTheZenithACircumpolarFieldI
 RC_GTEST_FIXTURE_PROP(HourAngleLimitsProperty, TheChecksTellWhatTheSkyShows, ()) {
     ObservedField field;
     FocalPlane focalPlane = field.observe();
-    const LimitsCalc limits(telescopeConfig(field.telescope), focalPlane, field.largestZenithDistance);
+    const LimitsCalc limits(field.telescope, focalPlane, field.largestZenithDistance);
     RC_PRE(std::fabs(field.altitudeAt(field.hourAngle) - field.altitudeLimit()) > kMargin);
     RC_PRE(field.distanceToRotatorLimit(field.hourAngle) > kMargin);
     RC_ASSERT(limits.checkHorizon() == (field.altitudeAt(field.hourAngle) > field.altitudeLimit()));
@@ -169,7 +169,7 @@ RC_GTEST_FIXTURE_PROP(HourAngleLimitsProperty, TheChecksTellWhatTheSkyShows, ())
 RC_GTEST_FIXTURE_PROP(HourAngleLimitsProperty, APositionAngleForVekoBringsTheRotatorWithinHalfAStepOfZero, ()) {
     ObservedField field;
     FocalPlane focalPlane = field.observe();
-    LimitsCalc(telescopeConfig(field.telescope), focalPlane, field.largestZenithDistance).setPositionAngle(VEKO);
+    LimitsCalc(field.telescope, focalPlane, field.largestZenithDistance).setPositionAngle(VEKO);
     const double angle = wrapped(field.rotatorAt(field.hourAngle) + focalPlane.positionAngle());
     RC_ASSERT(std::fabs(angle) <= rad(2.5) + kHourOfParallacticAngle);
     const double steps = focalPlane.positionAngle() / rad(5.0);

@@ -13,9 +13,9 @@ class ParallacticAngleProperty : public ProcessWideState {};
 
 /** A field of any declination that is not within half a degree of the site's zenith, where the angle jumps. */
 struct FieldOfSite {
-    TelescopeSettings telescope = anySite();
+    Telescope telescope = anySite();
     double dec = rad(*between(-89.0, 89.0).as("dec"));
-    double latitude = rad(telescope.latitude);
+    double latitude = telescope.latitude;
 
     FieldOfSite() {
         RC_PRE(std::fabs(dec - latitude) > rad(0.5));

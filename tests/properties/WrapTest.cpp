@@ -72,13 +72,13 @@ RC_GTEST_FIXTURE_PROP(WrapProperty, FullTurnsOfRightAscensionMoveNothingOnThePla
     const double date = pointing.conditions.epoch;
     const Astrometric place = placeInField(pointing.centre);
     const FocalPlane focalPlane = focalPlaneOf(pointing);
-    const PlateCoordinates once = onPlate(focalPlane, place.toCirs(date));
+    const PlateCoordinates once = focalPlane.cirsToXy(place.toCirs(date));
     const Astrometric turned{place.ra < kTestPi ? place.ra + kTurn : place.ra - kTurn, place.dec};
-    const PlateCoordinates again = onPlate(focalPlane, turned.toCirs(date));
+    const PlateCoordinates again = focalPlane.cirsToXy(turned.toCirs(date));
     RC_ASSERT(std::hypot(again.x - once.x, again.y - once.y) <= kRoundTripPlateMm);
     RC_ASSERT(place.toCirs(date).ra >= 0.0);
     RC_ASSERT(place.toCirs(date).ra < kTurn);
     pointing.centre.ra += kTurn;
-    const PlateCoordinates fromTurned = onPlate(focalPlaneOf(pointing), place.toCirs(date));
+    const PlateCoordinates fromTurned = focalPlaneOf(pointing).cirsToXy(place.toCirs(date));
     RC_ASSERT(std::hypot(fromTurned.x - once.x, fromTurned.y - once.y) <= kRoundTripPlateMm);
 }

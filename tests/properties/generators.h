@@ -1,7 +1,7 @@
 #ifndef POS_TESTS_GENERATORS_H
 #define POS_TESTS_GENERATORS_H
 
-#include "telescope.h"
+#include "pointing.h"
 
 #include <QString>
 #include <cmath>

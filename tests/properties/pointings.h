@@ -2,7 +2,7 @@
 #define POS_TESTS_POINTINGS_H
 
 #include "generators.h"
-#include "pointedModel.h"
+#include "pointing.h"
 
 /** Nights from 2000 to 2022, in which the library knows all leap seconds; airless or with air as at a mountain site. */
 inline pos::Conditions anyConditions(bool airless) {
@@ -15,10 +15,10 @@ inline pos::Conditions anyConditions(bool airless) {
 }
 
 /** Sites between 70 degrees south and north. */
-inline TelescopeSettings anySite() {
-    TelescopeSettings telescope;
-    telescope.eastLongitude = *between(-180.0, 180.0).as("east longitude");
-    telescope.latitude = *between(-70.0, 70.0).as("latitude");
+inline pos::Telescope anySite() {
+    pos::Telescope telescope = kTelescope;
+    telescope.eastLongitude = rad(*between(-180.0, 180.0).as("east longitude"));
+    telescope.latitude = rad(*between(-70.0, 70.0).as("latitude"));
     telescope.height = *between(0.0, 5000.0).as("height");
     return telescope;
 }
@@ -30,18 +30,11 @@ inline Pointing anyPointing(bool airless) {
     pointing.conditions = anyConditions(airless);
     const double azimuth = *anyAngle().as("azimuth");
     const double zenithDistance = *between(0.0, rad(60.0)).as("zenith distance");
-    pointing.centre = placeObservedAt("A", azimuth, zenithDistance, pointing.telescope, pointing.conditions);
+    pointing.centre = placeObservedAt("A", azimuth, zenithDistance, pointing.conditions, pointing.telescope);
     pointing.positionAngle = *anyAngle().as("position angle");
-    pointing.plate = {*between(-20.0, 20.0).as("x0"), *between(-20.0, 20.0).as("y0"), *between(-180.0, 180.0).as("r0")};
+    pointing.plate = {*between(-20.0, 20.0).as("x0"), *between(-20.0, 20.0).as("y0"),
+                      rad(*between(-180.0, 180.0).as("r0"))};
     return pointing;
-}
-
-/** A field that is seen at an hour angle and a declination, radians, in a night without air. */
-inline pos::FocalPlane seenAt(double hourAngle, double dec, const TelescopeSettings& telescope) {
-    Pointing pointing;
-    pointing.telescope = telescope;
-    pointing.centre = placeObservedAt("H", hourAngle, dec, telescope, kAirlessNight);
-    return focalPlaneOf(pointing);
 }
 
 /** A place within a degree of a pointing's centre. */

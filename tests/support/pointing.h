@@ -6,6 +6,7 @@
 #define POS_TESTS_POINTING_H
 
 #include "FocalPlane.h"
+#include "PosConfig.h"
 
 #include <erfa.h>
 #include <vector>
@@ -16,6 +17,11 @@ inline constexpr double kTestPi = 3.141592653589793;
 /** Degrees to radians, in the order of the configuration's readers. */
 constexpr double rad(double degrees) {
     return degrees / 180 * kTestPi;
+}
+
+/** The embedded configuration. */
+inline pos::PosConfig embeddedConfig() {
+    return {":/configure.xml", pos::PosConfig::XML};
 }
 
 /** The telescope of the embedded configuration. */
@@ -184,6 +190,32 @@ inline std::vector<double> libraryValues(pos::Astrometric centre, const pos::Con
             standard.eta,
             plate.x,
             plate.y};
+}
+
+/** A pointing in the terms of a test: what the sky and the mount look like. */
+struct Pointing {
+    pos::Telescope telescope = kTelescope;
+    pos::Conditions conditions = kAirlessNight;
+    pos::Astrometric centre{};
+    double positionAngle = 0.0; ///< radians
+    pos::OpticalAxis plate{};   ///< of all three plates
+};
+
+/** The model of a pointing; with it, optics and plates are in force. */
+inline pos::FocalPlane focalPlaneOf(const Pointing& pointing) {
+    const pos::OpticalAxis axis = pointing.plate;
+    return pointedAt(pointing.centre, pointing.positionAngle, pointing.conditions, pointing.telescope,
+                     {{axis, axis, axis}, pos::VEKO, axis.r0});
+}
+
+/** Where a catalogue position lies on the plate in use. */
+inline pos::PlateCoordinates plateOf(const pos::FocalPlane& focalPlane, double date, const pos::ICRS& position) {
+    return focalPlane.cirsToXy(position.toAstrometric(date).toCirs(date));
+}
+
+/** The angle between two directions, radians. */
+template <typename Place> double separation(const Place& a, const Place& b) {
+    return eraSeps(a.ra, a.dec, b.ra, b.dec);
 }
 
 #endif

@@ -4,8 +4,8 @@
 #include "FieldXML.h"
 #include "Plate.h"
 #include "ProcessWideState.h"
-#include "TestPointing.h"
 #include "attributeText.h"
+#include "pointing.h"
 #include "xml.h"
 
 #include <gtest/gtest.h>
@@ -21,13 +21,13 @@ class TargetXMLPlate : public ProcessWideState {
 protected:
     void SetUp() override {
         ProcessWideState::SetUp();
-        const FocalPlane pointing(embeddedConfig(), PLATE_B, highField(), 0.0, ordinaryConditions(), 0.0);
+        const FocalPlane pointing(embeddedConfig(), PLATE_B, kHighField, 0.0, kWinterNight, 0.0);
         plate_ = std::make_unique<Plate>(Plate{kTime, pointing, {}, {}});
         for (int spaxel = 0; spaxel < 20 * 37; ++spaxel) {
             plate_->spaxels.push_back("spaxel " + std::to_string(spaxel));
         }
         plate_->fibres.assign(1028, {std::numeric_limits<double>::quiet_NaN()});
-        plate_->fibres[1008].positionAngle = -kPi / 4;
+        plate_->fibres[1008].positionAngle = -kTestPi / 4;
         plate_->fibres[1010].positionAngle = 0.5; // 28.65 degrees
         plate_->fibres[1027].positionAngle = 1.0; // 57.30 degrees
     }
