@@ -142,3 +142,17 @@ TEST(Agreement, TheRunFailsExactlyWhereThereIsAnError) {
     EXPECT_GT(failing, kDocuments / 5);
     EXPECT_LT(failing, kDocuments * 4 / 5);
 }
+
+TEST(Agreement, AnOutputThatCouldNotBeReadAgainIsAnError) {
+    std::string attributes;
+    for (int i = 0; i < 210; ++i) {
+        attributes += " note" + std::to_string(i) + "=''";
+    }
+    std::string manyAttributes = kFaultless;
+    manyAttributes.insert(manyAttributes.find(" targuse=\"T\""), attributes);
+    expectAgreement(manyAttributes, std::nullopt);
+    for (int i = 0; i < 40; ++i) {
+        manyAttributes.insert(manyAttributes.find(" targuse=\"T\""), " more" + std::to_string(i) + "=''");
+    }
+    expectAgreement(manyAttributes, "The output would have more than 256 attributes in one tag");
+}

@@ -19,8 +19,16 @@ namespace pos {
 
 namespace {
 
-/** The largest document of which the output is known to be within all limits without having been made. */
-constexpr int kSmallDocument = 1024 * 1024;
+// With no more than this, the output is known to be within all limits without having been made.
+constexpr int kPlainSize = 1024 * 1024; ///< bytes
+constexpr std::size_t kPlainAttributes = 200;
+constexpr int kPlainDepth = 240;
+
+bool isPlain(const SourceElement& element, int depth) {
+    return element.attributes.size() <= kPlainAttributes && depth <= kPlainDepth &&
+           std::all_of(element.children.begin(), element.children.end(),
+                       [depth](const auto& child) { return isPlain(*child, depth + 1); });
+}
 
 /** A document that cannot be read, told where reading stopped. */
 void addUnreadable(Problems& problems, int offset, const std::string& message) {
@@ -36,7 +44,7 @@ std::optional<std::string> failureOf(CheckedDocument& document, QDomDocument tre
         const PlacedDocument placed = placeDocument(document.instrument, tree, document.options.estimates);
         document.pointing = placed.veko.focalPlane;
         document.pointed = document.pointing->conditions();
-        if (document.text.utf8().size() > kSmallDocument) {
+        if (document.text.utf8().size() > kPlainSize || !isPlain(document.root, 1)) {
             saveTargets(placed);
             static_cast<void>(serialiseXml(tree));
         }

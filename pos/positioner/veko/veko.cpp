@@ -16,7 +16,7 @@ namespace {
 /** Something could not be done at all. */
 constexpr int kTrouble = 2;
 
-int run(int argc, char* argv[]) {
+int run(int argc, char** argv) {
     CLI::App program("help with field definitions, beside veko_configure", "veko");
     program.formatter(std::make_shared<pos::HelpFormatter>());
     program.require_subcommand(1);
