@@ -9,6 +9,7 @@
 #include "CommandLine.h"
 #include "Estimates.h"
 #include "ProcessState.h"
+#include "angles.h"
 
 #include <benchmark/benchmark.h>
 #include <cstdlib>
