@@ -1,9 +1,4 @@
-#include "Instrument.h"
-#include "PosConfig.h"
-#include "ProcessWideState.h"
-#include "Version.h"
-#include "angles.h"
-#include "checkDocument.h"
+#include "checked.h"
 
 #include <gmock/gmock.h>
 
@@ -14,22 +9,10 @@ using ::testing::IsEmpty;
 
 namespace {
 
-class PlacesAndPointingRulesTest : public ProcessWideState {};
-
-constexpr Estimates kDocumentsOwn{kNotGiven, kHourAngleNotGiven, kNotGiven, 65.0 / 180 * kPi};
-constexpr double kOneDegree = kPi / 180;
-
-std::vector<Problem> problemsOf(const std::string& document) {
-    const PosConfig config("configure_version", configure_version, ":/configure.xml", PosConfig::XML);
-    Instrument instrument(config);
-    return checkDocument(QByteArray::fromStdString(document), "document", instrument, {kDocumentsOwn, kOneDegree})
-        .problems;
-}
-
 /** The problems of the groups 4 and 5: severity, code, and what stands at the place. */
 std::vector<std::string> told(const std::string& document) {
     std::vector<std::string> texts;
-    for (const Problem& problem : problemsOf(document)) {
+    for (const Problem& problem : checked(document).problems) {
         const std::string code = problem.rule->code;
         if (code.starts_with("VK4") || code.starts_with("VK5")) {
             const auto begin = static_cast<std::size_t>(problem.place.begin);
@@ -75,7 +58,7 @@ void expectTold(const std::vector<Case>& cases) {
 
 } // namespace
 
-TEST_F(PlacesAndPointingRulesTest, TheOneOfThreePlacesThatIsAstrayIsTold) {
+TEST(PlacesAndPointingRules, TheOneOfThreePlacesThatIsAstrayIsTold) {
     expectTold({
         {document(kField), {}},
         {document(field(kCentre, kScience + target("G", "190.120000", "-13.500000"))), {"warning VK401 -13.500000"}},
@@ -91,7 +74,7 @@ TEST_F(PlacesAndPointingRulesTest, TheOneOfThreePlacesThatIsAstrayIsTold) {
     });
 }
 
-TEST_F(PlacesAndPointingRulesTest, AGuideStarOffThePlateIsToldWhereTheSkyAloneDoesNotShowIt) {
+TEST(PlacesAndPointingRules, AGuideStarOffThePlateIsToldWhereTheSkyAloneDoesNotShowIt) {
     // The middle of the bundle is 0.1 degrees south of the optical axis.
     expectTold({
         {document(field(kCentre, kScience + target("G", "189.997633", "-10.673054"))), {}},
@@ -99,7 +82,7 @@ TEST_F(PlacesAndPointingRulesTest, AGuideStarOffThePlateIsToldWhereTheSkyAloneDo
     });
 }
 
-TEST_F(PlacesAndPointingRulesTest, TargetsThatCoincideAreToldOnceEach) {
+TEST(PlacesAndPointingRules, TargetsThatCoincideAreToldOnceEach) {
     const std::string nearly = target("C", "189.997700", "-11.623054"); // 0.24 arcsec
     const std::string beside = target("C", "189.998200", "-11.623054"); // 2 arcsec
     const std::string generated = target("T", "190.120000", "-11.500000", "automatic='1'");
@@ -111,12 +94,12 @@ TEST_F(PlacesAndPointingRulesTest, TargetsThatCoincideAreToldOnceEach) {
     });
 }
 
-TEST_F(PlacesAndPointingRulesTest, ASecondFieldOnTheSamePlaceAndFibreIsTold) {
+TEST(PlacesAndPointingRules, ASecondFieldOnTheSamePlaceAndFibreIsTold) {
     const std::string dithered = field("", target("T", "189.997633", "-11.623054", "fibreid='305'") + kGuide);
     expectTold({{document(kField + kField), {"warning VK404 189.997633"}}, {document(kField + dithered), {}}});
 }
 
-TEST_F(PlacesAndPointingRulesTest, EveryFieldIsPointedAtAndTheFirstAloneIsAnError) {
+TEST(PlacesAndPointingRules, EveryFieldIsPointedAtAndTheFirstAloneIsAnError) {
     const std::string north = target("T", "190.000000", "69.000000") + target("G", "190.100000", "69.000000");
     const std::string south = target("T", "190.000000", "-70.000000") + target("G", "190.100000", "-70.000000");
     const std::string early = target("T", "60.000000", "-11.623054") + target("G", "60.100000", "-11.623054");
@@ -136,7 +119,7 @@ TEST_F(PlacesAndPointingRulesTest, EveryFieldIsPointedAtAndTheFirstAloneIsAnErro
     });
 }
 
-TEST_F(PlacesAndPointingRulesTest, WhatTheSolvesFailWithIsTold) {
+TEST(PlacesAndPointingRules, WhatTheSolvesFailWithIsTold) {
     const std::string lost = target("T", "189.997633", "-11.623054", "targpmra='nan'");
     const std::string behind = target("G", "10.000000", "11.600000");
     expectTold({
@@ -146,9 +129,9 @@ TEST_F(PlacesAndPointingRulesTest, WhatTheSolvesFailWithIsTold) {
     });
 }
 
-TEST_F(PlacesAndPointingRulesTest, SunAndMoonAreToldWithTheTimeInUtc) {
+TEST(PlacesAndPointingRules, SunAndMoonAreToldWithTheTimeInUtc) {
     const auto messageOf = [](const std::string& conditions) {
-        for (const Problem& problem : problemsOf(document(kField, conditions))) {
+        for (const Problem& problem : checked(document(kField, conditions)).problems) {
             if (std::string(problem.rule->code).starts_with("VK5")) {
                 return severityWord(problem.severity) + (" " + problem.message);
             }
@@ -163,8 +146,8 @@ TEST_F(PlacesAndPointingRulesTest, SunAndMoonAreToldWithTheTimeInUtc) {
     EXPECT_EQ(messageOf(kNight), "");
 }
 
-TEST_F(PlacesAndPointingRulesTest, TheHelpNamesWhatDoes) {
-    const std::string turned = problemsOf(document(kField, kNight, "180")).front().help;
+TEST(PlacesAndPointingRules, TheHelpNamesWhatDoes) {
+    const std::string turned = checked(document(kField, kNight, "180")).problems.front().help;
     EXPECT_THAT(turned, HasSubstr("Write pa=\""));
     const std::string angle = turned.substr(10, turned.find('"', 10) - 10);
     EXPECT_THAT(told(document(kField, kNight, angle)), IsEmpty());
@@ -172,7 +155,7 @@ TEST_F(PlacesAndPointingRulesTest, TheHelpNamesWhatDoes) {
     EXPECT_THAT(told(document(kField, kNight, std::to_string(std::stoi(angle) + step))),
                 ElementsAre(::testing::StartsWith("error VK503")));
 
-    const std::string low = problemsOf(document(kField, "epoch='2027.25' ha='-6'")).back().help;
+    const std::string low = checked(document(kField, "epoch='2027.25' ha='-6'")).problems.back().help;
     EXPECT_THAT(low, HasSubstr("from -3.45 to 3.45 hours"));
     for (const std::string hour : {"-3.45", "3.45"}) {
         EXPECT_THAT(told(document(kField, "epoch='2027.25' ha='" + hour + "'")),

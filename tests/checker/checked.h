@@ -3,6 +3,7 @@
 
 #include "Instrument.h"
 #include "PosConfig.h"
+#include "Version.h"
 #include "checkDocument.h"
 
 #include <string>
@@ -18,6 +19,7 @@ inline pos::CheckOptions noOptions() {
 inline pos::Instrument& builtInInstrument() {
     static const pos::PosConfig config(":/configure.xml", pos::PosConfig::XML);
     static pos::Instrument instrument(config);
+    pos::datamver = config.get<std::string>("<xmlattr>.datamver"); // another test may have reset it
     return instrument;
 }
 

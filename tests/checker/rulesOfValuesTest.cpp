@@ -1,8 +1,5 @@
-#include "Instrument.h"
-#include "PosConfig.h"
-#include "Version.h"
 #include "angles.h"
-#include "checkDocument.h"
+#include "checked.h"
 #include "fieldDefinition.h"
 
 #include <gtest/gtest.h>
@@ -12,19 +9,10 @@ using namespace pos;
 
 namespace {
 
-const CheckOptions kNothingGiven = {{kNotGiven, kHourAngleNotGiven, kNotGiven, degreesToRadians(65.0)},
-                                    degreesToRadians(1.0)};
-
-std::vector<Problem> problemsIn(const std::string& document, const CheckOptions& options = kNothingGiven) {
-    static const PosConfig config("configure_version", configure_version, ":/configure.xml", PosConfig::XML);
-    static Instrument instrument(config);
-    return checkDocument(QByteArray::fromStdString(document), "field.xml", instrument, options).problems;
-}
-
 /** The problems of this group of rules: "code severity fix", without a fix "code severity". */
-std::vector<std::string> valuesTold(const std::string& document, const CheckOptions& options = kNothingGiven) {
+std::vector<std::string> valuesTold(const std::string& document, const CheckOptions& options = noOptions()) {
     std::vector<std::string> told;
-    for (const Problem& problem : problemsIn(document, options)) {
+    for (const Problem& problem : checked(document, options).problems) {
         const std::string code = problem.rule->code;
         if (code.rfind("VK3", 0) == 0) {
             told.push_back(code + ' ' + severityWord(problem.severity) +
@@ -179,7 +167,7 @@ TEST(RulesOfValues, PositionsThatTheRunTakesAreJudged) {
 
 TEST(RulesOfValues, ANumberThatTheRunRefusesIsToldOnceWithTheMessageOfTheRun) {
     std::vector<std::string> messages;
-    for (const Problem& problem : problemsIn(documentWithConditions("epoch='2024,5' ha='1h'"))) {
+    for (const Problem& problem : checked(documentWithConditions("epoch='2024,5' ha='1h'")).problems) {
         messages.push_back(problem.message);
     }
     EXPECT_EQ(messages,
@@ -198,7 +186,7 @@ TEST(RulesOfValues, WhatTheRunDoesNotReadIsNoError) {
 }
 
 TEST(RulesOfValues, AnEpochIsMissedWhereNoOptionGivesIt) {
-    CheckOptions given = kNothingGiven;
+    CheckOptions given = noOptions();
     given.estimates.epoch = 2024.5;
     for (const std::string conditions : {"", "ha='0'", "epoch='%%%'"}) {
         EXPECT_EQ(valuesTold(documentWithConditions(conditions)), Told{"VK307 warning"}) << conditions;
