@@ -3,9 +3,8 @@
 #include "PosConfig.h"
 #include "ProcessState.h"
 #include "angles.h"
+#include "fieldDefinition.h"
 #include "ownConfiguration.h"
-#include "plainField.h"
-#include "tenFibres.h"
 #include "veko_configure.h"
 #include "xmlStructure.h"
 

@@ -1,6 +1,6 @@
 #include "documentFromBytes.h"
 
-#include "plainField.h"
+#include "fieldDefinition.h"
 #include "vocabulary.h"
 
 #include <QTextCodec>

@@ -3,7 +3,7 @@
 #include "PosConfig.h"
 #include "checkedRun.h"
 #include "documentFromBytes.h"
-#include "plainField.h"
+#include "fieldDefinition.h"
 
 namespace {
 

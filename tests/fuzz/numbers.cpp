@@ -4,7 +4,7 @@
 #include "PosConfig.h"
 #include "checkedRun.h"
 #include "documentFromBytes.h"
-#include "plainField.h"
+#include "fieldDefinition.h"
 
 #include <QString>
 

@@ -1,7 +1,7 @@
+#include "TemporaryFolder.h"
 #include "fileAccess.h"
 #include "hostileRun.h"
 #include "measuredRun.h"
-#include "outputFolder.h"
 #include "privilege.h"
 
 #include <filesystem>

@@ -1,7 +1,7 @@
+#include "fieldDefinition.h"
 #include "fileAccess.h"
 #include "hostileRun.h"
 #include "measuredRun.h"
-#include "repeated.h"
 
 #include <gtest/gtest.h>
 

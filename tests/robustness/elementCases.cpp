@@ -1,6 +1,6 @@
 #include "elementCases.h"
 
-#include "repeated.h"
+#include "fieldDefinition.h"
 #include "xmlPlaces.h"
 
 namespace {

@@ -18,7 +18,7 @@ QDomElement fieldOf(const QDomDocument& document, std::size_t index = 0) {
 std::vector<QDomElement> generatedTargets(const QDomElement& field) {
     std::vector<QDomElement> generated;
     for (const QDomElement& target : children(field, "target")) {
-        if (text(target, "automatic") == "1") {
+        if (attributeText(target, "automatic") == "1") {
             generated.push_back(target);
         }
     }
@@ -29,8 +29,8 @@ std::vector<QDomElement> generatedTargets(const QDomElement& field) {
 std::vector<std::string> namesWithIds(const QDomElement& field) {
     std::vector<std::string> names;
     for (const QDomElement& target : elements(field, "target")) {
-        if (text(target, "automatic") != "1") {
-            names.push_back(text(target, "targname") + " " + text(target, "configid"));
+        if (attributeText(target, "automatic") != "1") {
+            names.push_back(attributeText(target, "targname") + " " + attributeText(target, "configid"));
         }
     }
     return names;
@@ -54,9 +54,9 @@ TEST(ConfigurationRun, UsesTheFibreThatTheScienceTargetCarries) {
             configured(documentWithFields({fieldXml(scienceTargetXml(attribute) + guideStarXml())}));
         const QDomElement science = children(fieldOf(output), "target").at(0);
         // The identifier is not negated here, not even that of the broken fibre 160.
-        EXPECT_EQ(text(science, "fibreid"), fibreid);
-        EXPECT_EQ(text(science, "configid"), fibreid);
-        EXPECT_EQ(text(science, "ifu_spaxel"), spaxel);
+        EXPECT_EQ(attributeText(science, "fibreid"), fibreid);
+        EXPECT_EQ(attributeText(science, "configid"), fibreid);
+        EXPECT_EQ(attributeText(science, "ifu_spaxel"), spaxel);
         EXPECT_NEAR(number(science, "targx"), 0.0, kPlateToleranceMm);
         EXPECT_NEAR(number(science, "targy"), y, kPlateToleranceMm);
         EXPECT_EQ(generatedTargets(fieldOf(output)).size(), 602U);
@@ -68,17 +68,18 @@ TEST(ConfigurationRun, ConfiguresEveryFieldAndWritesOnlyTheFirstCentreIntoTheObs
     const QDomElement first = fieldOf(output, 0);
     const QDomElement second = fieldOf(output, 1);
     const QDomElement observation = onlyElement(output, "observation");
-    EXPECT_EQ(text(observation, "RA_d") + text(observation, "Dec_d"), text(first, "RA_d") + text(first, "Dec_d"));
+    EXPECT_EQ(attributeText(observation, "RA_d") + attributeText(observation, "Dec_d"),
+              attributeText(first, "RA_d") + attributeText(first, "Dec_d"));
     EXPECT_NEAR(number(second, "RA_d"), 150.2, 0.001);
     EXPECT_NEAR(number(second, "Dec_d"), 21.1 + 20.0 / 202.84, 0.0005);
     for (const QDomElement& field : {first, second}) {
         EXPECT_EQ(generatedTargets(field).size(), 602U);
-        EXPECT_EQ(text(children(field, "target").at(0), "ifu_spaxel"), "C14");
-        EXPECT_EQ(text(children(field, "target").at(1), "configid"), "0");
+        EXPECT_EQ(attributeText(children(field, "target").at(0), "ifu_spaxel"), "C14");
+        EXPECT_EQ(attributeText(children(field, "target").at(1), "configid"), "0");
         EXPECT_NEAR(number(children(field, "target").at(1), "targy"), -20.0 + 20.3, 0.1);
     }
-    EXPECT_EQ(text(generatedTargets(first).front(), "targname"), "Galaxy");
-    EXPECT_EQ(text(generatedTargets(second).front(), "targname"), "Galaxy 2");
+    EXPECT_EQ(attributeText(generatedTargets(first).front(), "targname"), "Galaxy");
+    EXPECT_EQ(attributeText(generatedTargets(second).front(), "targname"), "Galaxy 2");
 }
 
 TEST(ConfigurationRun, ConfiguresARepeatedFieldAsItDidTheFirstTime) {
@@ -102,7 +103,7 @@ TEST(ConfigurationRun, TakesTheLastScienceTargetBeforeTheGuideStarIsSeen) {
     const std::string other = targetXml("T", "Other", "150.15000000", "20.15000000");
     const QDomDocument later = configured(documentWithFields({fieldXml(scienceTargetXml() + other + guideStarXml())}));
     EXPECT_EQ(namesWithIds(fieldOf(later)), (std::vector<std::string>{"Galaxy 2", "Other 304", "Star 0"}));
-    EXPECT_EQ(text(generatedTargets(fieldOf(later)).front(), "targname"), "Other");
+    EXPECT_EQ(attributeText(generatedTargets(fieldOf(later)).front(), "targname"), "Other");
 
     const QDomDocument stopped =
         configured(documentWithFields({fieldXml(scienceTargetXml() + guideStarXml() + other)}));
@@ -155,5 +156,5 @@ TEST(ConfigurationRun, TakesAnObservationAsTheDocumentElement) {
         configured(R"(<observation datamver="8.00"><configure><conditions epoch="2024.5"/></configure><fields>)" +
                    ordinaryFieldXml() + "</fields></observation>");
     EXPECT_EQ(generatedTargets(fieldOf(output)).size(), 602U);
-    EXPECT_EQ(text(output.documentElement(), "RA_d"), text(fieldOf(output), "RA_d"));
+    EXPECT_EQ(attributeText(output.documentElement(), "RA_d"), attributeText(fieldOf(output), "RA_d"));
 }

@@ -49,8 +49,8 @@ TEST(ConfigureElementRun, WritesTheEarlierLimitAsLatestAndTheLaterAsEarliest) {
     // 2000 and refraction move it by less than a minute of time. The rotator's limits are not reached in between.
     constexpr double kMinuteOfTimeHours = 1.0 / 60;
     EXPECT_NEAR(number(limits, "latest"), -4.78, kMinuteOfTimeHours);
-    EXPECT_EQ("-" + text(limits, "earliest"), text(limits, "latest"));
-    EXPECT_THAT(text(limits, "latest"), testing::MatchesRegex("-[0-9]\\.[0-9]{4}"));
+    EXPECT_EQ("-" + attributeText(limits, "earliest"), attributeText(limits, "latest"));
+    EXPECT_THAT(attributeText(limits, "latest"), testing::MatchesRegex("-[0-9]\\.[0-9]{4}"));
     EXPECT_EQ(limits.attributes().count(), 2);
 }
 
@@ -60,8 +60,8 @@ TEST(ConfigureElementRun, ReusesTheFirstHourAngleLimitsAndIgnoresASecond) {
                           <conditions epoch="2024.5"/></configure>)");
     const std::vector<QDomElement> limits = elements(output, "hour_angle_limits");
     ASSERT_EQ(limits.size(), 2U);
-    EXPECT_EQ(text(limits.at(0), "comment"), "kept");
-    EXPECT_EQ("-" + text(limits.at(0), "earliest"), text(limits.at(0), "latest"));
+    EXPECT_EQ(attributeText(limits.at(0), "comment"), "kept");
+    EXPECT_EQ("-" + attributeText(limits.at(0), "earliest"), attributeText(limits.at(0), "latest"));
     EXPECT_EQ(attributes(limits.at(1)), (Attributes{{"latest", "8"}}));
 }
 
@@ -71,5 +71,5 @@ TEST(ConfigureElementRun, WritesADocumentWithoutFieldsWithItsConfigureElementAlo
     const QDomDocument output = configured(definition.text());
     EXPECT_TRUE(elements(output, "target").empty());
     EXPECT_FALSE(onlyElement(output, "observation").hasAttribute("RA_d"));
-    EXPECT_EQ(text(onlyElement(output, "configure"), "configure_version"), "3.3.5");
+    EXPECT_EQ(attributeText(onlyElement(output, "configure"), "configure_version"), "3.3.5");
 }

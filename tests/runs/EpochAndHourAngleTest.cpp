@@ -85,7 +85,7 @@ TEST(Epoch, OfTheCommandLineWinsOverTheDocument) {
                      {R"(epoch="2016.0")", {"--epoch", "0"}, 2016.0},
                      {R"(epoch="2016.0")", {"--epoch", "1500"}, 1500.0}},
                     kEpochTextTolerance);
-    EXPECT_EQ(text(WrittenConditions(R"(epoch="2016.0")", {"--epoch", "2020.0"}).element, "epoch"), "2020.00");
+    EXPECT_EQ(attributeText(WrittenConditions(R"(epoch="2016.0")", {"--epoch", "2020.0"}).element, "epoch"), "2020.00");
 }
 
 TEST(Epoch, ThatIsMissingIsTheDateOfJulianEpochZeroAndDoesNotStopTheRun) {
@@ -131,7 +131,7 @@ TEST(Epoch, IsWrittenAsTheDateToWhichTheHourAngleHasMovedIt) {
     std::vector<std::string> epochs;
     for (const char* hourAngle : {"0", "12"}) {
         const QDomDocument output = configured(definition.text(), {"--ha", hourAngle, "--horizon_limit", "-20"});
-        epochs.push_back(text(onlyElement(output, "conditions"), "epoch"));
+        epochs.push_back(attributeText(onlyElement(output, "conditions"), "epoch"));
     }
     std::sort(epochs.begin(), epochs.end());
     EXPECT_EQ(epochs, (std::vector<std::string>{"2024.50", "2024.51"}));
@@ -153,7 +153,7 @@ TEST(HorizonLimit, IsAnAltitudeInDegrees) {
     const QDomDocument usual = configured(FieldDefinition().text());
     const QDomDocument given = configured(FieldDefinition().text(), {"--horizon_limit", "25"});
     const auto latest = [](const QDomDocument& output) {
-        return text(onlyElement(output, "hour_angle_limits"), "latest");
+        return attributeText(onlyElement(output, "hour_angle_limits"), "latest");
     };
     EXPECT_EQ(latest(given), latest(usual));
     EXPECT_GT(number(onlyElement(low, "hour_angle_limits"), "latest"),

@@ -1,4 +1,3 @@
-#include "Mount.h"
 #include "outputRun.h"
 #include "ownConfiguration.h"
 #include "privilege.h"

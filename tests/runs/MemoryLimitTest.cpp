@@ -1,7 +1,6 @@
 #include "Program.h"
 #include "TemporaryFolder.h"
 #include "fieldDefinition.h"
-#include "outputFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -66,7 +66,7 @@ Place guideFromScience(const QDomDocument& output) {
 std::string skyOf(const QDomDocument& output) {
     std::string sky;
     for (const QDomElement& target : elements(output, "target")) {
-        sky += text(target, "targra") + " " + text(target, "targdec") + "\n";
+        sky += attributeText(target, "targra") + " " + attributeText(target, "targdec") + "\n";
     }
     return sky;
 }
@@ -104,11 +104,11 @@ TEST(OwnConfiguration, PutsATurnedAndThinnedBundleWhereItsDefinitionSays) {
     const double cosine = std::sqrt(0.75); // cos 30°; sin 30° is 1/2
     for (std::size_t i = 0; i < targets.size(); ++i) {
         SCOPED_TRACE(expected[i].configid);
-        EXPECT_EQ(text(targets[i], "configid"), expected[i].configid);
-        EXPECT_EQ(text(targets[i], "fibreid"), expected[i].fibreid);
-        EXPECT_EQ(text(targets[i], "ifu_spaxel"), expected[i].spaxel);
-        EXPECT_EQ(text(targets[i], "targuse"), expected[i].use);
-        if (text(targets[i], "targuse") != "G") {
+        EXPECT_EQ(attributeText(targets[i], "configid"), expected[i].configid);
+        EXPECT_EQ(attributeText(targets[i], "fibreid"), expected[i].fibreid);
+        EXPECT_EQ(attributeText(targets[i], "ifu_spaxel"), expected[i].spaxel);
+        EXPECT_EQ(attributeText(targets[i], "targuse"), expected[i].use);
+        if (attributeText(targets[i], "targuse") != "G") {
             const Place place = placeOf(targets[i]);
             EXPECT_NEAR(place.x, 12.5 + expected[i].x * cosine - expected[i].y / 2, kPlateToleranceMm);
             EXPECT_NEAR(place.y, -7.25 + expected[i].x / 2 + expected[i].y * cosine, kPlateToleranceMm);

@@ -1,5 +1,5 @@
-#include "Mount.h"
 #include "outputRun.h"
+#include "privilege.h"
 
 #include <gtest/gtest.h>
 #include <sstream>

@@ -22,7 +22,7 @@ std::string document(const std::string& id = "1000") {
 std::map<std::string, int> idCounts(const QDomElement& field) {
     std::map<std::string, int> counts;
     for (const QDomElement& target : elements(field, "target")) {
-        ++counts[text(target, "configid")];
+        ++counts[attributeText(target, "configid")];
     }
     return counts;
 }

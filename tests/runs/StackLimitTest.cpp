@@ -1,6 +1,6 @@
 #include "Program.h"
 #include "TemporaryFolder.h"
-#include "repeated.h"
+#include "fieldDefinition.h"
 
 #include <gtest/gtest.h>
 

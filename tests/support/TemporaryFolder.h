@@ -1,7 +1,11 @@
 #ifndef POS_TESTS_TEMPORARYFOLDER_H
 #define POS_TESTS_TEMPORARYFOLDER_H
 
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <set>
 #include <string>
+#include <sys/stat.h>
 
 /** A folder of a test's own, removed with all that is in it when the object goes. */
 class TemporaryFolder {
@@ -31,5 +35,26 @@ private:
 
 /** The bytes of any file, by its name. Fails the test when it cannot be read. */
 std::string readBytes(const std::string& name);
+
+/** What stands in a folder, by name, without what is further below. */
+inline std::set<std::string> entriesOf(const std::string& folder) {
+    std::set<std::string> entries;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        entries.insert(entry.path().filename().string());
+    }
+    return entries;
+}
+
+/** What the file system knows about a name; a symbolic link is not followed. Fails the test when nothing is there. */
+inline struct stat statusOf(const std::string& name) {
+    struct stat status {};
+    EXPECT_EQ(::lstat(name.c_str(), &status), 0) << name;
+    return status;
+}
+
+/** The permissions of a file, set-id bits included. */
+inline mode_t modeOf(const std::string& name) {
+    return statusOf(name).st_mode & ALLPERMS;
+}
 
 #endif

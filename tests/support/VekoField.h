@@ -6,8 +6,8 @@
 #include "ProcessWideState.h"
 #include "Veko.h"
 #include "VekoXML.h"
+#include "ownConfiguration.h"
 #include "pointing.h"
-#include "tenFibres.h"
 #include "xml.h"
 
 #include <memory>

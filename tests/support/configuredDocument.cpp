@@ -59,14 +59,10 @@ std::vector<QDomElement> children(const QDomElement& parent, const std::string& 
     return found;
 }
 
-std::string text(const QDomElement& element, const std::string& attribute) {
-    return element.attribute(QString::fromStdString(attribute), QStringLiteral("(absent)")).toStdString();
-}
-
 double number(const QDomElement& element, const std::string& attribute) {
     bool ok = false;
     const double value = element.attribute(QString::fromStdString(attribute)).toDouble(&ok);
-    EXPECT_TRUE(ok) << attribute << " is '" << text(element, attribute) << "'";
+    EXPECT_TRUE(ok) << attribute << " is '" << attributeText(element, attribute) << "'";
     return value;
 }
 

@@ -2,6 +2,7 @@
 #define POS_TESTS_CONFIGUREDDOCUMENT_H
 
 #include "Program.h"
+#include "xml.h"
 
 #include <QDomDocument>
 #include <map>
@@ -34,9 +35,6 @@ QDomElement onlyElement(const QDomNode& node, const std::string& name);
 
 /** The child elements of a name. */
 std::vector<QDomElement> children(const QDomElement& parent, const std::string& name);
-
-/** An attribute's text; "(absent)" where there is none. */
-std::string text(const QDomElement& element, const std::string& attribute);
 
 /** An attribute as a number. Fails the test when it is none. */
 double number(const QDomElement& element, const std::string& attribute);

@@ -3,8 +3,7 @@
 
 #include "Program.h"
 #include "TemporaryFolder.h"
-#include "outputFolder.h"
-#include "plainField.h"
+#include "fieldDefinition.h"
 #include "privilege.h"
 
 #include <filesystem>

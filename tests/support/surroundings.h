@@ -3,8 +3,10 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <gtest/gtest.h>
 #include <optional>
 #include <string>
+#include <sys/resource.h>
 
 /** Makes a folder the working directory of this process until the object goes. */
 class WorkingFolder {
@@ -53,6 +55,26 @@ private:
 
     std::string name_;
     std::optional<std::string> before_;
+};
+
+/** Lets no file of this process grow beyond a size, in bytes, until the object goes. */
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t size) {
+        EXPECT_EQ(::getrlimit(RLIMIT_FSIZE, &before_), 0);
+        const struct rlimit limit { size, before_.rlim_max };
+        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+    }
+    ~FileSizeLimit() {
+        ::setrlimit(RLIMIT_FSIZE, &before_);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+    FileSizeLimit(FileSizeLimit&&) = delete;
+    FileSizeLimit& operator=(FileSizeLimit&&) = delete;
+
+private:
+    struct rlimit before_ {};
 };
 
 #endif

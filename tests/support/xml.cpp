@@ -51,3 +51,18 @@ std::string treeText(const QDomNode& node) {
     describe(node, 0, text);
     return text.str();
 }
+
+std::string attributeText(const QDomElement& element, const std::string& name) {
+    return element.attribute(QString::fromStdString(name), QStringLiteral("(absent)")).toStdString();
+}
+
+std::string setterText(double value) {
+    QDomDocument document;
+    QDomElement element = document.createElement(QStringLiteral("e"));
+    element.setAttribute(QStringLiteral("v"), value);
+    return element.attribute(QStringLiteral("v")).toStdString();
+}
+
+std::string fixedPointText(double value, int decimals) {
+    return QString::number(value, 'f', decimals).toStdString();
+}

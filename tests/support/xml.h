@@ -16,4 +16,13 @@ QDomElement parseElement(const std::string& text);
  */
 std::string treeText(const QDomNode& node);
 
+/** An attribute of an element, UTF-8; "(absent)" where the element does not have it. */
+std::string attributeText(const QDomElement& element, const std::string& name);
+
+/** The text that the XML library's own setter gives a double. */
+std::string setterText(double value);
+
+/** A number in fixed-point notation, as the XML library's own formatting gives it. */
+std::string fixedPointText(double value, int decimals);
+
 #endif

@@ -1,6 +1,5 @@
 #include "ConditionsXML.h"
 #include "Estimates.h"
-#include "attributeText.h"
 #include "xml.h"
 
 #include <erfa.h>

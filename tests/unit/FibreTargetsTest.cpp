@@ -1,8 +1,8 @@
 #include "FibreTargets.h"
 
 #include "VekoField.h"
-#include "attributeText.h"
 #include "thrown.h"
+#include "xml.h"
 
 #include <cmath>
 

@@ -1,6 +1,5 @@
 #include "FieldTargets.h"
 
-#include "attributeText.h"
 #include "thrown.h"
 #include "xml.h"
 

@@ -2,7 +2,6 @@
 
 #include "ProcessWideState.h"
 #include "TemporaryFolder.h"
-#include "attributeText.h"
 #include "thrown.h"
 #include "tolerances.h"
 #include "xml.h"

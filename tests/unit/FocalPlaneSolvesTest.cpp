@@ -1,10 +1,10 @@
 #include "FocalPlane.h"
 #include "ProcessWideState.h"
 #include "angles.h"
-#include "attributeText.h"
 #include "pointing.h"
 #include "thrown.h"
 #include "tolerances.h"
+#include "xml.h"
 
 #include <algorithm>
 #include <cmath>

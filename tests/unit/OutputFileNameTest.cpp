@@ -1,5 +1,5 @@
 #include "OutputFile.h"
-#include "outputFolder.h"
+#include "TemporaryFolder.h"
 #include "surroundings.h"
 #include "thrown.h"
 

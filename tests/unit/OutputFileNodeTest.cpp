@@ -1,7 +1,7 @@
-#include "Mount.h"
 #include "OutputFile.h"
-#include "outputFolder.h"
+#include "TemporaryFolder.h"
 #include "privilege.h"
+#include "surroundings.h"
 #include "thrown.h"
 
 #include <fcntl.h>

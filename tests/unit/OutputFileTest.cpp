@@ -1,5 +1,6 @@
 #include "OutputFile.h"
-#include "outputFolder.h"
+#include "TemporaryFolder.h"
+#include "surroundings.h"
 #include "thrown.h"
 
 #include <fcntl.h>

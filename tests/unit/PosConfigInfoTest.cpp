@@ -2,7 +2,7 @@
 #include "ProcessWideState.h"
 #include "TemporaryFolder.h"
 #include "Version.h"
-#include "repeated.h"
+#include "fieldDefinition.h"
 #include "surroundings.h"
 #include "thrown.h"
 

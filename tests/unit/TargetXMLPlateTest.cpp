@@ -4,7 +4,6 @@
 #include "FieldXML.h"
 #include "Plate.h"
 #include "ProcessWideState.h"
-#include "attributeText.h"
 #include "pointing.h"
 #include "xml.h"
 

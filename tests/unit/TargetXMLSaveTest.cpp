@@ -1,6 +1,5 @@
 #include "TargetXML.h"
 
-#include "attributeText.h"
 #include "thrown.h"
 #include "xml.h"
 

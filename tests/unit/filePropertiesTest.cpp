@@ -1,6 +1,6 @@
 #include "OutputFile.h"
+#include "TemporaryFolder.h"
 #include "extendedAttributes.h"
-#include "outputFolder.h"
 #include "privilege.h"
 
 #include <gtest/gtest.h>

@@ -2,9 +2,9 @@
 
 #include "TargetXML.h"
 #include "VekoField.h"
-#include "attributeText.h"
 #include "thrown.h"
 #include "tolerances.h"
+#include "xml.h"
 
 #include <cmath>
 

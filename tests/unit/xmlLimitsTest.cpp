@@ -1,5 +1,5 @@
+#include "fieldDefinition.h"
 #include "parsedXml.h"
-#include "repeated.h"
 
 #include <vector>
 
