@@ -19,17 +19,10 @@ target_compile_options(
 
 add_library(pos_sanitizers INTERFACE)
 if(POS_SANITIZE)
-  target_compile_options(pos_sanitizers INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
-                                                  -fno-omit-frame-pointer
-                                                  # lines are enough for a report
-                                                  -g1
-                                                  # GCC takes instrumented Boost code for uninitialised
-                                                  $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
+  # Lines are enough for a report. Coverage is for the fuzzing engine, which only the fuzzers themselves link.
+  target_compile_options(pos_sanitizers INTERFACE -fsanitize=address,undefined,fuzzer-no-link -fno-sanitize-recover=all
+                                                  -fno-omit-frame-pointer -g1)
   target_link_options(pos_sanitizers INTERFACE -fsanitize=address,undefined)
-endif()
-if(POS_FUZZ)
-  # Coverage for the fuzzing engine, which only the fuzzers themselves link; checks in the standard containers.
-  target_compile_options(pos_sanitizers INTERFACE -fsanitize=fuzzer-no-link)
   target_compile_definitions(pos_sanitizers INTERFACE _GLIBCXX_ASSERTIONS)
 endif()
 

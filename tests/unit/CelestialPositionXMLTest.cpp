@@ -117,7 +117,7 @@ TEST(CelestialPositionXML, TheFirstBadAttributeOfAPositionIsToldInTheStatedOrder
         std::string attributes;
         const char* message;
     };
-    for (const auto& [attributes, message] : std::vector<Row>{
+    for (const Row& row : std::vector<Row>{
              {"targdec='-20.25000'", " has no targra"},
              {"targra='10.50000'", " has no targdec"},
              {"targra='' targdec='y'", " has an invalid targra ''"},
@@ -135,14 +135,13 @@ TEST(CelestialPositionXML, TheFirstBadAttributeOfAPositionIsToldInTheStatedOrder
              {kPlace + "targrv='e' targparal='d' targpmdec='c'", " position has an invalid proper motion 'c'"},
              {kPlace + "targrv='e' targparal=' '", " position has an invalid parallax ' '"},
              {kPlace + "targrv='1,5'", " position has an invalid radial velocity '1,5'"}}) {
-        EXPECT_EQ(messageOf([&] { readIcrs(attributes); }), std::string("Target m31") + message);
+        EXPECT_EQ(messageOf([&] { readIcrs(row.attributes); }), std::string("Target m31") + row.message);
     }
-    for (const auto& [attributes, message] :
-         std::vector<Row>{{"Dec_d='y' RA_d='x'", " has an invalid RA 'x'"},
-                          {"RA_d='%%'", " has an invalid RA '%%'"},
-                          {"Dec_d='%%%%'", " has an invalid Dec '%%%%'"},
-                          {"Dec_d='1.5'", " Dec_d '1.5' does not have enough precision"}}) {
-        EXPECT_EQ(messageOf([&] { readAstrometric(attributes); }), std::string("Field centre") + message);
+    for (const Row& row : std::vector<Row>{{"Dec_d='y' RA_d='x'", " has an invalid RA 'x'"},
+                                           {"RA_d='%%'", " has an invalid RA '%%'"},
+                                           {"Dec_d='%%%%'", " has an invalid Dec '%%%%'"},
+                                           {"Dec_d='1.5'", " Dec_d '1.5' does not have enough precision"}}) {
+        EXPECT_EQ(messageOf([&] { readAstrometric(row.attributes); }), std::string("Field centre") + row.message);
     }
 }
 
