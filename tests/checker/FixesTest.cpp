@@ -38,6 +38,13 @@ TEST(Fixes, LeaveEverythingElseByteForByte) {
     EXPECT_EQ(mended(marked), "\xef\xbb\xbf" + documentWith(QStringLiteral("8.00")).arg("utf-8").toUtf8());
 }
 
+TEST(Fixes, MendANameInBothTags) {
+    QByteArray wrong = QByteArray::fromStdString(kFaultless);
+    wrong.replace("observation", "Observation").replace("<fields>", "<Fields >").replace("</fields>", "</Fields\n>");
+    QByteArray right = wrong;
+    EXPECT_EQ(mended(wrong), right.replace("Observation", "observation").replace("Fields", "fields"));
+}
+
 TEST(Fixes, TheDiffIsOneThatPatchApplies) {
     const QByteArray before = "1\n2\n3\n4\nold\n6\n7\n8\n9\n10\n11\n12\n13\nold";
     const QByteArray after = "1\n2\n3\n4\nnew\n6\n7\n8\n9\n10\n11\n12\n13\nnew";

@@ -42,6 +42,13 @@ struct Problem {
     std::string message;           ///< one sentence without its full stop
     std::string help;              ///< what to do, one sentence without its full stop
     std::optional<QByteArray> fix; ///< what to write in the place instead, UTF-8
+    /** The name in an end tag, in whose place the fix is to be written too. */
+    std::optional<Span> endName = std::nullopt;
+
+    /** The places that the fix goes to. */
+    std::vector<Span> fixedPlaces() const {
+        return endName ? std::vector{place, *endName} : std::vector{place};
+    }
 };
 
 /** Gathers the problems of one document. */
@@ -49,17 +56,22 @@ class Problems {
 public:
     /** Adds a problem of the rule's own severity. */
     void add(const Rule& rule, Span place, const std::string& message, const std::string& help,
-             const std::optional<QByteArray>& fix = std::nullopt) {
-        add(rule, rule.severity, place, message, help, fix);
+             const std::optional<QByteArray>& fix = std::nullopt, std::optional<Span> endName = std::nullopt) {
+        add(rule, rule.severity, place, message, help, fix, endName);
     }
     /** Adds a problem of another severity. */
     void add(const Rule& rule, Severity severity, Span place, const std::string& message, const std::string& help,
-             const std::optional<QByteArray>& fix = std::nullopt) {
-        problems_.push_back({&rule, severity, place, message, help, fix});
+             const std::optional<QByteArray>& fix = std::nullopt, std::optional<Span> endName = std::nullopt) {
+        problems_.push_back({&rule, severity, place, message, help, fix, endName});
     }
 
     const std::vector<Problem>& all() const {
         return problems_;
+    }
+
+    /** Removes the problems for which a function says so. */
+    template <typename IsUnwanted> void removeIf(const IsUnwanted& isUnwanted) {
+        std::erase_if(problems_, isUnwanted);
     }
 
     /**

@@ -63,18 +63,19 @@ private:
 /** Pairs the elements of a tree with the places of their tags. */
 class Locator {
 public:
-    Locator(const QByteArray& text, const std::vector<int>& tags) : text_(text), nextTag_(tags.begin()) {}
+    Locator(const QByteArray& text, const std::vector<TagPlaces>& tags) : text_(text), nextTag_(tags.begin()) {}
 
     // NOLINTNEXTLINE(misc-no-recursion): the parser limits the depth
     std::unique_ptr<SourceElement> locate(const QDomElement& node, const SourceElement* parent) {
         auto element = std::make_unique<SourceElement>();
         element->node = node;
         element->parent = parent;
-        const int begin = *nextTag_++;
-        if (text_.at(begin) == '<') {
-            scanTag(*element, begin);
+        const TagPlaces tags = *nextTag_++;
+        element->isWhole = tags.end >= 0;
+        if (text_.at(tags.start) == '<') {
+            scanTags(*element, tags);
         } else {
-            placeAtReference(*element, begin);
+            placeAtReference(*element, tags.start);
         }
         for (QDomElement child = node.firstChildElement(); !child.isNull(); child = child.nextSiblingElement()) {
             element->children.push_back(locate(child, element.get()));
@@ -83,15 +84,22 @@ public:
     }
 
 private:
-    void scanTag(SourceElement& element, int begin) {
-        TagScanner scanner(text_, begin);
+    void scanTags(SourceElement& element, TagPlaces tags) {
+        TagScanner scanner(text_, tags.start);
         element.namePlace = scanner.name();
         while (!scanner.hasEnded()) {
             const Span name = scanner.name();
             const QString nameText = QString::fromUtf8(text_.mid(name.begin, name.end - name.begin));
             element.attributes.push_back({nameText, element.node.attribute(nameText), name, scanner.value()});
         }
-        element.tag = {begin, scanner.end()};
+        element.tag = {tags.start, scanner.end()};
+        if (element.isWhole && !isEmptyTag(element.tag)) {
+            element.endNamePlace = TagScanner(text_, tags.end + 1).name();
+        }
+    }
+
+    bool isEmptyTag(Span tag) const {
+        return text_.at(tag.end - 2) == '/';
     }
 
     void placeAtReference(SourceElement& element, int begin) {
@@ -105,7 +113,7 @@ private:
     }
 
     const QByteArray& text_;
-    std::vector<int>::const_iterator nextTag_;
+    std::vector<TagPlaces>::const_iterator nextTag_;
 };
 
 } // namespace
@@ -116,9 +124,8 @@ const SourceAttribute* SourceElement::attribute(const QString& attributeName) co
     return found == attributes.end() ? nullptr : &*found;
 }
 
-std::unique_ptr<SourceElement> locateElements(const QByteArray& text, const QDomDocument& document,
-                                              const std::vector<int>& tags) {
-    return Locator(text, tags).locate(document.documentElement(), nullptr);
+std::unique_ptr<SourceElement> locateElements(const QByteArray& text, const ParsedXml& parsed) {
+    return Locator(text, parsed.tags).locate(parsed.document.documentElement(), nullptr);
 }
 
 } // namespace pos

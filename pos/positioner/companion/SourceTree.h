@@ -6,6 +6,7 @@
 #define POS_SOURCETREE_H
 
 #include "SourceText.h"
+#include "xmlParse.h"
 
 #include <QDomElement>
 #include <memory>
@@ -27,6 +28,8 @@ struct SourceElement {
     QDomElement node; ///< the same element in the tree
     Span tag;         ///< the start tag with its brackets
     Span namePlace;
+    std::optional<Span> endNamePlace;      ///< in the end tag; nothing where none is written
+    bool isWhole = false;                  ///< whether its end has been read
     const SourceElement* parent = nullptr; ///< null for the document element
     std::vector<SourceAttribute> attributes;
     std::vector<std::unique_ptr<SourceElement>> children;
@@ -42,12 +45,10 @@ struct SourceElement {
  * Finds the places of a document's elements and attributes.
  *
  * @param text the text that was parsed
- * @param document its tree
- * @param tags where the tag of each element begins, as parseXml gives it
+ * @param parsed what parseXml or parseXmlBeginning made of it, with a document element
  * @return the document element
  */
-std::unique_ptr<SourceElement> locateElements(const QByteArray& text, const QDomDocument& document,
-                                              const std::vector<int>& tags);
+std::unique_ptr<SourceElement> locateElements(const QByteArray& text, const ParsedXml& parsed);
 
 } // namespace pos
 

@@ -71,7 +71,7 @@ void applyRules(const CheckedDocument& document, Problems& problems) {
 
 void checkTree(const SourceText& text, const ParsedXml& parsed, Instrument& instrument, const CheckOptions& options,
                Problems& problems) {
-    const std::unique_ptr<SourceElement> root = locateElements(text.utf8(), parsed.document, parsed.tags);
+    const std::unique_ptr<SourceElement> root = locateElements(text.utf8(), parsed);
     CheckedDocument document{text, *root, options, instrument};
     findParts(document);
     document.failure = failureOf(document, parsed.document.cloneNode().toDocument());

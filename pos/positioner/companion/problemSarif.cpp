@@ -45,9 +45,13 @@ Json resultJson(const Problem& problem, std::size_t ruleIndex, const CheckedFile
         {"message", text(problem.message + (problem.help.empty() ? "" : ". " + problem.help))},
         {"locations", {{{"physicalLocation", {{"artifactLocation", artifactJson(file.name)}, {"region", region}}}}}}};
     if (problem.fix) {
-        const Json replacement = {{"deletedRegion", region}, {"insertedContent", text(problem.fix->toStdString())}};
+        Json replacements = Json::array();
+        for (const Span place : problem.fixedPlaces()) {
+            replacements.push_back({{"deletedRegion", regionJson(place, file.result.text)},
+                                    {"insertedContent", text(problem.fix->toStdString())}});
+        }
         result["fixes"] = {
-            {{"artifactChanges", {{{"artifactLocation", artifactJson(file.name)}, {"replacements", {replacement}}}}}}};
+            {{"artifactChanges", {{{"artifactLocation", artifactJson(file.name)}, {"replacements", replacements}}}}}};
     }
     return result;
 }

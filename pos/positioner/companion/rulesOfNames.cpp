@@ -24,15 +24,12 @@ std::string listed(const std::vector<QString>& names, const std::string& conjunc
     return list;
 }
 
-/** What to write instead of a name, where that is certain: an end tag would have to change too. */
+/** What to write instead of a name, where that is certain. */
 std::optional<QByteArray> nameFix(const MisusedName& name, const CheckedDocument& document) {
-    const QByteArray& text = document.text.utf8();
-    const Span tag = name.element->tag;
-    const bool isWritten = text.at(tag.begin) == '<';
-    const bool hasEndTag = text.at(tag.end - 2) != '/';
+    const bool isWritten = document.text.utf8().at(name.element->tag.begin) == '<';
     const QString meant = name.meant.front();
     const bool isThere = name.attribute != nullptr && name.element->node.hasAttribute(meant);
-    if (name.meant.size() > 1 || !isWritten || isThere || (name.attribute == nullptr && hasEndTag)) {
+    if (name.meant.size() > 1 || !isWritten || isThere) {
         return std::nullopt;
     }
     return meant.toUtf8();
@@ -68,7 +65,7 @@ void findNearNames(const Rule& rule, const CheckedDocument& document, Problems& 
                      isThere                     ? "Remove it, or correct it: " + meant + " stands there too"
                      : name.attribute != nullptr ? "Write " + meant
                                                  : "Write " + meant + ", in the end tag too if there is one",
-                     fix);
+                     fix, name.attribute == nullptr ? name.element->endNamePlace : std::nullopt);
     });
 }
 

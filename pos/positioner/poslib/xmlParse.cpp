@@ -91,7 +91,12 @@ public:
     TreeBuilder(const QByteArray& text, const std::string& name)
         : text_(text), name_(name), maxNodes_(std::max(kSmallTree, text.size() / kMinBytesPerNode)) {}
 
-    ParsedXml build() {
+    void build() {
+        // From another beginning the parser would guess another encoding than the given one, or pass over a mark.
+        const bool beginsAsXml = text_.isEmpty() || std::strchr("< \t\r\n", text_.front()) != nullptr;
+        if (!beginsAsXml || text_.left(2).contains('\0')) {
+            throw MalformedXml(name_, 0);
+        }
         makeParser();
         XML_SetDoctypeDeclHandler(parser_.get(), call<&TreeBuilder::startDoctype>, call<&TreeBuilder::endDoctype>);
         XML_SetEntityDeclHandler(parser_.get(), call<&TreeBuilder::declareEntity>);
@@ -112,6 +117,10 @@ public:
                 fail();
             }
         }
+    }
+
+    /** What has been built so far. */
+    ParsedXml built() && {
         return {document_, contentBegin_, std::move(tags_)};
     }
 
@@ -292,12 +301,10 @@ private:
         if (XML_GetSpecifiedAttributeCount(parser_.get()) > 2 * kMaxAttributes) {
             refuse("has more than " + std::to_string(kMaxAttributes) + " attributes in one tag");
         }
-        if (++depth_ > kMaxElementDepth) {
+        if (open_.size() == std::size_t{kMaxElementDepth}) {
             refuse("is nested more than " + std::to_string(kMaxElementDepth) + " levels deep");
         }
         QDomElement element = document_.createElement(texts_.of(name));
-        append(element);
-        tags_.push_back(place());
         if (*attributes != nullptr) {
             countNode();
         }
@@ -305,13 +312,17 @@ private:
             countNode();
             element.setAttribute(texts_.of(attributes[0]), texts_.of(attributes[1]));
         }
+        append(element);
+        open_.push_back(tags_.size());
+        tags_.push_back({place()});
         current_ = element;
     }
 
     void endElement(const XML_Char* /*name*/) {
         appendText();
         current_ = current_.parentNode();
-        --depth_;
+        tags_[open_.back()].end = place();
+        open_.pop_back();
     }
 
     void characters(const XML_Char* text, int length) {
@@ -363,10 +374,10 @@ private:
     qint64 nodes_ = 0;
     qint64 declarations_ = 0; ///< bytes
     int declaredEntities_ = 0;
-    int depth_ = 0;
     int contentBegin_ = 0;
     int inputBegin_ = 0; ///< where the parser's input would begin in the text
-    std::vector<int> tags_;
+    std::vector<TagPlaces> tags_;
+    std::vector<std::size_t> open_; ///< the elements without their ends, by number
     bool inDoctype_ = false;
     bool isStandalone_ = false;
     bool isDeclaredElsewhere_ = false; ///< another file may declare entities
@@ -377,12 +388,20 @@ private:
 } // namespace
 
 ParsedXml parseXml(const QByteArray& text, const std::string& name) {
-    // From another beginning the parser would guess another encoding in spite of the given one, or pass over a mark.
-    const bool beginsAsXml = text.isEmpty() || std::strchr("< \t\r\n", text.front()) != nullptr;
-    if (!beginsAsXml || text.left(2).contains('\0')) {
-        throw MalformedXml(name, 0);
+    TreeBuilder builder(text, name);
+    builder.build();
+    return std::move(builder).built();
+}
+
+ParsedXml parseXmlBeginning(const QByteArray& text) {
+    const std::string noName;
+    TreeBuilder builder(text, noName);
+    try {
+        builder.build();
+    } catch (const std::runtime_error&) {
+        // That is why the tree is a beginning.
     }
-    return TreeBuilder(text, name).build();
+    return std::move(builder).built();
 }
 
 } // namespace pos

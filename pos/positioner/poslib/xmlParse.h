@@ -39,12 +39,17 @@ inline constexpr qint64 kSmallText = qint64{8} * 1024 * 1024;
 /** Most bytes of declarations in a document type, parameter entities replaced: they cost more than their length. */
 inline constexpr qint64 kMaxDeclarations = qint64{64} * 1024;
 
+/** Where the tags of an element begin, bytes; those of an entity's element stand at its reference. */
+struct TagPlaces {
+    int start = -1;
+    int end = -1; ///< behind the tag of an empty element; -1 where the text ends before
+};
+
 /** What parseXml makes of a text. */
 struct ParsedXml {
-    QDomDocument document; ///< the tree
-    int contentBegin;      ///< offset of the first byte behind the document type; 0 without one
-    /** Where the tag of each element begins, in document order, bytes; an entity's elements stand at its reference. */
-    std::vector<int> tags;
+    QDomDocument document;       ///< the tree
+    int contentBegin = 0;        ///< offset of the first byte behind the document type; 0 without one
+    std::vector<TagPlaces> tags; ///< of each element in document order
 };
 
 /**
@@ -64,6 +69,14 @@ struct ParsedXml {
  *     written in version … of XML, and only 1.0 is read", or name + the limit that the document exceeds, with its value
  */
 ParsedXml parseXml(const QByteArray& text, const std::string& name);
+
+/**
+ * Builds the tree of what stands before the place at which parseXml fails: whole tags, texts and other markup.
+ *
+ * @param text as above
+ * @return a tree that may be without elements; the last ones may lack their ends
+ */
+ParsedXml parseXmlBeginning(const QByteArray& text);
 
 } // namespace pos
 
