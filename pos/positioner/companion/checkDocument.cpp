@@ -1,6 +1,8 @@
 #include "checkDocument.h"
 
+#include "Field.h"
 #include "Instrument.h"
+#include "LimitsCalc.h"
 #include "MalformedXml.h"
 #include "RunMessages.h"
 #include "Version.h"
@@ -69,14 +71,47 @@ void applyRules(const CheckedDocument& document, Problems& problems) {
     }
 }
 
-void checkTree(const SourceText& text, const ParsedXml& parsed, Instrument& instrument, const CheckOptions& options,
-               Problems& problems) {
+/** Reads the bundle and the telescope, if they have not been read and can be. */
+void readInstrument(Instrument& instrument) {
+    if (instrument.fibres() != nullptr) {
+        return;
+    }
+    try {
+        static_cast<void>(instrument.pointedVeko(Field({}), {}));
+        static_cast<void>(instrument.limits(0.0));
+    } catch (const std::exception&) {
+        // The run on a document will fail with the same.
+    }
+}
+
+/**
+ * Whether a problem may be none for what stands behind the place where reading stopped: where an open element lacks
+ * something, or where its name may be meant for another.
+ */
+bool mayBeNone(const Problem& problem, const SourceElement& root) {
+    for (const SourceElement* open = &root; open != nullptr && !open->isWhole;
+         open = open->children.empty() ? nullptr : open->children.back().get()) {
+        const bool isAtName = open->tag.begin <= problem.place.begin && problem.place.begin < open->namePlace.end;
+        if (isAtName && problem.rule != &kUnreadable) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/** Checks what could be read of a document. @param isReadable whether that is all of it */
+void checkTree(const SourceText& text, const ParsedXml& parsed, bool isReadable, Instrument& instrument,
+               const CheckOptions& options, Problems& problems) {
     const std::unique_ptr<SourceElement> root = locateElements(text.utf8(), parsed);
     CheckedDocument document{text, *root, options, instrument};
+    readInstrument(instrument);
     findParts(document);
-    document.failure = failureOf(document, parsed.document.cloneNode().toDocument());
+    if (isReadable) {
+        document.failure = failureOf(document, parsed.document.cloneNode().toDocument());
+    }
     pointDocument(document);
     applyRules(document, problems);
+    problems.removeIf([&](const Problem& problem) { return mayBeNone(problem, *root); });
 }
 
 } // namespace
@@ -85,16 +120,24 @@ CheckResult checkDocument(const QByteArray& bytes, const std::string& name, Inst
                           const CheckOptions& options) {
     Problems problems;
     QByteArray utf8 = bytes;
+    ParsedXml parsed;
     try {
         utf8 = decodeXml(bytes, name);
-        const SourceText text(utf8);
-        checkTree(text, parseXml(utf8, name), instrument, options, problems);
+        parsed = parseXml(utf8, name);
     } catch (const MalformedXml& error) {
         addUnreadable(problems, error.offset(), error.what());
     } catch (const std::runtime_error& error) {
         addUnreadable(problems, 0, error.what());
     }
-    return {SourceText(utf8), std::move(problems).sorted()};
+    const bool isReadable = problems.all().empty();
+    if (!isReadable) {
+        parsed = parseXmlBeginning(utf8);
+    }
+    SourceText text(utf8);
+    if (!parsed.document.documentElement().isNull()) {
+        checkTree(text, parsed, isReadable, instrument, options, problems);
+    }
+    return {std::move(text), std::move(problems).sorted()};
 }
 
 } // namespace pos

@@ -23,7 +23,8 @@ struct CheckResult {
 
 /**
  * Finds every problem of a field definition. A document with which the run fails, for whatever reason but the writing
- * of its output, has at least one error, whose message holds the run's own; a document that it configures has none.
+ * of its output, has at least one error, whose message holds the run's own; a document that it configures has none. Of
+ * a document that cannot be read to its end, what stands before that place is checked as far as that needs no pointing.
  *
  * The optical model and the plate geometry of the process are then those of the instrument.
  *

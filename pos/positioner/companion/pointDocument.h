@@ -16,7 +16,7 @@ class Veko;
  *
  * The date is the one to which the first field's hour angle leads, found as the run finds it. Where the run fails for
  * another reason, what that spoils is left out: a field without a place, or every field where date or hour angle cannot
- * be read. Weather that cannot be read counts as absent.
+ * be read, or the end of the document. Weather that cannot be read counts as absent.
  *
  * @param document its parts must have been found. If it has a pointing, that is taken for the run's
  */

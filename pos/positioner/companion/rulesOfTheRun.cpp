@@ -159,7 +159,8 @@ const Rule kUnreadable = {"VK101",
                           "The document cannot be read",
                           "The document is not well-formed XML 1.0, its bytes are not those of its encoding, or it "
                           "exceeds a limit. The place "
-                          "is where the reader stopped; what stands before it is well-formed.",
+                          "is where the reader stopped. What stands before it is well-formed, and is checked except "
+                          "for the pointing; what stands behind it is not.",
                           R"(<conditions epoch="2027.25" ha="-1.0>)",
                           R"(<conditions epoch="2027.25" ha="-1.0"/>)"};
 

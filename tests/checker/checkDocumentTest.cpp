@@ -1,0 +1,72 @@
+#include "checked.h"
+
+#include "TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+// What a document that cannot be read to its end still tells.
+
+using namespace pos;
+using testing::Contains;
+using testing::ElementsAre;
+
+namespace {
+
+/** The codes and places of all problems: "VK101 3:7". */
+std::vector<std::string> codesOf(const CheckResult& result) {
+    std::vector<std::string> codes;
+    for (const Problem& problem : result.problems) {
+        const LineColumn place = result.text.at(problem.place.begin);
+        codes.push_back(problem.rule->code + (' ' + std::to_string(place.line)) + ':' + std::to_string(place.column));
+    }
+    return codes;
+}
+
+/** The faultless document with faults in version, hour angle and a name, cut behind a part of it. */
+std::string faultyUpTo(const std::string& part) {
+    std::string document = kFaultless;
+    for (const auto& [right, wrong] : {std::pair("8.00", "8.0"), {"-1.0", "1h"}, {"<fields>", "<fields><Field/>"}}) {
+        document.replace(document.find(right), std::string(right).size(), wrong);
+    }
+    return document.substr(0, document.find(part) + part.size());
+}
+
+} // namespace
+
+TEST(CheckDocument, TellsWhatStandsBeforeThePlaceWhereReadingStopped) {
+    EXPECT_THAT(codesOf(checked(faultyUpTo("Galaxy\""))),
+                ElementsAre("VK102 2:29", "VK303 5:93", "VK201 7:10", "VK101 9:1"));
+    EXPECT_THAT(codesOf(checked(faultyUpTo("ha=\""))), ElementsAre("VK102 2:29", "VK101 5:1"));
+}
+
+TEST(CheckDocument, TellsNothingThatMayStandBehindThatPlace) {
+    for (const std::string& document : {kFaultless, readBytes(POS_SOURCE_FOLDER "/examples/m74_groups.xml")}) {
+        const std::size_t end = document.rfind('>');
+        for (std::size_t size = 0; size < end; ++size) {
+            const CheckResult result = checked(document.substr(0, size));
+            ASSERT_EQ(result.problems.size(), 1U) << testing::PrintToString(problemsOf(result)) << size;
+            EXPECT_EQ(result.problems.front().rule->code, std::string("VK101"));
+        }
+    }
+}
+
+TEST(CheckDocument, PointsADocumentOfWhichNothingIsMissing) {
+    std::string document = kFaultless + "</fields>";
+    document.replace(document.find("-1.0"), 4, "10.0");
+    EXPECT_THAT(codesOf(checked(document)), ElementsAre("VK507 5:20", "VK501 8:14", "VK101 15:2"));
+}
+
+TEST(CheckDocument, TellsTheSameWhicheverDocumentIsTheFirst) {
+    std::string document = kFaultless;
+    document.replace(document.find("targname=\"Galaxy\""), 0, "fibreid=\"700\" ");
+    document += '<';
+    const PosConfig config(":/configure.xml", PosConfig::XML);
+    Instrument instrument(config);
+    const auto codes = [&] {
+        return codesOf(checkDocument(QByteArray::fromStdString(document), "field.xml", instrument, noOptions()));
+    };
+    const std::vector<std::string> first = codes();
+    EXPECT_THAT(first, Contains("VK110 9:18"));
+    EXPECT_EQ(codes(), first);
+}
