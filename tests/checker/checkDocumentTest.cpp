@@ -51,6 +51,11 @@ TEST(CheckDocument, TellsNothingThatMayStandBehindThatPlace) {
     }
 }
 
+TEST(CheckDocument, FindsAPlaceWhereThereIsNoElement) {
+    EXPECT_THAT(codesOf(checked("")), ElementsAre("VK101 1:1"));
+    EXPECT_THAT(codesOf(checked("<!DOCTYPE a>")), ElementsAre("VK101 1:13"));
+}
+
 TEST(CheckDocument, PointsADocumentOfWhichNothingIsMissing) {
     std::string document = kFaultless + "</fields>";
     document.replace(document.find("-1.0"), 4, "10.0");

@@ -191,7 +191,8 @@ private:
         if (error == XML_ERROR_UNDEFINED_ENTITY && isDeclaredElsewhere_) {
             refuseUnknownEntity();
         }
-        throw MalformedXml(name_, place());
+        // Without any token the parser has no place.
+        throw MalformedXml(name_, std::max(place(), contentBegin_));
     }
 
     [[noreturn]] void refuse(const std::string& what) const {
