@@ -277,7 +277,7 @@ void findFieldsWithoutPlace(const Rule& rule, const CheckedDocument& document, P
         const auto failure = placingFailure([&] {
             placeOnScience(veko, *pointing.field);
             const Target science = createTargetXML(pointing.field->science->node);
-            document.instrument.fibreTargets().requirePlaces(scienceFibre(science));
+            document.instrument.requirePlaces(scienceFibre(science));
         });
         if (failure) {
             problems.add(rule, valueOrOpening(*pointing.field->science, attr::targra),

@@ -19,9 +19,10 @@ namespace pos {
 namespace {
 
 /** Asks a reader of the run about each attribute of an element by itself. */
-template <typename Read>
-void askEachAttribute(const Rule& rule, const SourceElement& element, Problems& problems, const Read& read) {
-    if (!failureOf([&] { read(element.node); })) {
+template <typename Read> void askEachAttribute(const Rule& rule, const CheckedDocument& document,
+                                               const SourceElement& element, Problems& problems, const Read& read) {
+    const bool wasReadByRun = document.pointed.has_value();
+    if (wasReadByRun || !failureOf([&] { read(element.node); })) {
         return;
     }
     for (const SourceAttribute& attribute : element.attributes) {
@@ -56,7 +57,7 @@ void findNoConfigure(const Rule& rule, const CheckedDocument& document, Problems
 
 void findBadConditions(const Rule& rule, const CheckedDocument& document, Problems& problems) {
     if (document.conditions != nullptr) {
-        askEachAttribute(rule, *document.conditions, problems, createConditionsXML);
+        askEachAttribute(rule, document, *document.conditions, problems, createConditionsXML);
     }
 }
 
@@ -87,7 +88,7 @@ void findMissingTargets(const Rule& rule, const CheckedDocument& document, Probl
 
 void findBadTargets(const Rule& rule, const CheckedDocument& document, Problems& problems) {
     for (const SourceElement* target : document.targetsRead) {
-        askEachAttribute(rule, *target, problems, createTargetXML);
+        askEachAttribute(rule, document, *target, problems, createTargetXML);
         const std::string name = "Target " + target->node.attribute(attr::targname).toStdString();
         for (const QString& required : {attr::targra, attr::targdec}) {
             if (target->attribute(required) == nullptr) {
@@ -103,11 +104,12 @@ void findBadCentres(const Rule& rule, const CheckedDocument& document, Problems&
         return;
     }
     const SourceElement& field = *document.fields.front().element;
-    askEachAttribute(rule, field, problems, [](const QDomElement& e) { createAstrometricXML("Field centre", e); });
+    askEachAttribute(rule, document, field, problems,
+                     [](const QDomElement& e) { createAstrometricXML("Field centre", e); });
     const QDomElement masks = field.node.firstChildElement(tag::avoidanceList);
     visitElements(field, [&](const SourceElement& element) {
         if (element.name() == tag::mask && element.node.parentNode() == masks) {
-            askEachAttribute(rule, element, problems, createSkyMaskXML);
+            askEachAttribute(rule, document, element, problems, createSkyMaskXML);
         }
     });
 }

@@ -39,7 +39,9 @@ std::optional<QByteArray> readFile(const std::string& name, qint64 maxSize) {
     }
     QByteArray content;
     content.reserve(static_cast<int>(std::min(file.size(), maxSize)));
-    for (QByteArray piece = file.read(kMebibyte); !piece.isEmpty(); piece = file.read(kMebibyte)) {
+    // A pipe has no size.
+    const qint64 atOnce = std::clamp(file.size() + 1, 64 * kKibibyte, kMebibyte);
+    for (QByteArray piece = file.read(atOnce); !piece.isEmpty(); piece = file.read(atOnce)) {
         content += piece;
         if (content.size() > maxSize) {
             throw std::runtime_error(name + " is larger than " + sizeText(maxSize));

@@ -36,6 +36,9 @@ bool isBlank(const QByteArray& text) {
 /** Keeps one copy of names and values that come again soon, as most do. No text costs more than its length. */
 class SharedTexts {
 public:
+    /** @param size of the document, bytes */
+    explicit SharedTexts(int size) : slots_(std::min(kMaxSlots, static_cast<std::size_t>(size) / kBytesPerSlot + 1)) {}
+
     QString of(const XML_Char* text) {
         const std::string_view utf8(text);
         Slot& slot = slots_.at(std::hash<std::string_view>{}(utf8) % slots_.size());
@@ -50,7 +53,9 @@ private:
         std::string utf8;
         QString text; ///< null as long as the slot is empty
     };
-    std::vector<Slot> slots_ = std::vector<Slot>(4096);
+    static constexpr std::size_t kMaxSlots = 4096;
+    static constexpr std::size_t kBytesPerSlot = 16; ///< of a document: few tags have more names and values
+    std::vector<Slot> slots_;
 };
 
 /** The entities of a document type, to declare in a document type that holds nothing else. */
@@ -369,7 +374,7 @@ private:
     ParserOwner parser_{nullptr, &XML_ParserFree};
     QDomDocument document_{QString()}; ///< without a document type
     QDomNode current_ = document_;
-    SharedTexts texts_;
+    SharedTexts texts_{text_.size()};
     Entities entities_;
     QByteArray pendingText_;
     qint64 nodes_ = 0;

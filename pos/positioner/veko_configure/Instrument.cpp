@@ -16,6 +16,7 @@ Veko& Instrument::pointedVeko(const Field& field, const Conditions& conditions) 
         veko_->focalPlane = *start_;
     } else {
         fibreTargets_.reset();
+        placed_.reset();
         veko_ = createVekoXML(config_, config_.getFilename("veko_definition"), field, conditions);
         start_ = veko_->focalPlane;
     }
@@ -27,6 +28,14 @@ const FibreTargets& Instrument::fibreTargets() {
         fibreTargets_.emplace(*veko_, config_.get<double>("default_epoch"));
     }
     return *fibreTargets_;
+}
+
+void Instrument::requirePlaces(std::uint32_t scienceFibre) {
+    const std::pair placing(FocalPlaneCoordinates::rotation(), scienceFibre);
+    if (placed_ != placing) {
+        fibreTargets().requirePlaces(scienceFibre);
+        placed_ = placing;
+    }
 }
 
 LimitsCalc Instrument::limits(double largestZenithDistance) {

@@ -11,6 +11,7 @@
 
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace pos {
 
@@ -45,6 +46,9 @@ public:
     /** The targets of the bundle's fibres. @throw boost::property_tree::ptree_error for a bad "default_epoch" */
     const FibreTargets& fibreTargets();
 
+    /** As FibreTargets::requirePlaces, which depends on nothing but position angle and fibre, once for each in turn. */
+    void requirePlaces(std::uint32_t scienceFibre);
+
     /**
      * The limits of the bundle's pointing.
      *
@@ -57,6 +61,8 @@ private:
     const PosConfig& config_;
     std::unique_ptr<Veko> veko_;
     std::optional<FibreTargets> fibreTargets_;
+    /** The rotation, radians, and the science fibre with which all others have been found to have a place. */
+    std::optional<std::pair<double, std::uint32_t>> placed_;
     std::optional<Telescope> telescope_;
     std::optional<FocalPlane> start_; ///< the pointing with which a document begins: its date is often the next one's
 };

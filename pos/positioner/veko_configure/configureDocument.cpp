@@ -45,14 +45,14 @@ void saveHourAngleLimits(std::pair<double, double> limits, QDomDocument document
  *
  * @param observation receives the field centre too; a null element for every field but the first
  */
-PlacedField placeOnField(Veko& veko, const FibreTargets& fibres, const QDomElement& field, const FieldTargets& targets,
+PlacedField placeOnField(Instrument& instrument, Veko& veko, const QDomElement& field, const FieldTargets& targets,
                          const Target& science, const QDomElement& observation) {
     const std::uint32_t fibre = scienceFibre(science);
     placeVeko(veko, science, fibre);
     const Astrometric centre = vekoFieldCentre(veko);
     saveAstrometricXML(centre, field);
     saveAstrometricXML(centre, observation);
-    fibres.requirePlaces(fibre);
+    instrument.requirePlaces(fibre);
     saveGuideStar(veko, targets.guide);
     return {field, targets.science, fibre, veko.focalPlane.fieldCentre()};
 }
@@ -61,15 +61,15 @@ PlacedField placeOnField(Veko& veko, const FibreTargets& fibres, const QDomEleme
  * Places the bundle on every field. Nothing writes the first of their many targets before that, so a field that cannot
  * be configured costs no time and memory for the targets of those before it.
  */
-std::vector<PlacedField> placeOnFields(Veko& veko, const FibreTargets& fibres, const QDomElement& root,
+std::vector<PlacedField> placeOnFields(Instrument& instrument, Veko& veko, const QDomElement& root,
                                        QDomElement observation) {
     std::vector<PlacedField> fields;
     for (QDomElement element = findFieldElement(root, QDomElement()); !element.isNull();
          element = findFieldElement(root, element)) {
         const FieldTargets targets = findFieldTargets(element);
         const Target science = createTargetXML(targets.science);
-        checkOutputSize(static_cast<qint64>(fields.size() + 1) * fibres.leastSize());
-        fields.push_back(placeOnField(veko, fibres, element, targets, science, observation));
+        checkOutputSize(static_cast<qint64>(fields.size() + 1) * instrument.fibreTargets().leastSize());
+        fields.push_back(placeOnField(instrument, veko, element, targets, science, observation));
         observation.clear();
     }
     return fields;
@@ -103,7 +103,7 @@ PlacedDocument placeDocument(Instrument& instrument, QDomDocument document, cons
     saveHourAngleLimits(limits.hourAngleLimits(), document, configure);
     saveFocalPlaneXML(veko.focalPlane, document, configure);
     const FibreTargets& fibres = instrument.fibreTargets();
-    return {veko, fibres, placeOnFields(veko, fibres, root, observation)};
+    return {veko, fibres, placeOnFields(instrument, veko, root, observation)};
 }
 
 void saveTargets(const PlacedDocument& placed) {
