@@ -2,6 +2,7 @@
 #include "TemporaryFolder.h"
 #include "checked.h"
 
+#include <csignal>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
@@ -92,6 +93,31 @@ TEST(CheckCommand, FixMendsTheFileAndASecondTimeChangesNothing) {
         EXPECT_EQ(check({"--fix", "f.xml"}, {.folder = folder.name()}).status, 0);
         EXPECT_EQ(folder.read("f.xml"), kFaultless);
     }
+}
+
+TEST(CheckCommand, TheStandardInputCannotBeMendedInPlace) {
+    const TemporaryFolder folder;
+    folder.write("f.xml", kWrong);
+    const ProgramResult result = check({"--fix", "f.xml", "-"}, {.folder = folder.name()});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err,
+              "--fix: the standard input cannot be mended in place\nRun with --help for more information.\n");
+    EXPECT_EQ(folder.read("f.xml"), kWrong);
+}
+
+TEST(CheckCommand, AReaderThatHasSeenEnoughEndsItWithoutAMessage) {
+    const TemporaryFolder folder;
+    std::string document = kFaultless;
+    for (int i = 0; i < 1000; ++i) { // more than a pipe holds
+        document.insert(document.find("</fields>"), "<Field/>\n");
+    }
+    folder.write("f.xml", document);
+    const ProgramResult result =
+        check({"f.xml"}, {.folder = folder.name(), .shellRedirection = "| head -n 1; exit ${PIPESTATUS[0]}"});
+    EXPECT_EQ(result.status, 128 + SIGPIPE);
+    EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 1);
+    EXPECT_EQ(result.err, "");
 }
 
 TEST(CheckCommand, ListsAndExplainsItsRules) {

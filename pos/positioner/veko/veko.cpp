@@ -5,6 +5,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
@@ -49,6 +50,8 @@ int main(int argc, char* argv[]) {
     // bytes.
     ::setenv("QT_HASH_SEED", "0", 1);
     pos::prepareProcess();
+    // A reader that has seen enough, as head does, ends a command as it ends other tools.
+    static_cast<void>(std::signal(SIGPIPE, SIG_DFL));
     try {
         return run(argc, argv);
     } catch (const std::bad_alloc&) {
