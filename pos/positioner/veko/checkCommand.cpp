@@ -3,6 +3,7 @@
 #include "Instrument.h"
 #include "OutputFile.h"
 #include "PosConfig.h"
+#include "Progress.h"
 #include "Version.h"
 #include "angles.h"
 #include "catalogueJson.h"
@@ -88,7 +89,7 @@ QByteArray bytesOf(const std::string& name) {
 
 /** Checks a file. With --fix it is mended, and what is left is told; with --diff its mended form is shown. */
 CheckResult checkFile(const std::string& name, const CheckArguments& arguments, Instrument& instrument,
-                      const CheckOptions& options) {
+                      const CheckOptions& options, Progress& progress) {
     const QByteArray bytes = bytesOf(name);
     CheckResult result = checkDocument(bytes, name, instrument, options);
     if (!arguments.fix && !arguments.diff) {
@@ -100,11 +101,27 @@ CheckResult checkFile(const std::string& name, const CheckArguments& arguments, 
     }
     if (arguments.diff) {
         const QByteArray shown = unifiedDiff(bytes, *mended, name);
-        std::cout.write(shown.constData(), shown.size());
+        progress.interrupt([&] { std::cout.write(shown.constData(), shown.size()); });
         return result;
     }
     writeFile(name, *mended);
     return checkDocument(*mended, name, instrument, options);
+}
+
+/** Checks all files, and tells on the error stream which cannot be checked. @return the others */
+std::vector<CheckedFile> checkFiles(const CheckArguments& arguments, Instrument& instrument,
+                                    const CheckOptions& options) {
+    std::vector<CheckedFile> files;
+    Progress progress(arguments.files.size());
+    for (const std::string& name : arguments.files) {
+        progress.next();
+        try {
+            files.push_back({name, checkFile(name, arguments, instrument, options, progress)});
+        } catch (const std::runtime_error& error) {
+            progress.interrupt([&] { std::cerr << error.what() << std::endl; });
+        }
+    }
+    return files;
 }
 
 std::ptrdiff_t count(const std::vector<CheckedFile>& files, Severity severity) {
@@ -141,16 +158,8 @@ int check(const CheckArguments& arguments) {
     const PosConfig config("configure_version", configure_version, arguments.run.configFile.c_str(), PosConfig::XML);
     Instrument instrument(config);
     const CheckOptions options{arguments.run.estimates(), degreesToRadians(arguments.fieldRadius)};
-    bool isTrouble = false;
-    std::vector<CheckedFile> files;
-    for (const std::string& name : arguments.files) {
-        try {
-            files.push_back({name, checkFile(name, arguments, instrument, options)});
-        } catch (const std::runtime_error& error) {
-            std::cerr << error.what() << std::endl;
-            isTrouble = true;
-        }
-    }
+    const std::vector<CheckedFile> files = checkFiles(arguments, instrument, options);
+    const bool isTrouble = files.size() < arguments.files.size();
     if (arguments.diff) {
         return isTrouble ? kTrouble : kClean;
     }
