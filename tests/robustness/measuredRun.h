@@ -31,11 +31,8 @@ inline constexpr double kMaxEndless = 256 + 32;
 
 /** Fails the test when a run had more memory than so many MiB. The sanitizers need more of it. */
 inline void expectLittleMemory(const MeasuredRun& run, double maxMebibytes = kMaxRefused) {
-#ifdef __SANITIZE_ADDRESS__
-    maxMebibytes = 8 * maxMebibytes;
-#endif
     EXPECT_GT(run.mebibytes, 1);
-    EXPECT_LT(run.mebibytes, maxMebibytes);
+    EXPECT_LT(run.mebibytes, POS_SANITIZE ? 8 * maxMebibytes : maxMebibytes);
 }
 
 #endif
