@@ -1,3 +1,6 @@
+#include "xmlEncoding.h"
+
+#include "MalformedXml.h"
 #include "ProcessWideState.h"
 #include "TemporaryFolder.h"
 #include "xmlStructure.h"
@@ -121,6 +124,24 @@ TEST_F(XmlEncoding, DeclaredEncodingsAreRead) {
         bytes += character + std::string(3, '\0');
     }
     EXPECT_EQ(textOf(bytes), "x");
+}
+
+TEST(XmlEncodingErrors, ArePlacedWhereReadingStops) {
+    const auto readPart = [](const std::string& document) {
+        const QByteArray bytes = QByteArray::fromStdString(document);
+        try {
+            decodeXml(bytes, "a.xml");
+        } catch (const UnreadableXml& error) {
+            return decodedForPeople(bytes).left(error.offset()).toStdString();
+        }
+        return std::string("(taken)");
+    };
+    EXPECT_EQ(readPart(declared("none", "<a/>")), "<?xml version='1.0' encoding='");
+    EXPECT_EQ(readPart("\xef\xbb\xbf" + declared("none", "<a/>")), "<?xml version='1.0' encoding='");
+    EXPECT_EQ(readPart(utf16(declared("UTF-8", "<a/>"), ByteOrder::Big)), "<?xml version='1.0' encoding='");
+    EXPECT_EQ(readPart(declared("EUC-JP", "<a>\xc6\xfc\xa4</a>")),
+              declared("EUC-JP", "<a>\xe6\x97\xa5")); // the first of two bytes alone
+    EXPECT_EQ(readPart(utf16("<a/>", ByteOrder::Little) + "x"), "<a/>");
 }
 
 TEST_F(XmlEncoding, BytesThatMeanNothingAreRefusedWhereverTheyStand) {

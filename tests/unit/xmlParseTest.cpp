@@ -150,11 +150,11 @@ TEST(XmlParse, OnlyBlanksOfXmlAreBlank) {
               "<a>\n [4 #cdata-section]  \n [4 #cdata-section] \n");
 }
 
-TEST(XmlParse, PlaceOfAnErrorIsWhereTheDocumentCeasesToBeWellFormed) {
+TEST(XmlParse, PlaceOfAnErrorIsWhereReadingStops) {
     const auto offset = [](const std::string& text) {
         try {
             parseXml(QByteArray::fromStdString(text), "a.xml");
-        } catch (const MalformedXml& error) {
+        } catch (const UnreadableXml& error) {
             return text.substr(0, static_cast<std::size_t>(error.offset()));
         }
         return std::string("(taken)");
@@ -165,6 +165,8 @@ TEST(XmlParse, PlaceOfAnErrorIsWhereTheDocumentCeasesToBeWellFormed) {
     EXPECT_EQ(offset("<!DOCTYPE a [</a>]><a/>"), "<!DOCTYPE a [<");
     EXPECT_EQ(offset("<a>&u;</a>"), "<a>");
     EXPECT_EQ(offset("<a><b></b>"), "<a><b></b>");
+    EXPECT_EQ(offset("<?xml version='1.1'?><a/>"), "<?xml version='");
+    EXPECT_EQ(offset("<!DOCTYPE a [<!ENTITY e SYSTEM 'f'>]><a>x&e;</a>"), "<!DOCTYPE a [<!ENTITY e SYSTEM 'f'>]><a>x");
 }
 
 TEST(XmlParse, ContentBeginsBehindTheDocumentType) {

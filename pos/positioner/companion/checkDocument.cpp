@@ -119,15 +119,16 @@ void checkTree(const SourceText& text, const ParsedXml& parsed, bool isReadable,
 CheckResult checkDocument(const QByteArray& bytes, const std::string& name, Instrument& instrument,
                           const CheckOptions& options) {
     Problems problems;
-    QByteArray utf8 = bytes;
+    QByteArray utf8;
     ParsedXml parsed;
     try {
         utf8 = decodeXml(bytes, name);
         parsed = parseXml(utf8, name);
-    } catch (const MalformedXml& error) {
-        addUnreadable(problems, error.offset(), error.what());
-    } catch (const std::runtime_error& error) {
-        addUnreadable(problems, 0, error.what());
+    } catch (const UnreadableXml& error) {
+        if (utf8.isNull()) {
+            utf8 = decodedForPeople(bytes);
+        }
+        addUnreadable(problems, std::min(error.offset(), utf8.size()), error.what());
     }
     const bool isReadable = problems.all().empty();
     if (!isReadable) {

@@ -1,6 +1,6 @@
 /**
  * @file
- * The error of a document that is not well-formed.
+ * The errors of a document that cannot be read.
  */
 #ifndef POS_MALFORMEDXML_H
 #define POS_MALFORMEDXML_H
@@ -10,23 +10,25 @@
 
 namespace pos {
 
-/** A document that is not well-formed XML 1.0: name + " is not valid XML". */
-class MalformedXml : public std::runtime_error {
+/** A document that cannot be read, for whatever the message says. */
+class UnreadableXml : public std::runtime_error {
 public:
-    /**
-     * @param name of the file
-     * @param offset how far the document is well-formed, bytes of its text in UTF-8 without a byte-order mark
-     */
-    MalformedXml(const std::string& name, int offset)
-        : std::runtime_error(name + " is not valid XML"), offset_(offset) {}
+    /** @param offset where reading stops, bytes of the document's text in UTF-8 without a byte-order mark */
+    UnreadableXml(const std::string& message, int offset) : std::runtime_error(message), offset_(offset) {}
 
-    /** How far the document is well-formed, bytes of its text in UTF-8 without a byte-order mark. */
+    /** Where reading stops, bytes of the document's text in UTF-8 without a byte-order mark. */
     int offset() const {
         return offset_;
     }
 
 private:
     int offset_;
+};
+
+/** A document that is not well-formed XML 1.0: name + " is not valid XML". Up to the offset it is well-formed. */
+class MalformedXml : public UnreadableXml {
+public:
+    MalformedXml(const std::string& name, int offset) : UnreadableXml(name + " is not valid XML", offset) {}
 };
 
 } // namespace pos

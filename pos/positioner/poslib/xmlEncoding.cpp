@@ -4,7 +4,7 @@
 
 #include <QRegularExpression>
 #include <QTextCodec>
-#include <stdexcept>
+#include <algorithm>
 
 namespace pos {
 
@@ -24,9 +24,15 @@ QString declarationAtBeginning(const QByteArray& text) {
     return QString::fromLatin1(text.left(text.indexOf("?>")));
 }
 
-const QTextCodec& requireKnown(const QTextCodec* encoding, const std::string& name) {
+/** Where the name of the encoding stands in a declaration; 0 without one. */
+int placeOfEncoding(const QString& declaration) {
+    return std::max(0, encodingPattern().match(declaration).capturedStart(1));
+}
+
+const QTextCodec& requireKnown(const QString& declaration, const std::string& name) {
+    const QTextCodec* const encoding = declaredEncoding(declaration);
     if (encoding == nullptr) {
-        throw std::runtime_error(name + " declares an encoding that is not known");
+        throw UnreadableXml(name + " declares an encoding that is not known", placeOfEncoding(declaration));
     }
     return *encoding;
 }
@@ -47,6 +53,10 @@ QByteArray fromUnicode(const QTextCodec& encoding, const QString& text) {
     return encoding.fromUnicode(text.constData(), text.size(), &state);
 }
 
+QByteArray withoutMark(const QString& text) {
+    return (text.startsWith(QChar::ByteOrderMark) ? text.mid(1) : text).toUtf8();
+}
+
 /**
  * Converts from any encoding. Some converters do not count what they replace, so a replacement character counts only if
  * the bytes stand for it.
@@ -55,15 +65,12 @@ QByteArray fromUnicode(const QTextCodec& encoding, const QString& text) {
  */
 QByteArray toUtf8(const QTextCodec& encoding, const QByteArray& bytes, const std::string& name) {
     QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
-    QString text = encoding.toUnicode(bytes.constData(), bytes.size(), &state);
+    const QString text = encoding.toUnicode(bytes.constData(), bytes.size(), &state);
     if (state.invalidChars != 0 || state.remainingChars != 0 || !text.isValidUtf16() ||
         (text.contains(QChar::ReplacementCharacter) && fromUnicode(encoding, text) != bytes)) {
-        throw MalformedXml(name, 0);
+        throw MalformedXml(name, withoutMark(text.left(text.indexOf(QChar::ReplacementCharacter))).size());
     }
-    if (text.startsWith(QChar::ByteOrderMark)) {
-        text.remove(0, 1);
-    }
-    return text.toUtf8();
+    return withoutMark(text);
 }
 
 } // namespace
@@ -85,7 +92,7 @@ bool isUtf8(const QTextCodec& encoding) {
 QByteArray decodeXml(const QByteArray& bytes, const std::string& name) {
     const QTextCodec* const told = encodingByBytes(bytes);
     if (told == nullptr) {
-        const QTextCodec& declared = requireKnown(declaredEncoding(declarationAtBeginning(bytes)), name);
+        const QTextCodec& declared = requireKnown(declarationAtBeginning(bytes), name);
         if (isUtf8(declared)) {
             return bytes;
         }
@@ -97,11 +104,16 @@ QByteArray decodeXml(const QByteArray& bytes, const std::string& name) {
     QByteArray text = isUtf8(*told) ? bytes.mid(3) : toUtf8(*told, bytes, name);
     const QString declaration = declarationAtBeginning(text);
     // "UTF-16" may be declared for either order of bytes.
-    if (declaration.contains(encodingPattern()) &&
-        !told->name().startsWith(requireKnown(declaredEncoding(declaration), name).name())) {
-        throw MalformedXml(name, 0);
+    if (declaration.contains(encodingPattern()) && !told->name().startsWith(requireKnown(declaration, name).name())) {
+        throw MalformedXml(name, placeOfEncoding(declaration));
     }
     return text;
+}
+
+QByteArray decodedForPeople(const QByteArray& bytes) {
+    const QTextCodec* const told = encodingByBytes(bytes);
+    const QTextCodec* const encoding = told != nullptr ? told : declaredEncoding(declarationAtBeginning(bytes));
+    return withoutMark((encoding != nullptr ? encoding : QTextCodec::codecForName("UTF-8"))->toUnicode(bytes));
 }
 
 std::optional<QByteArray> encodeXml(const QByteArray& text, const QByteArray& document) {

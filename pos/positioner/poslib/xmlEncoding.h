@@ -38,9 +38,15 @@ bool isUtf8(const QTextCodec& encoding);
  * @param name of the file, for messages
  * @throw MalformedXml name + " is not valid XML" for bytes that the encoding does not have, and for a declaration that
  *     contradicts the bytes
- * @throw std::runtime_error name + " declares an encoding that is not known"
+ * @throw UnreadableXml name + " declares an encoding that is not known"
  */
 QByteArray decodeXml(const QByteArray& bytes, const std::string& name);
+
+/**
+ * The same for people to look at, of any bytes: U+FFFD stands for those that the encoding does not have, and a document
+ * whose encoding is not known counts as UTF-8. Offsets of decodeXml's errors are in this text.
+ */
+QByteArray decodedForPeople(const QByteArray& bytes);
 
 /**
  * A text in the encoding of a document, with a byte-order mark if the document has one.

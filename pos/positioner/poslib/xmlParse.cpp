@@ -201,7 +201,7 @@ private:
     }
 
     [[noreturn]] void refuse(const std::string& what) const {
-        throw std::runtime_error(name_ + ' ' + what);
+        throw UnreadableXml(name_ + ' ' + what, std::max(place(), contentBegin_));
     }
 
     [[noreturn]] void refuseUnknownEntity() const {
@@ -241,7 +241,8 @@ private:
 
     void declaration(const XML_Char* version, const XML_Char* encoding, int standalone) {
         if (std::strcmp(version, "1.0") != 0) {
-            refuse("is written in version " + std::string(version) + " of XML, and only 1.0 is read");
+            throw UnreadableXml(name_ + " is written in version " + version + " of XML, and only 1.0 is read",
+                                text_.indexOf(version, text_.indexOf('=')));
         }
         QString value = QStringLiteral("version='1.0'");
         if (encoding != nullptr) {

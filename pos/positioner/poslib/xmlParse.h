@@ -65,7 +65,7 @@ struct ParsedXml {
  * @param text the whole document in UTF-8 without a byte-order mark, as decodeXml gives it
  * @param name of the file, for messages
  * @throw MalformedXml name + " is not valid XML"
- * @throw std::runtime_error name + " refers to an entity that cannot be known without reading another file", + " is
+ * @throw UnreadableXml name + " refers to an entity that cannot be known without reading another file", + " is
  *     written in version … of XML, and only 1.0 is read", or name + the limit that the document exceeds, with its value
  */
 ParsedXml parseXml(const QByteArray& text, const std::string& name);
