@@ -24,6 +24,17 @@ std::optional<QByteArray> mended(const QByteArray& bytes) {
     return mendedDocument(bytes, result, "field.xml", builtInInstrument(), noOptions());
 }
 
+/** A text in UTF-32 behind a byte-order mark. */
+QByteArray utf32(const QString& text) {
+    QByteArray bytes("\xff\xfe\0\0", 4);
+    for (const uint character : text.toUcs4()) {
+        for (int shift = 0; shift < 32; shift += 8) {
+            bytes += static_cast<char>(character >> shift);
+        }
+    }
+    return bytes;
+}
+
 } // namespace
 
 TEST(Fixes, LeaveEverythingElseByteForByte) {
@@ -36,6 +47,9 @@ TEST(Fixes, LeaveEverythingElseByteForByte) {
     }
     const QByteArray marked = "\xef\xbb\xbf" + documentWith(QStringLiteral("8.0")).arg("utf-8").toUtf8();
     EXPECT_EQ(mended(marked), "\xef\xbb\xbf" + documentWith(QStringLiteral("8.00")).arg("utf-8").toUtf8());
+    // Two of Qt's characters are one of UTF-32.
+    const QString star = documentWith("8.0").arg("UTF-32") + QStringLiteral("<!-- \U0001F31F -->");
+    EXPECT_EQ(mended(utf32(star)), utf32(QString(star).replace("8.0", "8.00")));
 }
 
 TEST(Fixes, MendANameInBothTags) {

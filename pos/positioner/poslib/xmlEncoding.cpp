@@ -123,7 +123,11 @@ std::optional<QByteArray> encodeXml(const QByteArray& text, const QByteArray& do
     }
     const QTextCodec* const told = encodingByBytes(document);
     const QTextCodec& encoding = told != nullptr ? *told : *declaredEncoding(declarationAtBeginning(document));
-    const auto encoded = [&encoding](const QString& unicode) { return fromUnicode(encoding, unicode); };
+    const auto encoded = [&encoding](const QString& unicode) {
+        const QByteArray bytes = fromUnicode(encoding, unicode);
+        // The converter to UTF-32 leaves room behind for both halves of each surrogate pair.
+        return encoding.name().startsWith("UTF-32") ? bytes.left(4 * unicode.toUcs4().size()) : bytes;
+    };
     for (const QString& mark : {QString(), QString(QChar::ByteOrderMark)}) {
         QByteArray bytes = encoded(mark + QString::fromUtf8(text));
         if (encoded(mark + QString::fromUtf8(before)) == document && decodeXml(bytes, "") == text) {
