@@ -2,7 +2,6 @@
 
 #include "Field.h"
 #include "PosConfig.h"
-#include "Veko.h"
 #include "angles.h"
 #include "numberText.h"
 #include "xmlKeywords.h"
@@ -29,7 +28,9 @@ double readNumber(const QDomElement& element, const QString& attribute, const ch
     return *value;
 }
 
-Veko::VekoCentre readCentre(const QDomElement& root) {
+} // namespace
+
+Veko::VekoCentre createVekoCentreXML(const QDomElement& root) {
     constexpr const char* kWho = "plate definition";
     Veko::VekoCentre centre{};
     // The conversion reports a missing centre_y, not a check of its own.
@@ -42,7 +43,7 @@ Veko::VekoCentre readCentre(const QDomElement& root) {
     return centre;
 }
 
-void readFibre(const QDomElement& element, Veko& veko) {
+SatelliteFibre<Veko::VekoCentre> createFibreXML(const QDomElement& element, const Veko::VekoCentre& centre) {
     constexpr const char* kWho = "fibre";
     require(element, attr::id, kWho);
     const std::optional<std::uint32_t> id = unsignedOf(element.attribute(attr::id));
@@ -58,19 +59,18 @@ void readFibre(const QDomElement& element, Veko& veko) {
     const FibreStatus status = element.hasAttribute(attr::status)
                                    ? FibreStatus(element.attribute(attr::status).toStdString())
                                    : FibreStatus(FibreStatus::Enabled);
-    veko.fibres.try_emplace(*id, SatelliteFibre<Veko::VekoCentre>{0, *id, &veko.centre, dx, dy, status});
-    veko.names.insert_or_assign(*id, element.attribute(attr::fibreName).toStdString());
+    return {0, *id, &centre, dx, dy, status};
 }
-
-} // namespace
 
 std::unique_ptr<Veko> createVekoXML(const PosConfig& config, const QDomElement& root, const Field& field,
                                     const Conditions& conditions) {
-    const Veko::VekoCentre centre = readCentre(root);
+    const Veko::VekoCentre centre = createVekoCentreXML(root);
     auto veko = std::make_unique<Veko>(centre, FocalPlane(config, VEKO, field.centre, 0.0, conditions));
-    for (QDomElement fibre = root.firstChildElement(tag::fibre); !fibre.isNull();
-         fibre = fibre.nextSiblingElement(tag::fibre)) {
-        readFibre(fibre, *veko);
+    for (QDomElement element = root.firstChildElement(tag::fibre); !element.isNull();
+         element = element.nextSiblingElement(tag::fibre)) {
+        const SatelliteFibre<Veko::VekoCentre> fibre = createFibreXML(element, veko->centre);
+        veko->fibres.try_emplace(fibre.id, fibre);
+        veko->names.insert_or_assign(fibre.id, element.attribute(attr::fibreName).toStdString());
     }
     return veko;
 }
