@@ -19,6 +19,7 @@ TEST(SourceText, CountsCharactersNotBytesAndATabAsOne) {
     EXPECT_EQ(placeOf(text, 1), std::pair(1, 2));
     EXPECT_EQ(placeOf(text, 3), std::pair(1, 3));
     EXPECT_EQ(placeOf(text, 6), std::pair(1, 4));
+    EXPECT_EQ(placeOf(text, 9), std::pair(1, 4)) << "the last byte of the same";
     EXPECT_EQ(placeOf(text, 10), std::pair(1, 5));
     EXPECT_EQ(placeOf(text, 11), std::pair(1, 6)) << "behind the end";
 }

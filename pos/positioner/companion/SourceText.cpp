@@ -23,6 +23,9 @@ SourceText::SourceText(QByteArray utf8) : utf8_(std::move(utf8)), lineBegins_{0}
 }
 
 LineColumn SourceText::at(int offset) const {
+    while (offset < utf8_.size() && !beginsCharacter(utf8_.at(offset)) && offset > 0) {
+        --offset;
+    }
     const auto next = std::upper_bound(lineBegins_.begin(), lineBegins_.end(), offset);
     const int lineBegin = *std::prev(next);
     if (countedTo_ < lineBegin || countedTo_ > offset) {
