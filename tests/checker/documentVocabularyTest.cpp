@@ -48,3 +48,19 @@ TEST(DocumentVocabulary, TellsWhatARunReads) {
     EXPECT_THAT(documentVocabulary().elementsThatRead("RA_d"), ElementsAre(QString("field"), QString("mask")));
     EXPECT_THAT(documentVocabulary().elementsThatRead("targx"), IsEmpty());
 }
+
+TEST(DocumentVocabulary, TellsTheTextsAndTheRangesOfTheInstrumentsDocuments) {
+    const auto& configuration = vocabularyOf("configuration").elements;
+    EXPECT_EQ(configuration.at("latitude").value.numbers->low, -90.0);
+    EXPECT_EQ(configuration.at("latitude").value.numbers->high, 90.0);
+    EXPECT_EQ(configuration.at("latitude").value.range, "-90 to 90");
+    EXPECT_FALSE(configuration.at("veko_definition").value.numbers);
+    EXPECT_TRUE(configuration.at("telescope").value.name.isEmpty());
+    EXPECT_TRUE(configuration.at("telescope").isRead);
+    EXPECT_FALSE(configuration.at("mifu_dither").isRead);
+    EXPECT_FALSE(vocabularyOf("focal_plane_map")
+                     .elements.at("focal_plane_map")
+                     .attributes.at("focal_length")
+                     .numbers->contains(0.0));
+    EXPECT_TRUE(vocabularyOf("plate").elements.at("plate_definition").children.at("fibre"));
+}

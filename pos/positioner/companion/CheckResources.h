@@ -5,7 +5,7 @@
 #ifndef POS_CHECKRESOURCES_H
 #define POS_CHECKRESOURCES_H
 
-/** Registers ":/messages.xml", ":/field_definition.rng" and ":/values.rng". Calling it again is harmless. */
+/** Registers ":/messages.xml" and the schemas, as ":/field_definition.rng". Calling it again is harmless. */
 int qInitResources_check_files();
 
 #endif

@@ -6,6 +6,8 @@
 
 #include <QDomElement>
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 namespace pos {
 
@@ -13,7 +15,8 @@ namespace {
 
 /** Whether a run reads an attribute of an element, or an element that it may hold. */
 bool hasReadContent(const KnownElement& element, const DocumentVocabulary& vocabulary) {
-    return std::any_of(element.attributes.begin(), element.attributes.end(),
+    return element.value.isRead() ||
+           std::any_of(element.attributes.begin(), element.attributes.end(),
                        [](const auto& attribute) { return attribute.second.isRead(); }) ||
            std::any_of(element.children.begin(), element.children.end(),
                        [&](const auto& child) { return vocabulary.elements.at(child.first).isRead; });
@@ -34,21 +37,16 @@ void markReadElements(DocumentVocabulary& vocabulary) {
 /** Takes the names from a schema in RELAX NG. */
 class SchemaReader {
 public:
-    explicit SchemaReader(const QDomElement& grammar) {
-        for (QDomElement e = grammar.firstChildElement("define"); !e.isNull(); e = e.nextSiblingElement("define")) {
-            definitions_[e.attribute("name")] = e;
-        }
+    explicit SchemaReader(const std::string& name) {
+        takeDefinitions("values");
+        takeDefinitions(name);
     }
 
     DocumentVocabulary read() {
         for (const auto& [name, definition] : definitions_) {
-            for (QDomElement e = definition.firstChildElement("element"); !e.isNull();
-                 e = e.nextSiblingElement("element")) {
-                // The document element has any name but some; what has any name at all stands in an open element.
-                const bool isDocument = !e.firstChildElement("anyName").firstChildElement("except").isNull();
-                if (isDocument || e.hasAttribute("name")) {
-                    addContent(e, false, isDocument ? vocabulary_.document : vocabulary_.elements[e.attribute("name")]);
-                }
+            const QDomNodeList patterns = definition.elementsByTagName("element");
+            for (int i = 0; i < patterns.count(); ++i) {
+                addElement(patterns.at(i).toElement());
             }
         }
         markReadElements(vocabulary_);
@@ -56,6 +54,29 @@ public:
     }
 
 private:
+    /** Takes the definitions of a schema, and its start as one without a name. */
+    void takeDefinitions(const std::string& schema) {
+        const std::string file = ":/" + schema + ".rng";
+        const QDomElement grammar = parseXml(readFile(file).value(), file).document.documentElement();
+        for (QDomElement e = grammar.firstChildElement(); !e.isNull(); e = e.nextSiblingElement()) {
+            definitions_[e.attribute("name")] = e;
+        }
+    }
+
+    void addElement(const QDomElement& pattern) {
+        const QString name = pattern.attribute("name");
+        // The document element has any name but some; what has any name at all stands in an open element.
+        const bool isDocument = !pattern.firstChildElement("anyName").firstChildElement("except").isNull();
+        if (!isDocument && name.isEmpty()) {
+            return;
+        }
+        KnownElement& element = isDocument ? vocabulary_.document : vocabulary_.elements[name];
+        addContent(pattern, false, element);
+        if (pattern.hasAttribute("r:run")) {
+            element.value = factsOf(pattern);
+        }
+    }
+
     // NOLINTNEXTLINE(misc-no-recursion): follows the nesting of the schema
     void addContent(const QDomElement& pattern, bool isRepeated, KnownElement& element) {
         for (QDomElement e = pattern.firstChildElement(); !e.isNull(); e = e.nextSiblingElement()) {
@@ -70,7 +91,7 @@ private:
         }
     }
 
-    static void addName(const QDomElement& pattern, bool isRepeated, KnownElement& element) {
+    void addName(const QDomElement& pattern, bool isRepeated, KnownElement& element) {
         const QString name = pattern.attribute("name");
         if (name.isEmpty()) {
             element.isOpen = true;
@@ -78,10 +99,43 @@ private:
             element.children[name] |= isRepeated;
         } else if (element.attributes[name].run.isEmpty()) {
             // Of several descriptions of one attribute, one says what it means.
-            element.attributes[name] = {name, pattern.attribute("r:unit"), pattern.attribute("r:default"),
-                                        pattern.attribute("r:run"),
-                                        pattern.firstChildElement("a:documentation").text().simplified()};
+            element.attributes[name] = factsOf(pattern);
         }
+    }
+
+    KnownAttribute factsOf(const QDomElement& pattern) {
+        return {pattern.attribute("name"),
+                pattern.attribute("r:unit"),
+                pattern.attribute("r:default"),
+                pattern.attribute("r:range"),
+                pattern.attribute("r:run"),
+                pattern.firstChildElement("a:documentation").text().simplified(),
+                numbersOf(pattern)};
+    }
+
+    /** The numbers that a pattern allows; nothing where it is not that of a number. */
+    std::optional<Range> numbersOf(const QDomElement& pattern) {
+        const QDomElement data = pattern.firstChildElement("data");
+        const QDomElement reference = pattern.firstChildElement("ref");
+        if (!reference.isNull()) {
+            return numbersOf(definitions_[reference.attribute("name")]);
+        }
+        if (data.attribute("type") != QLatin1String("double")) {
+            return std::nullopt;
+        }
+        Range range{-std::numeric_limits<double>::infinity(), std::numeric_limits<double>::infinity()};
+        for (QDomElement e = data.firstChildElement("param"); !e.isNull(); e = e.nextSiblingElement("param")) {
+            const QString name = e.attribute("name");
+            const double limit = e.text().toDouble();
+            if (name == QLatin1String("minInclusive")) {
+                range.low = limit;
+            } else if (name == QLatin1String("minExclusive")) {
+                range.low = std::nextafter(limit, range.high);
+            } else if (name == QLatin1String("maxInclusive")) {
+                range.high = limit;
+            }
+        }
+        return range;
     }
 
     std::map<QString, QDomElement> definitions_; ///< by name
@@ -106,12 +160,18 @@ std::vector<QString> DocumentVocabulary::elementsThatRead(const QString& attribu
     return names;
 }
 
+const DocumentVocabulary& vocabularyOf(const std::string& schema) {
+    static std::map<std::string, DocumentVocabulary> vocabularies;
+    const auto known = vocabularies.find(schema);
+    if (known != vocabularies.end()) {
+        return known->second;
+    }
+    qInitResources_check_files();
+    return vocabularies.emplace(schema, SchemaReader(schema).read()).first->second;
+}
+
 const DocumentVocabulary& documentVocabulary() {
-    static const DocumentVocabulary vocabulary = [] {
-        qInitResources_check_files();
-        const std::string name = ":/field_definition.rng";
-        return SchemaReader(parseXml(readFile(name).value(), name).document.documentElement()).read();
-    }();
+    static const DocumentVocabulary& vocabulary = vocabularyOf("field_definition");
     return vocabulary;
 }
 
