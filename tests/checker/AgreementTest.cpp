@@ -1,8 +1,11 @@
+#include "ProcessWideState.h"
 #include "checked.h"
+#include "instrumentOnDisk.h"
 
 #include "TemporaryFolder.h"
 #include "Version.h"
 #include "configureDocument.h"
+#include "ownConfiguration.h"
 #include "xmlEncoding.h"
 #include "xmlKeywords.h"
 #include "xmlParse.h"
@@ -122,7 +125,94 @@ void expectAgreement(const std::string& document, const std::optional<std::strin
     EXPECT_EQ(errors > 0, failure.has_value()) << testing::PrintToString(problemsOf(result)) << '\n' << document;
 }
 
+/** One random change of a document of the instrument, whose values may stand in texts. */
+void damageValue(const QDomDocument& tree, Choice& choice) {
+    QDomElement element = choice.of(elementsOf(tree.documentElement()));
+    const bool isText = element.firstChild().isText();
+    if (isText && choice.below(4) > 0) {
+        element.firstChild().setNodeValue(choice.of(kValues));
+    } else {
+        damage(tree, choice);
+    }
+}
+
+/** Damages one of the documents of a small instrument. */
+InstrumentOnDisk damagedInstrument(Choice& choice) {
+    InstrumentOnDisk instrument;
+    instrument.bundle = "<plate_definition datamver='8.00' centre_x='0' centre_y='-20' orientation='0'>" + tenFibres() +
+                        "</plate_definition>";
+    std::string& document =
+        *choice.of(std::vector<std::string*>{&instrument.configuration, &instrument.map, &instrument.bundle});
+    const QDomDocument tree = parseXml(QByteArray::fromStdString(document), "example").document;
+    for (int faults = choice.below(3); faults >= 0; --faults) {
+        damageValue(tree, choice);
+    }
+    document = tree.toByteArray(-1).toStdString();
+    if (choice.below(10) == 0) {
+        document.erase(static_cast<std::size_t>(choice.below(document.size())), 1);
+    }
+    return instrument;
+}
+
+/** Why a run with a configuration fails on the faultless document; nothing where it does not. */
+std::optional<std::string> failureWith(const std::string& configuration) {
+    datamver.clear();
+    try {
+        const PosConfig config("configure_version", configure_version, configuration.c_str(), PosConfig::XML);
+        Instrument instrument(config);
+        const QDomDocument tree = parseXml(QByteArray::fromStdString(kFaultless), "field.xml").document;
+        if (!datamver.empty() && tree.documentElement().attribute(attr::datamver).toStdString() != datamver) {
+            return "Data model version mismatch";
+        }
+        placeDocument(instrument, tree, noOptions().estimates);
+    } catch (const std::exception& error) {
+        return error.what();
+    }
+    return std::nullopt;
+}
+
+/** The errors that a call has on an instrument and the faultless document. */
+std::vector<std::string> errorsWith(const InstrumentOnDisk& instrument, const TemporaryFolder& folder) {
+    CheckedInstrument checked = checkedAnew(instrument, folder);
+    CheckOptions options = noOptions();
+    options.isInstrumentSound = checked.isSound;
+    checked.files.push_back(
+        {"field.xml", checkDocument(QByteArray::fromStdString(kFaultless), "field.xml", *checked.instrument, options)});
+    std::vector<std::string> errors;
+    for (const CheckedFile& file : checked.files) {
+        for (const Problem& problem : file.result.problems) {
+            if (problem.severity == Severity::Error) {
+                errors.push_back(problem.message);
+            }
+        }
+    }
+    return errors;
+}
+
+class AgreementOnInstruments : public ProcessWideState {};
+
 } // namespace
+
+TEST_F(AgreementOnInstruments, TheRunFailsExactlyWhereTheCallHasAnErrorThatTellsIt) {
+    const TemporaryFolder folder;
+    Choice choice;
+    int failing = 0;
+    constexpr int kInstruments = 300;
+    for (int i = 0; i < kInstruments && !HasFailure(); ++i) {
+        const InstrumentOnDisk instrument = damagedInstrument(choice);
+        const std::vector<std::string> errors = errorsWith(instrument, folder);
+        const std::optional<std::string> failure = failureWith(folder.path("configure.xml"));
+        const bool isTold = failure && std::any_of(errors.begin(), errors.end(), [&](const std::string& message) {
+                                return message.find(*failure) != std::string::npos;
+                            });
+        failing += failure ? 1 : 0;
+        EXPECT_TRUE(failure ? isTold : errors.empty())
+            << failure.value_or("no failure") << " but " << testing::PrintToString(errors) << '\n'
+            << instrument.configuration << instrument.map << instrument.bundle;
+    }
+    EXPECT_GT(failing, kInstruments / 5);
+    EXPECT_LT(failing, kInstruments * 4 / 5);
+}
 
 TEST(Agreement, TheRunFailsExactlyWhereThereIsAnError) {
     std::vector<std::string> examples = {kFaultless};

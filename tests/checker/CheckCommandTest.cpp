@@ -1,6 +1,7 @@
 #include "Program.h"
 #include "TemporaryFolder.h"
 #include "checked.h"
+#include "instrumentOnDisk.h"
 
 #include <csignal>
 #include <gtest/gtest.h>
@@ -11,10 +12,6 @@ namespace {
 ProgramResult check(std::vector<std::string> arguments, const ProgramOptions& options = {}) {
     arguments.insert(arguments.begin(), {VEKO_EXECUTABLE, "check"});
     return runCommand(arguments, options);
-}
-
-std::string replaced(std::string text, const std::string& part, const std::string& replacement) {
-    return text.replace(text.find(part), part.size(), replacement);
 }
 
 const std::string kWrong =
@@ -129,4 +126,57 @@ TEST(CheckCommand, ListsAndExplainsItsRules) {
     EXPECT_NE(explained.out.find("\nWrong:\n    <conditions epoch=\"2027.25\" ha=\"west\"/>\nRight:\n"),
               std::string::npos)
         << explained.out;
+}
+
+TEST(CheckCommand, TheDocumentsOfAnInstrumentAreCheckedOnceAndToldFirst) {
+    const TemporaryFolder folder;
+    InstrumentOnDisk instrument;
+    instrument.replace("28.760583", "north");
+    instrument.write(folder);
+    folder.write("f.xml", kFaultless);
+    const ProgramResult result = check({"-c", "configure.xml", "f.xml", "f.xml"}, {.folder = folder.name()});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(
+        result.out,
+        R"(configure.xml:13:15: error: conversion of data to type "d" failed (telescope.latitude): 'north' is not a number [VK605]
+   13 |     <latitude>north</latitude>
+      |               ^~~~~
+help: Write a plain number, in degrees
+
+5 files: 1 error, 0 warnings
+)");
+    EXPECT_EQ(result.err, "");
+}
+
+TEST(CheckCommand, AWarningOfTheInstrumentCountsAsThoseOfTheOtherFiles) {
+    const TemporaryFolder folder;
+    InstrumentOnDisk instrument;
+    instrument.replace("id=\"304\" pos_x=\"", "id=\"304\" Status='' pos_x=\"");
+    instrument.write(folder);
+    folder.write("f.xml", kFaultless);
+    EXPECT_EQ(check({"-c", "configure.xml", "f.xml"}, {.folder = folder.name()}).status, 0);
+    EXPECT_EQ(check({"--strict", "-c", "configure.xml", "f.xml"}, {.folder = folder.name()}).status, 1);
+    const ProgramResult json = check({"--format", "json", "-c", "configure.xml", "f.xml"}, {.folder = folder.name()});
+    EXPECT_EQ(nlohmann::json::parse(json.out).at("documents").at(2).at("file"), "VEKO.xml");
+    EXPECT_EQ(nlohmann::json::parse(json.out).at("documents").at(2).at("warnings"), 1);
+}
+
+TEST(CheckCommand, MendingLeavesTheDocumentsOfTheInstrumentAlone) {
+    const TemporaryFolder folder;
+    InstrumentOnDisk instrument;
+    instrument.replace("pos_x=\"0.166\"", "pos_x=\"0,166\"");
+    instrument.write(folder);
+    folder.write("f.xml", replaced(kFaultless, "8.00", "8.0"));
+    EXPECT_EQ(check({"--fix", "-c", "configure.xml", "f.xml"}, {.folder = folder.name()}).status, 1);
+    EXPECT_EQ(folder.read("f.xml"), kFaultless);
+    EXPECT_EQ(folder.read("VEKO.xml"), instrument.bundle);
+}
+
+TEST(CheckCommand, AConfigurationThatCannotBeOpenedEndsWithStatusTwo) {
+    const TemporaryFolder folder;
+    folder.write("f.xml", kFaultless);
+    const ProgramResult result = check({"-c", "missing.xml", "f.xml"}, {.folder = folder.name()});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "Unable to open config file: missing.xml\n");
 }

@@ -24,8 +24,9 @@ class SourceText;
 
 /** What a check takes for granted beside the document. */
 struct CheckOptions {
-    Estimates estimates;
-    double fieldRadius; ///< how far apart centre and targets of a field may be, radians
+    Estimates estimates = {};
+    double fieldRadius = 0.0;      ///< how far apart centre and targets of a field may be, radians
+    bool isInstrumentSound = true; ///< without it each run fails for the instrument's sake, which is told elsewhere
 };
 
 /** One field of a document. */

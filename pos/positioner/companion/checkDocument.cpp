@@ -37,10 +37,13 @@ void addUnreadable(Problems& problems, int offset, const std::string& message) {
     problems.add(kUnreadable, {offset, offset + 1}, message, whatToDo(message));
 }
 
-/** The message of the run's failure on a document, which it changes; nothing where it succeeds. */
+/** The message of the run's failure on a document, which it changes; nothing where it succeeds or cannot begin. */
 std::optional<std::string> failureOf(CheckedDocument& document, QDomDocument tree) {
+    if (!document.options.isInstrumentSound) {
+        return std::nullopt;
+    }
     try {
-        if (tree.documentElement().attribute(attr::datamver).toStdString() != datamver) {
+        if (!datamver.empty() && tree.documentElement().attribute(attr::datamver).toStdString() != datamver) {
             throw std::runtime_error("Data model version mismatch");
         }
         const PlacedDocument placed = placeDocument(document.instrument, tree, document.options.estimates);
@@ -104,7 +107,9 @@ void checkTree(const SourceText& text, const ParsedXml& parsed, bool isReadable,
                const CheckOptions& options, Problems& problems) {
     const std::unique_ptr<SourceElement> root = locateElements(text.utf8(), parsed);
     CheckedDocument document{text, *root, options, instrument};
-    readInstrument(instrument);
+    if (options.isInstrumentSound) {
+        readInstrument(instrument);
+    }
     findParts(document);
     if (isReadable) {
         document.failure = failureOf(document, parsed.document.cloneNode().toDocument());

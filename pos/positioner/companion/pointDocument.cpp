@@ -136,7 +136,7 @@ void pointDocument(CheckedDocument& document) {
     }
     const std::optional<Astrometric> centre = document.fields.empty() ? Astrometric{} : document.fields.front().centre;
     const QDomElement observation = document.observation != nullptr ? document.observation->node : QDomElement();
-    if (centre && document.root.isWhole) {
+    if (centre && document.root.isWhole && document.options.isInstrumentSound) {
         findPointing(document, *centre, degreesToRadians(observation.attribute(attr::pa).toDouble()));
     }
     const std::optional<double> date = document.pointing ? std::optional(document.pointing->date()) : std::nullopt;

@@ -33,6 +33,9 @@ template <typename Read> void askEachAttribute(const Rule& rule, const CheckedDo
 }
 
 void findOtherVersion(const Rule& rule, const CheckedDocument& document, Problems& problems) {
+    if (datamver.empty()) {
+        return; // The configuration has none, and the run compares none.
+    }
     const SourceAttribute* version = document.root.attribute(attr::datamver);
     const QByteArray wanted = QByteArray::fromStdString(datamver);
     const std::string message = "Data model version mismatch: ";

@@ -1,12 +1,10 @@
 #include "checkCommand.h"
 
-#include "Instrument.h"
 #include "OutputFile.h"
-#include "PosConfig.h"
 #include "Progress.h"
-#include "Version.h"
 #include "angles.h"
 #include "catalogueJson.h"
+#include "checkInstrument.h"
 #include "fileAccess.h"
 #include "fixes.h"
 #include "problemJson.h"
@@ -155,11 +153,12 @@ int check(const CheckArguments& arguments) {
     if (!arguments.explain.empty()) {
         return explain(arguments.explain, arguments.format);
     }
-    const PosConfig config("configure_version", configure_version, arguments.run.configFile.c_str(), PosConfig::XML);
-    Instrument instrument(config);
-    const CheckOptions options{arguments.run.estimates(), degreesToRadians(arguments.fieldRadius)};
-    const std::vector<CheckedFile> files = checkFiles(arguments, instrument, options);
+    const double fieldRadius = degreesToRadians(arguments.fieldRadius);
+    const CheckedInstrument instrument = checkInstrument(arguments.run.configFile, fieldRadius);
+    const CheckOptions options{arguments.run.estimates(), fieldRadius, instrument.isSound};
+    std::vector<CheckedFile> files = checkFiles(arguments, *instrument.instrument, options);
     const bool isTrouble = files.size() < arguments.files.size();
+    files.insert(files.begin(), instrument.files.begin(), instrument.files.end());
     if (arguments.diff) {
         return isTrouble ? kTrouble : kClean;
     }

@@ -1,0 +1,54 @@
+#include "instrumentFiles.h"
+
+#include "fileAccess.h"
+
+#include <filesystem>
+#include <stdexcept>
+
+namespace pos {
+
+namespace {
+
+bool isBuiltIn(const std::string& name) {
+    return name.starts_with(":");
+}
+
+} // namespace
+
+std::vector<std::pair<InstrumentPart, const InstrumentValue*>> filesNamed(const InstrumentDocument& document) {
+    std::vector<std::pair<InstrumentPart, const InstrumentValue*>> files;
+    for (const auto& [part, key] :
+         {std::pair(InstrumentPart::FocalPlaneMap, "telescope.focal_plane_map"),
+          std::pair(InstrumentPart::Bundle, "veko_definition"), std::pair(InstrumentPart::PlateA, "plate_a_definition"),
+          std::pair(InstrumentPart::PlateB, "plate_b_definition")}) {
+        const InstrumentValue* value = document.value(key);
+        if (value != nullptr && value->text) {
+            files.emplace_back(part, value);
+        }
+    }
+    return files;
+}
+
+std::string fileBeside(const std::string& configuration, const std::string& name) {
+    return isBuiltIn(name) ? name : (std::filesystem::path(configuration).parent_path() / name).string();
+}
+
+std::string fileOfTheRun(const std::string& configuration, const std::string& name) {
+    return isBuiltIn(name) ? name : std::filesystem::absolute(fileBeside(configuration, name)).string();
+}
+
+bool isPlainFile(const std::string& name) {
+    std::error_code notThere;
+    return std::filesystem::is_regular_file(name, notThere);
+}
+
+void requireFile(const std::string& name) {
+    std::error_code notThere;
+    const std::filesystem::file_type type = std::filesystem::status(name, notThere).type();
+    const bool isStream = type == std::filesystem::file_type::fifo || type == std::filesystem::file_type::character;
+    if (!isStream && !readFile(name)) {
+        throw std::runtime_error(name + " could not be opened");
+    }
+}
+
+} // namespace pos
