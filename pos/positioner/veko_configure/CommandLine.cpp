@@ -83,7 +83,6 @@ po::variables_map parseOptions(int argc, const char* const* argv, const po::opti
         const po::parsed_options parsed = po::command_line_parser(argc, argv).options(options).run();
         refuseLeftOver(parsed);
         po::store(parsed, values);
-        po::notify(values);
     } catch (const po::error_with_option_name& error) {
         rethrowParserError(error);
     }
