@@ -51,6 +51,22 @@ TEST(CheckDocument, TellsNothingThatMayStandBehindThatPlace) {
     }
 }
 
+TEST(CheckDocument, SaysWhyReadingStoppedAndWhere) {
+    const std::string utf16 = "<?xml version='1.0' encoding='UTF-16'?><a/>";
+    for (const auto& [document, told] : std::vector<std::pair<std::string, std::string>>{
+             {"<a>\n<b c='1'></a>", "VK101 2:12-2:12 field.xml is not valid XML: </b> is missing"},
+             {"<a>", "VK101 1:4-1:4 field.xml is not valid XML: </a> is missing"},
+             {"<a b=\xe2\x80\x9cx'/>", "VK101 1:6-1:6 field.xml is not valid XML: not well-formed (invalid token)"},
+             {"<a b='1' b='2'/>", "VK101 1:10-1:10 field.xml is not valid XML: duplicate attribute"},
+             {"a", "VK101 1:1-1:1 field.xml is not valid XML: it does not begin with a tag"},
+             {"\xef\xbb\xbf" + utf16,
+              "VK101 1:31-1:31 field.xml is not valid XML: its bytes are UTF-8, in spite of its declaration"},
+             {"<?xml version='1.0' encoding='EUC-JP'?><a>\xff</a>",
+              "VK101 1:43-1:43 field.xml is not valid XML: these bytes are not EUC-JP"}}) {
+        EXPECT_THAT(problemsOf(checked(document)), Contains(told));
+    }
+}
+
 TEST(CheckDocument, FindsAPlaceWhereThereIsNoElement) {
     EXPECT_THAT(codesOf(checked("")), ElementsAre("VK101 1:1"));
     EXPECT_THAT(codesOf(checked("<!DOCTYPE a>")), ElementsAre("VK101 1:13"));

@@ -32,9 +32,17 @@ bool isPlain(const SourceElement& element, int depth) {
                        [depth](const auto& child) { return isPlain(*child, depth + 1); });
 }
 
-/** A document that cannot be read, told where reading stopped. */
-void addUnreadable(Problems& problems, int offset, const std::string& message) {
-    problems.add(kUnreadable, {offset, offset + 1}, message, whatToDo(message));
+/** A document that cannot be read, told where reading stopped, at a whole character. */
+void addUnreadable(Problems& problems, const QByteArray& utf8, const UnreadableXml& error) {
+    const auto isInCharacter = [&](int byte) { return byte < utf8.size() && (utf8.at(byte) & 0xC0) == 0x80; };
+    const int begin = std::min(error.offset(), utf8.size());
+    int end = begin + 1;
+    while (isInCharacter(end)) {
+        ++end;
+    }
+    const std::string message = error.what();
+    problems.add(kUnreadable, {begin, end}, message + (error.reason().empty() ? "" : ": " + error.reason()),
+                 whatToDo(message));
 }
 
 /** The message of the run's failure on a document, which it changes; nothing where it succeeds or cannot begin. */
@@ -133,7 +141,7 @@ CheckResult checkDocument(const QByteArray& bytes, const std::string& name, Inst
         if (utf8.isNull()) {
             utf8 = decodedForPeople(bytes);
         }
-        addUnreadable(problems, std::min(error.offset(), utf8.size()), error.what());
+        addUnreadable(problems, utf8, error);
     }
     const bool isReadable = problems.all().empty();
     if (!isReadable) {

@@ -68,7 +68,8 @@ QByteArray toUtf8(const QTextCodec& encoding, const QByteArray& bytes, const std
     const QString text = encoding.toUnicode(bytes.constData(), bytes.size(), &state);
     if (state.invalidChars != 0 || state.remainingChars != 0 || !text.isValidUtf16() ||
         (text.contains(QChar::ReplacementCharacter) && fromUnicode(encoding, text) != bytes)) {
-        throw MalformedXml(name, withoutMark(text.left(text.indexOf(QChar::ReplacementCharacter))).size());
+        throw MalformedXml(name, withoutMark(text.left(text.indexOf(QChar::ReplacementCharacter))).size(),
+                           "these bytes are not " + encoding.name().toStdString());
     }
     return withoutMark(text);
 }
@@ -105,7 +106,8 @@ QByteArray decodeXml(const QByteArray& bytes, const std::string& name) {
     const QString declaration = declarationAtBeginning(text);
     // "UTF-16" may be declared for either order of bytes.
     if (declaration.contains(encodingPattern()) && !told->name().startsWith(requireKnown(declaration, name).name())) {
-        throw MalformedXml(name, placeOfEncoding(declaration));
+        throw MalformedXml(name, placeOfEncoding(declaration),
+                           "its bytes are " + told->name().toStdString() + ", in spite of its declaration");
     }
     return text;
 }

@@ -100,7 +100,7 @@ public:
         // From another beginning the parser would guess another encoding than the given one, or pass over a mark.
         const bool beginsAsXml = text_.isEmpty() || std::strchr("< \t\r\n", text_.front()) != nullptr;
         if (!beginsAsXml || text_.left(2).contains('\0')) {
-            throw MalformedXml(name_, 0);
+            throw MalformedXml(name_, 0, "it does not begin with a tag");
         }
         makeParser();
         XML_SetDoctypeDeclHandler(parser_.get(), call<&TreeBuilder::startDoctype>, call<&TreeBuilder::endDoctype>);
@@ -182,6 +182,15 @@ private:
         return inputBegin_ + static_cast<int>(XML_GetCurrentByteIndex(parser_.get()));
     }
 
+    /** What the parser found; where elements do not end as they begin, the element whose end is missing. */
+    std::string reasonOf(XML_Error error) const {
+        const bool isEndMissing = error == XML_ERROR_TAG_MISMATCH || error == XML_ERROR_NO_ELEMENTS;
+        if (isEndMissing && current_.isElement()) {
+            return "</" + current_.nodeName().toStdString() + "> is missing";
+        }
+        return XML_ErrorString(error);
+    }
+
     [[noreturn]] void fail() {
         if (failure_) {
             std::rethrow_exception(failure_);
@@ -197,7 +206,7 @@ private:
             refuseUnknownEntity();
         }
         // Without any token the parser has no place.
-        throw MalformedXml(name_, std::max(place(), contentBegin_));
+        throw MalformedXml(name_, std::max(place(), contentBegin_), reasonOf(error));
     }
 
     [[noreturn]] void refuse(const std::string& what) const {
