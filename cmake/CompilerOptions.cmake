@@ -19,6 +19,9 @@ target_compile_options(
 
 add_library(pos_sanitizers INTERFACE)
 if(POS_SANITIZE)
+  if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    message(FATAL_ERROR "The sanitizers need clang: use the preset \"asan\"")
+  endif()
   # Lines are enough for a report. Coverage is for the fuzzing engine, which only the fuzzers themselves link.
   target_compile_options(pos_sanitizers INTERFACE -fsanitize=address,undefined,fuzzer-no-link -fno-sanitize-recover=all
                                                   -fno-omit-frame-pointer -g1)
