@@ -31,8 +31,8 @@ class Mutant(NamedTuple):
         return hashlib.sha256(f"{seed}|{self.key}".encode()).hexdigest()
 
 
-# Comments, literals of text and preprocessor lines, in which nothing is changed.
-HIDDEN = re.compile(r"""//[^\n]*|/\*.*?\*/|"(?:\\.|[^"\\\n])*"|'(?:\\.|[^'\\\n])*'|^[ \t]*#(?:\\\n|[^\n])*""", re.S | re.M)
+# Comments, assertions of the compiler, literals of text and preprocessor lines, in which nothing is changed.
+HIDDEN = re.compile(r"""//[^\n]*|/\*.*?\*/|\bstatic_assert\([^;]*;|"(?:\\.|[^"\\\n])*"|'(?:\\.|[^'\\\n])*'|^[ \t]*#(?:\\\n|[^\n])*""", re.S | re.M)
 
 BINARY = {
     "+": ["-"], "-": ["+"], "*": ["/"], "/": ["*"], "%": ["*"],

@@ -81,6 +81,11 @@ TEST_F(XmlEncoding, Utf16IsReadInBothByteOrders) {
     EXPECT_EQ(textOf(utf16(declared("UTF-16BE", "<a>" + text + "</a>"), ByteOrder::Big, false)), text);
 }
 
+TEST_F(XmlEncoding, OneCharacterShowsThatItIsUtf16) {
+    EXPECT_EQ(pos::decodeXml(QByteArray("\0<", 2), "a.xml"), "<");
+    EXPECT_EQ(pos::decodeXml(QByteArray("<\0", 2), "a.xml"), "<");
+}
+
 TEST_F(XmlEncoding, BadUtf16IsRefused) {
     const std::string begin = "\xff\xfe<\0a\0>\0"s;
     const std::string end = "<\0/\0a\0>\0"s;
