@@ -115,6 +115,7 @@ TEST_F(RulesOfTheInstrument, WhatMakesEachRunFailIsAnErrorWithTheMessageOfTheRun
          {"error VK605 3:58-3:59 plate definition has a bad orientation: '0\xc2\xb0' is not a number"}},
         {"id=\"603\"", "id=\"-603\"", {"error VK605 606:14-606:17 fibre element has a bad identifier: '-603'"}},
         {">VEKO.xml<", ">bundle.xml<", {"error VK606 42:20-42:29 FOLDER/bundle.xml could not be opened"}},
+        {">VEKO.xml<", "><", {"error VK606 42:4-42:18 FOLDER could not be opened"}},
         {"</plate_definition>", "", {"error VK601 608:1-608:1 FOLDER/VEKO.xml is not valid XML"}},
     };
     for (const auto& row : rows) {

@@ -18,6 +18,8 @@
 
 namespace pos {
 
+class PosConfig;
+
 /** What a document of the instrument describes. */
 enum class InstrumentPart { Configuration, FocalPlaneMap, Bundle, PlateA, PlateB };
 
@@ -28,7 +30,7 @@ inline bool isReadByRun(InstrumentPart part) {
 
 /** What the documents of an instrument tell of one another. */
 struct InstrumentFacts {
-    std::string configuration;             ///< name of the file
+    const PosConfig& configuration;        ///< without any value where the run cannot read it
     std::string version;                   ///< data model version of the configuration; empty where it has none
     std::optional<Optics> optics;          ///< nothing where the map has none
     std::optional<PlateGeometry> geometry; ///< nothing where the map has none

@@ -41,10 +41,7 @@ void openAsTheRun(const std::string& configFile, CheckedInstrument& checked) {
 /** Checks the documents of one instrument. */
 class DocumentsCheck {
 public:
-    DocumentsCheck(const std::string& configFile, double plateRadius) {
-        facts_.configuration = configFile;
-        facts_.plateRadius = plateRadius;
-    }
+    DocumentsCheck(const PosConfig& config, double plateRadius) : facts_{config, "", {}, {}, plateRadius, {}} {}
 
     /**
      * Checks the configuration and the files that it names.
@@ -55,11 +52,12 @@ public:
     std::vector<CheckedFile> check(const std::optional<std::string>& failure, bool isConfigRead) {
         unreadableConfig_ = isConfigRead ? std::nullopt : failure;
         std::vector<CheckedFile> files;
-        files.push_back({facts_.configuration, checkPart(InstrumentPart::Configuration, facts_.configuration)});
+        const std::string& configFile = facts_.configuration.name();
+        files.push_back({configFile, checkPart(InstrumentPart::Configuration, configFile)});
         for (const auto& [part, name] : std::vector(facts_.files)) {
-            const std::string file = fileOfTheRun(facts_.configuration, name);
+            const std::string file = facts_.configuration.filenameOf(name);
             if (isPlainFile(file)) {
-                files.push_back({fileBeside(facts_.configuration, name), checkPart(part, file)});
+                files.push_back({fileBeside(configFile, name), checkPart(part, file)});
             }
         }
         if (failure && !isTold(*failure, files)) {
@@ -132,7 +130,7 @@ private:
         });
     }
 
-    InstrumentFacts facts_{};
+    InstrumentFacts facts_;
     std::optional<std::string> unreadableConfig_; ///< why the run cannot read the configuration
     Span start_{0, 1};                            ///< of the configuration
 };
@@ -156,7 +154,7 @@ CheckedInstrument checkInstrument(const std::string& configFile, double fieldRad
     }
     checked.isSound = !failure;
     checked.files =
-        DocumentsCheck(configFile, std::max(1.0, radiansToDegrees(fieldRadius))).check(failure, isConfigRead);
+        DocumentsCheck(*checked.config, std::max(1.0, radiansToDegrees(fieldRadius))).check(failure, isConfigRead);
     return checked;
 }
 

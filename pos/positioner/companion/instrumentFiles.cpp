@@ -7,14 +7,6 @@
 
 namespace pos {
 
-namespace {
-
-bool isBuiltIn(const std::string& name) {
-    return name.starts_with(":");
-}
-
-} // namespace
-
 std::vector<std::pair<InstrumentPart, const InstrumentValue*>> filesNamed(const InstrumentDocument& document) {
     std::vector<std::pair<InstrumentPart, const InstrumentValue*>> files;
     for (const auto& [part, key] :
@@ -30,11 +22,7 @@ std::vector<std::pair<InstrumentPart, const InstrumentValue*>> filesNamed(const 
 }
 
 std::string fileBeside(const std::string& configuration, const std::string& name) {
-    return isBuiltIn(name) ? name : (std::filesystem::path(configuration).parent_path() / name).string();
-}
-
-std::string fileOfTheRun(const std::string& configuration, const std::string& name) {
-    return isBuiltIn(name) ? name : std::filesystem::absolute(fileBeside(configuration, name)).string();
+    return name.starts_with(":") ? name : (std::filesystem::path(configuration).parent_path() / name).string();
 }
 
 bool isPlainFile(const std::string& name) {

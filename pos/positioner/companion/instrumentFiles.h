@@ -19,9 +19,6 @@ std::vector<std::pair<InstrumentPart, const InstrumentValue*>> filesNamed(const 
 /** The file that a configuration names, from the working directory as the name of the configuration. */
 std::string fileBeside(const std::string& configuration, const std::string& name);
 
-/** The same as the run names it: absolute unless it is built in. */
-std::string fileOfTheRun(const std::string& configuration, const std::string& name);
-
 /** Whether a name is that of a file which is the same each time that it is read, as a pipe is not. */
 bool isPlainFile(const std::string& name);
 

@@ -1,5 +1,6 @@
 #include "CheckedDocument.h"
 #include "OtherNotation.h"
+#include "PosConfig.h"
 #include "Version.h"
 #include "angles.h"
 #include "fileAccess.h"
@@ -169,7 +170,7 @@ void findBadValues(const Rule& rule, const InstrumentDocument& document, Problem
 
 void findMissingFiles(const Rule& rule, const InstrumentDocument& document, Problems& problems) {
     for (const auto& [part, value] : filesNamed(document)) {
-        const std::string file = fileOfTheRun(document.facts.configuration, value->text->toStdString());
+        const std::string file = document.facts.configuration.filenameOf(value->text->toStdString());
         if (const auto failure = failureOf([&] { requireFile(file); })) {
             problems.add(rule, isReadByRun(part) ? Severity::Error : Severity::Warning, value->place, *failure,
                          "Name a file that exists; a name that does not begin with \"/\" counts from the folder of the "

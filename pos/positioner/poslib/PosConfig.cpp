@@ -111,11 +111,14 @@ double PosConfig::getAngle(const std::string& key) const {
 }
 
 std::string PosConfig::getFilename(const std::string& key) const {
-    auto value = get<std::string>(key);
-    if (value.starts_with(":") || value.starts_with("/")) {
-        return value;
+    return filenameOf(get<std::string>(key));
+}
+
+std::string PosConfig::filenameOf(const std::string& name) const {
+    if (name.starts_with(":") || name.starts_with("/")) {
+        return name;
     }
-    return boost::filesystem::absolute(boost::filesystem::path(directory_) / value).string();
+    return boost::filesystem::absolute(boost::filesystem::path(directory_) / name).string();
 }
 
 } // namespace pos

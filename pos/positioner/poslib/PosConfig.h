@@ -83,6 +83,9 @@ public:
      */
     std::string getFilename(const std::string& key) const;
 
+    /** A name as a file name, as getFilename makes one of a value. */
+    std::string filenameOf(const std::string& name) const;
+
     /** The name of the configuration file, as it was given. */
     const std::string& name() const {
         return name_;
