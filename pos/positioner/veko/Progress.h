@@ -30,7 +30,7 @@ public:
     /** Goes on to the next document. */
     void next();
 
-    /** Calls a function that writes whole lines, with the own line out of their way. */
+    /** Calls a function that reads or writes whole lines, with the own line out of their way. */
     void interrupt(const std::function<void()>& write);
 
 private:

@@ -73,9 +73,11 @@ int explain(const std::string& code, const std::string& format) {
 }
 
 /** The bytes of a file, or of the standard input for "-". @throw std::runtime_error where they cannot be had */
-QByteArray bytesOf(const std::string& name) {
+QByteArray bytesOf(const std::string& name, Progress& progress) {
     if (name == "-") {
-        const std::string all{std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>()};
+        std::string all;
+        // Someone may be typing it on the terminal.
+        progress.interrupt([&] { all.assign(std::istreambuf_iterator<char>(std::cin), {}); });
         return QByteArray::fromStdString(all);
     }
     const std::optional<QByteArray> content = readFile(name);
@@ -88,7 +90,7 @@ QByteArray bytesOf(const std::string& name) {
 /** Checks a file. With --fix it is mended, and what is left is told; with --diff its mended form is shown. */
 CheckResult checkFile(const std::string& name, const CheckArguments& arguments, Instrument& instrument,
                       const CheckOptions& options, Progress& progress) {
-    const QByteArray bytes = bytesOf(name);
+    const QByteArray bytes = bytesOf(name, progress);
     CheckResult result = checkDocument(bytes, name, instrument, options);
     if (!arguments.fix && !arguments.diff) {
         return result;
