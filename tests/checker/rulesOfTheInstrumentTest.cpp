@@ -247,6 +247,17 @@ TEST_F(RulesOfTheInstrument, WhatIsCertainHasAFix) {
     EXPECT_EQ(fixWith(">2332.0<", ">2,332<"), std::nullopt);
 }
 
+TEST_F(RulesOfTheInstrument, OfTwoNamesThatMeanOneAttributeTheFirstHasTheFix) {
+    InstrumentOnDisk instrument;
+    instrument.replace("status=\"enabled\"", "Status=\"enabled\" STATUS=\"enabled\"");
+    const CheckedInstrument checked = checkedAnew(instrument, folder_);
+    std::vector<std::optional<QByteArray>> fixes;
+    for (const Problem& problem : checked.files.back().result.problems) {
+        fixes.push_back(problem.fix);
+    }
+    EXPECT_EQ(fixes, (std::vector<std::optional<QByteArray>>{"status", std::nullopt}));
+}
+
 TEST_F(RulesOfTheInstrument, TheDocumentsOfPlatesThatNoRunReadsHaveNoErrors) {
     InstrumentOnDisk instrument;
     instrument.replace(">:/PLATE_A", ">PLATE_A");

@@ -47,15 +47,17 @@ public:
 private:
     // NOLINTNEXTLINE(misc-no-recursion): the parser limits the depth
     void visit(const SourceElement& element, const KnownElement& known) {
+        std::set<std::string> certain; // An element has an attribute once.
         for (const SourceAttribute& attribute : element.attributes) {
             const bool isForeign = attribute.name.contains(':') || attribute.name == QLatin1String("xmlns");
             const bool isVersion = attribute.name == attr::datamver && element.parent == nullptr;
             if (!isForeign && !isVersion && !known.attributes.contains(attribute.name)) {
                 addUnknown(element, attribute.namePlace, attribute.name, known.attributes,
                            [&](const QString& name) { return element.attribute(name) != nullptr; });
+                StrayName& name = found_.back();
                 // An element that an entity brings stands elsewhere.
-                found_.back().isCertain = isSameWord(attribute.name, QString::fromStdString(found_.back().meant)) &&
-                                          !found_.back().isThere && !(attribute.namePlace == element.tag);
+                name.isCertain = isSameWord(attribute.name, QString::fromStdString(name.meant)) && !name.isThere &&
+                                 !(attribute.namePlace == element.tag) && certain.insert(name.meant).second;
             }
         }
         std::set<QString> siblings;
