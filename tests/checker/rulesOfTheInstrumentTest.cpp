@@ -139,6 +139,19 @@ TEST_F(RulesOfTheInstrument, EachValueOfAMissingElementIsMissing) {
                     "note VK610 1:2-1:4 map is not known in the document, and the run passes over it"}));
 }
 
+TEST_F(RulesOfTheInstrument, TheNameOfADocumentElementIsNotLookedAt) {
+    InstrumentOnDisk instrument;
+    instrument.replace("<plate_definition", "<Plate_definition");
+    instrument.replace("</plate_definition", "</Plate_definition");
+    instrument.configuration = replaced(instrument.configuration, "<configure ", "<instrument ");
+    instrument.configuration = replaced(instrument.configuration, "</configure>", "</instrument>");
+    EXPECT_EQ(problemsIn(instrument),
+              (Told{"note VK610 3:2-3:11 The document element is instrument instead of configure; the run does not "
+                    "look at its name",
+                    "warning VK607 3:2-3:17 The document element is Plate_definition instead of plate_definition; the "
+                    "run does not look at its name"}));
+}
+
 TEST_F(RulesOfTheInstrument, AConfigurationThatIsNotWellFormedIsAnErrorWhereTheRunCannotReadIt) {
     EXPECT_EQ(
         toldWith("</configure>", ""),

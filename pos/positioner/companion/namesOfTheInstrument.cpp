@@ -119,6 +119,14 @@ private:
     std::vector<StrayName> found_;
 };
 
+std::string notKnown(const InstrumentDocument& document, const StrayName& name) {
+    const bool isRoot = name.place == document.root.namePlace;
+    return isRoot && document.content == &document.root
+               ? "The document element is " + name.name + " instead of " + name.meant +
+                     "; the run does not look at its name"
+               : name.name + " is not known in " + name.where + ", and the run passes over it";
+}
+
 template <typename Add> void visitStray(const InstrumentDocument& document, StrayName::Kind kind, const Add& add) {
     for (const StrayName& name : NameWalk(document).walk()) {
         if (name.kind == kind) {
@@ -131,7 +139,7 @@ template <typename Add> void visitStray(const InstrumentDocument& document, Stra
 
 void findNearInstrumentNames(const Rule& rule, const InstrumentDocument& document, Problems& problems) {
     visitStray(document, StrayName::Kind::Near, [&](const StrayName& name) {
-        problems.add(rule, name.place, name.name + " is not known in " + name.where + ", and the run passes over it",
+        problems.add(rule, name.place, notKnown(document, name),
                      name.isThere ? "Remove it, or correct it: " + name.meant + " stands there too"
                                   : "Write " + name.meant,
                      name.isCertain ? std::optional(QByteArray::fromStdString(name.meant)) : std::nullopt);
@@ -153,10 +161,9 @@ void findRepeatedInstrumentElements(const Rule& rule, const InstrumentDocument& 
 
 void findUnknownInstrumentNames(const Rule& rule, const InstrumentDocument& document, Problems& problems) {
     visitStray(document, StrayName::Kind::Unknown, [&](const StrayName& name) {
-        problems.add(rule, name.place, name.name + " is not known in " + name.where + ", and the run passes over it",
-                     name.meant.empty()
-                         ? "Remove it, unless other programs read it"
-                         : "The document element is " + name.meant + "; see that the right file is named");
+        problems.add(rule, name.place, notKnown(document, name),
+                     name.meant.empty() ? "Remove it, unless other programs read it"
+                                        : "Name the right file, or call the document element " + name.meant);
     });
 }
 

@@ -52,7 +52,8 @@ const std::vector<InstrumentRuleEntry>& rulesOfTheInstrument() {
           R"(<veko_definition>:/BUNDLE.xml</veko_definition>)", R"(<veko_definition>:/VEKO.xml</veko_definition>)"},
          findMissingFiles},
         {{"VK607", Severity::Warning, "A name of the instrument is near a known one",
-          "The run knows names letter by letter, and passes over others.",
+          "The run knows names letter by letter, and passes over others. It looks at the name of a document element in "
+          "the focal-plane map only.",
           R"(<fibre id="1" pos_x="0.000" pos_y="-17.501" fibre_name="C01" Status="broken"/>)",
           R"(<fibre id="1" pos_x="0.000" pos_y="-17.501" fibre_name="C01" status="broken"/>)"},
          findNearInstrumentNames},
