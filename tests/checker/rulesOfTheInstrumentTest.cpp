@@ -103,8 +103,8 @@ TEST_F(RulesOfTheInstrument, WhatMakesEachRunFailIsAnErrorWithTheMessageOfTheRun
          "",
          {"error VK605 15:6-15:11 conversion of data to type \"d\" failed (telescope.height): '' is not a number"}},
         {">28.760583<",
-         "><!-- north -->28.76 deg<",
-         {"error VK605 13:29-13:37 conversion of data to type \"d\" failed (telescope.latitude): '28.76 deg' is not a "
+         "><!-- not <b>28.76 deg</b> --><!---->28.76 deg<",
+         {"error VK605 13:51-13:59 conversion of data to type \"d\" failed (telescope.latitude): '28.76 deg' is not a "
           "number"}},
         {"11724.24", "long", {"error VK605 4:48-4:51 Bad focal length in focal plane map: 'long' is not a number"}},
         {"<VEKO x0=\"0.0\"",

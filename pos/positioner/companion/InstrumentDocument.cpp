@@ -25,13 +25,28 @@ QString ownText(const SourceElement& element) {
     return text;
 }
 
+/** The first place of a text in the content of an element, outside of comments; negative where there is none. */
+int indexOutsideComments(const QByteArray& content, const QByteArray& text) {
+    int found = content.indexOf(text);
+    int comment = content.indexOf("<!--");
+    while (comment >= 0 && comment < found) {
+        const int end = content.indexOf("-->", comment);
+        found = found < end ? content.indexOf(text, end) : found;
+        comment = content.indexOf("<!--", end);
+    }
+    return found;
+}
+
 /** Where the text of an element stands, without blanks around it; the element's name where it is not written so. */
 Span textPlace(const SourceText& text, const SourceElement& element, const QString& ownText) {
     const QByteArray written = ownText.trimmed().toUtf8();
-    const int begin = text.utf8().indexOf(written, element.tag.end);
-    const int end = text.utf8().indexOf("</", element.tag.end);
-    const bool isFound = !written.isEmpty() && begin >= 0 && begin < end;
-    return isFound ? Span{begin, begin + written.size()} : element.namePlace;
+    if (written.isEmpty() || !element.endNamePlace) {
+        return element.namePlace;
+    }
+    const int begin = element.tag.end;
+    const int size = element.endNamePlace->begin - 2 - begin; // without the "</"
+    const int index = indexOutsideComments(text.utf8().mid(begin, size), written);
+    return index >= 0 ? Span{begin + index, begin + index + written.size()} : element.namePlace;
 }
 
 /** The message with which the configuration store refuses a text, or that there is none. */
