@@ -161,6 +161,17 @@ TEST_F(RulesOfTheInstrument, AConfigurationThatIsNotWellFormedIsAnErrorWhereTheR
               Told{"warning VK601 102:5-102:5 FOLDER/configure.xml is not valid XML"});
 }
 
+TEST_F(RulesOfTheInstrument, WhatCannotBeReadIsToldWhereReadingStopsAndShownDecoded) {
+    InstrumentOnDisk instrument;
+    instrument.bundle = replaced(instrument.bundle, "\"UTF-8\"", "\"UTF-88\"");
+    instrument.map = "<?xml version='1.0' encoding='EUC-JP'?>\n<!-- \xa4\xa2 \xff -->";
+    EXPECT_EQ(problemsIn(instrument),
+              (Told{"error VK601 2:8-2:8 FOLDER/focal_plane_map.xml is not valid XML",
+                    "error VK601 1:31-1:31 FOLDER/VEKO.xml declares an encoding that is not known"}));
+    const CheckResult map = checkedAnew(instrument, folder_).files.at(1).result;
+    EXPECT_TRUE(map.text.utf8().endsWith("<!-- \u3042 \uFFFD -->")) << map.text.utf8().toStdString();
+}
+
 TEST_F(RulesOfTheInstrument, WhatTheRunPassesOverIsAWarningOrANote) {
     const struct {
         std::string text, replacement;

@@ -71,13 +71,17 @@ public:
 private:
     CheckResult checkPart(InstrumentPart part, const std::string& file) {
         Problems problems;
+        QByteArray bytes;
         QByteArray utf8;
         try {
-            utf8 = readFile(file).value_or(QByteArray());
-            utf8 = decodeXml(utf8, file);
+            bytes = readFile(file).value_or(QByteArray());
+            utf8 = decodeXml(bytes, file);
             checkTree(part, SourceText(utf8), parseXml(utf8, file), problems);
-        } catch (const MalformedXml& error) {
-            addUnreadable(part, error.offset(), error.what(), problems);
+        } catch (const UnreadableXml& error) {
+            if (utf8.isNull()) {
+                utf8 = decodedForPeople(bytes);
+            }
+            addUnreadable(part, std::min(error.offset(), utf8.size()), error.what(), problems);
         } catch (const std::runtime_error& error) {
             addUnreadable(part, 0, error.what(), problems);
         }
