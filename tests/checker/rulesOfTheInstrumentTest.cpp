@@ -291,6 +291,16 @@ TEST_F(RulesOfTheInstrument, TheDocumentsOfPlatesThatNoRunReadsHaveNoErrors) {
     EXPECT_EQ(problemsIn(instrument), Told{"warning VK601 1:1-1:1 FOLDER/PLATE_A.xml is not valid XML"});
 }
 
+TEST_F(RulesOfTheInstrument, AFileThatSeveralKeysNameIsCheckedOnceForEachKindOfDocument) {
+    InstrumentOnDisk instrument;
+    instrument.replace(">:/PLATE_A.xml<", ">VEKO.xml<");
+    instrument.replace(">:/PLATE_B.xml<", ">./VEKO.xml<");
+    instrument.replace(" pos_y=\"-17.501\"", "");
+    EXPECT_EQ(problemsIn(instrument), Told{"error VK604 4:3-4:3 fibre has no pos_y attribute"});
+    instrument.replace(">focal_plane_map.xml<", ">VEKO.xml<");
+    EXPECT_EQ(problemsIn(instrument).back(), "error VK604 4:3-4:3 fibre has no pos_y attribute");
+}
+
 TEST_F(RulesOfTheInstrument, ABuiltInFileOfAnotherVersionIsToldWhereItIsNamed) {
     InstrumentOnDisk instrument;
     instrument.replace("datamver=\"8.00\"", "datamver=\"9.50\"");

@@ -16,6 +16,8 @@
 #include "xmlParse.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <set>
 #include <stdexcept>
 
 namespace pos {
@@ -54,9 +56,10 @@ public:
         std::vector<CheckedFile> files;
         const std::string& configFile = facts_.configuration.name();
         files.push_back({configFile, checkPart(InstrumentPart::Configuration, configFile)});
+        std::set<std::pair<std::filesystem::path, std::string>> checked; // Several keys may name one file.
         for (const auto& [part, name] : std::vector(facts_.files)) {
             const std::string file = facts_.configuration.filenameOf(name);
-            if (isPlainFile(file)) {
+            if (isPlainFile(file) && checked.emplace(std::filesystem::canonical(file), schemaOf(part)).second) {
                 files.push_back({fileBeside(configFile, name), checkPart(part, file)});
             }
         }
