@@ -200,8 +200,7 @@ TEST_F(RulesOfTheInstrument, WhatTheRunPassesOverIsAWarningOrANote) {
         {"<configure_version>", "<o:note xmlns:o='o'/><configure_version>", {}},
         {"2332.0",
          "2332000.0",
-         {"warning VK611 15:13-15:21 telescope.height is 2332000.0, and hardly anything else than -430 to 8900 can be "
-          "meant"}},
+         {"warning VK611 15:13-15:21 telescope.height is 2332000.0, and plausible values are -430 to 8900"}},
         {"-17.881639",
          "-197.881639",
          {"warning VK611 11:21-11:31 telescope.east_longitude is -197.881639, and its values are -180 to 360"}},
@@ -269,6 +268,13 @@ TEST_F(RulesOfTheInstrument, WhatIsCertainHasAFix) {
     EXPECT_EQ(fixWith("c7=", "C7="), "c7");
     EXPECT_EQ(fixWith("status=\"enabled\"", "status=\"enable\""), std::nullopt);
     EXPECT_EQ(fixWith(">2332.0<", ">2,332<"), std::nullopt);
+}
+
+TEST_F(RulesOfTheInstrument, AnUnknownStatusThatIsNearNoneIsHelpedWithAllOfThem) {
+    InstrumentOnDisk instrument;
+    instrument.replace("status=\"enabled\"", "status=\"dead\"");
+    EXPECT_EQ(checkedAnew(instrument, folder_).files.back().result.problems.front().help,
+              "Write one of: enabled, disabled, broken, bad ferrule, no magnet, no prism, absent");
 }
 
 TEST_F(RulesOfTheInstrument, OfTwoNamesThatMeanOneAttributeTheFirstHasTheFix) {

@@ -7,6 +7,7 @@
 #include "placeVeko.h"
 #include "xmlKeywords.h"
 
+#include <QStringList>
 #include <algorithm>
 #include <cmath>
 #include <map>
@@ -68,9 +69,9 @@ private:
 };
 
 /** The words for the states of a fibre. */
-const std::vector<QString>& stateWords() {
-    static const std::vector<QString> words = [] {
-        std::vector<QString> all;
+const QStringList& stateWords() {
+    static const QStringList words = [] {
+        QStringList all;
         for (std::uint32_t state = FibreStatus::Enabled; state <= FibreStatus::Absent; ++state) {
             all.push_back(QString::fromStdString(std::string(FibreStatus(static_cast<FibreStatus::Value>(state)))));
         }
@@ -79,7 +80,7 @@ const std::vector<QString>& stateWords() {
     return words;
 }
 
-/** Tells how a schema's word may be meant by another; empty where none is near. */
+/** The known status nearest to a word; empty where none is near. */
 QString meantState(const QString& word) {
     for (const QString& known : stateWords()) {
         if (isSameWord(word.simplified(), known) || isSimilar(word.simplified(), known)) {
@@ -171,8 +172,7 @@ void findFibresOffPlate(const Rule& rule, const InstrumentDocument& document, Pr
 void findUnknownStates(const Rule& rule, const InstrumentDocument& document, Problems& problems) {
     for (const PlacedFibre& fibre : document.fibres) {
         const SourceAttribute* status = fibre.element->attribute(attr::status);
-        const auto isKnown = [&](const QString& word) { return word == status->value.toLower(); };
-        if (status == nullptr || std::any_of(stateWords().begin(), stateWords().end(), isKnown)) {
+        if (status == nullptr || stateWords().contains(status->value.toLower())) {
             continue;
         }
         const QString meant = meantState(status->value);
@@ -181,8 +181,7 @@ void findUnknownStates(const Rule& rule, const InstrumentDocument& document, Pro
         problems.add(rule, status->valuePlace,
                      "status '" + status->value.toStdString() + "' is not known, and the run takes " + labelOf(fibre) +
                          " for broken",
-                     meant.isEmpty() ? "Write enabled, disabled, broken, bad ferrule, no magnet, no prism or absent"
-                                     : "Write " + meant.toStdString(),
+                     (meant.isEmpty() ? "Write one of: " + stateWords().join(", ") : "Write " + meant).toStdString(),
                      isCertain ? std::optional(meant.toUtf8()) : std::nullopt);
     }
 }

@@ -22,14 +22,14 @@ void findMissingValues(const Rule& rule, const InstrumentDocument& document, Pro
 void findBadValues(const Rule& rule, const InstrumentDocument& document, Problems& problems);
 /** Finds names of files that cannot be opened. */
 void findMissingFiles(const Rule& rule, const InstrumentDocument& document, Problems& problems);
-/** Finds numbers that cannot be meant. */
+/** Finds implausible numbers. */
 void findUnlikelyNumbers(const Rule& rule, const InstrumentDocument& document, Problems& problems);
 /** Finds limits of the rotator that leave nothing between them. */
 void findCrossedLimits(const Rule& rule, const InstrumentDocument& document, Problems& problems);
 /** Finds a distortion that contradicts the focal length, or that leads two angles to one place. */
 void findOddDistortion(const Rule& rule, const InstrumentDocument& document, Problems& problems);
 
-/** How far from the optical axis fibres may stand, mm; nothing where the distortion is none that can be meant. */
+/** How far from the optical axis fibres may stand, mm; nothing where the distortion is implausible. */
 std::optional<double> plateRadiusMm(const InstrumentFacts& facts);
 
 // Names, in namesOfTheInstrument.cpp.

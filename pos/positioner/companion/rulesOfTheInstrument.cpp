@@ -3,16 +3,15 @@
 
 namespace pos {
 
-const Rule kInstrumentUnreadable = {
-    "VK601",
-    Severity::Error,
-    "A document of the instrument cannot be read",
-    "The document is not well-formed XML 1.0, its bytes are not those of its encoding, or it exceeds a limit. The "
-    "place "
-    "is where the reader stopped. Of a configuration that is not well-formed the run may read something all the same; "
-    "then it is a warning.",
-    R"(<telescope)",
-    R"(<telescope>)"};
+const Rule kInstrumentUnreadable = {"VK601",
+                                    Severity::Error,
+                                    "A document of the instrument cannot be read",
+                                    "The document is not well-formed XML 1.0, its bytes are not those of its encoding, "
+                                    "or it exceeds a limit. The place is where the reader stopped. Of a configuration "
+                                    "that is not well-formed the run may read something all the same; "
+                                    "then it is a warning.",
+                                    R"(<telescope)",
+                                    R"(<telescope>)"};
 
 const Rule kInstrumentFails = {
     "VK699",
@@ -72,20 +71,19 @@ const std::vector<InstrumentRuleEntry>& rulesOfTheInstrument() {
           "prefix.",
           R"(<VEKO x0="0.0" y0="0.0" r0="0.0" surveyed="2026"/>)", R"(<VEKO x0="0.0" y0="0.0" r0="0.0"/>)"},
          findUnknownInstrumentNames},
-        {{"VK611", Severity::Warning, "A number of the instrument cannot be meant",
+        {{"VK611", Severity::Warning, "A number of the instrument is implausible",
           "The run checks no ranges, and computes with `nan` and `inf`. Longitudes go from -180 to 360, latitudes to "
-          "90 "
-          "on both sides, the horizon limit from 0 to 90; focal lengths are above 0. Heights go from -430 to 8900 "
+          "90 on both sides, the horizon limit from 0 to 90; focal lengths are above 0. Heights go from -430 to 8900 "
           "metres, epochs from 1700 to 2200, rotator angles to 720 degrees, rotations of plates to 360.",
           R"(<latitude>128.760583</latitude>)", R"(<latitude>28.760583</latitude>)"},
          findUnlikelyNumbers},
-        {{"VK612", Severity::Warning, "The rotator's limits are crossed over",
+        {{"VK612", Severity::Warning, "The rotator's limits are the wrong way round",
           "The rotator angle of a field must be above the lower limit and below the upper one.",
           R"(<rotator_low_limit>135.0</rotator_low_limit>)", R"(<rotator_low_limit>-135.0</rotator_low_limit>)"},
          findCrossedLimits},
-        {{"VK613", Severity::Warning, "The distortion cannot be meant",
-          "On the axis a degree is `c1` millimetres, which is the focal length times a degree but for some per cent: "
-          "the rule speaks from a tenth on. And the radius must grow with the angle.",
+        {{"VK613", Severity::Warning, "The distortion is implausible",
+          "On the axis a degree is `c1` millimetres, which is close to the focal length times one degree in radians; "
+          "the rule reports a difference of 10 % or more. And the radius must grow with the angle.",
           R"(<distortion_coefficients c1="0.0563" c3="3.0191" c5="-0.0995944" c7="0.0"/>)",
           R"(<distortion_coefficients c1="202.841" c3="3.0191" c5="-0.0995944" c7="0.0"/>)"},
          findOddDistortion},
@@ -100,7 +98,7 @@ const std::vector<InstrumentRuleEntry>& rulesOfTheInstrument() {
           R"(<fibre id="1" pos_x="0.000" pos_y="-17.501" fibre_name="C01" status="enabled"/>)"},
          findRepeatedFibreNames},
         {{"VK616", Severity::Warning, "Two fibres stand in one place",
-          "Less than 0.05 millimetres are between them, and hardly a fibre is so thin. The places are those on the "
+          "Less than 0.05 millimetres are between them, and no real fibre is that thin. The places are those on the "
           "plate. Fibres that are absent do not count.",
           R"(<fibre id="1" pos_x="0.166" pos_y="-17.597" fibre_name="C01" status="enabled"/>)",
           R"(<fibre id="1" pos_x="0.000" pos_y="-17.501" fibre_name="C01" status="enabled"/>)"},

@@ -197,8 +197,8 @@ void findUnlikelyNumbers(const Rule& rule, const InstrumentDocument& document, P
         } else if (likely != likelyRanges().end() && !likely->second.contains(*number)) {
             const auto limit = [](double end) { return QString::number(end).toStdString(); };
             problems.add(rule, value.place,
-                         statement + ", and hardly anything else than " + limit(likely->second.low) + " to " +
-                             limit(likely->second.high) + " can be meant",
+                         statement + ", and plausible values are " + limit(likely->second.low) + " to " +
+                             limit(likely->second.high),
                          "Correct it" + inUnit(known));
         }
     }
