@@ -10,6 +10,7 @@
 #include "xmlStructure.h"
 
 #include <algorithm>
+#include <array>
 #include <boost/property_tree/ptree.hpp>
 
 namespace pos {
@@ -202,7 +203,20 @@ private:
     std::optional<Veko::VekoCentre> centre_; ///< the middle of the plate where the document has none
 };
 
+/** In the order of InstrumentPart. */
+constexpr std::array<PartFacts, 5> kParts = {{
+    {"", "configuration", "configure", true, VEKO},
+    {"telescope.focal_plane_map", "focal_plane_map", "focal_plane_map", true, VEKO},
+    {"veko_definition", "plate", "plate_definition", true, VEKO},
+    {"plate_a_definition", "plate", "plate_definition", false, PLATE_A},
+    {"plate_b_definition", "plate", "plate_definition", false, PLATE_B},
+}};
+
 } // namespace
+
+const PartFacts& factsOf(InstrumentPart part) {
+    return kParts.at(static_cast<std::size_t>(part));
+}
 
 const InstrumentValue* InstrumentDocument::value(const std::string& key) const {
     const auto found = std::find_if(values.begin(), values.end(),
@@ -214,18 +228,6 @@ const SourceElement* firstChild(const SourceElement& element, const QString& nam
     const auto found = std::find_if(element.children.begin(), element.children.end(),
                                     [&](const auto& child) { return child->name() == name; });
     return found == element.children.end() ? nullptr : found->get();
-}
-
-std::string schemaOf(InstrumentPart part) {
-    return part == InstrumentPart::Configuration   ? "configuration"
-           : part == InstrumentPart::FocalPlaneMap ? "focal_plane_map"
-                                                   : "plate";
-}
-
-QString rootNameOf(InstrumentPart part) {
-    return part == InstrumentPart::Configuration   ? tag::configure
-           : part == InstrumentPart::FocalPlaneMap ? tag::focalPlaneMap
-                                                   : QStringLiteral("plate_definition");
 }
 
 void findParts(InstrumentDocument& document) {

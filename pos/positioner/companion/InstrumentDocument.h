@@ -23,10 +23,16 @@ class PosConfig;
 /** What a document of the instrument describes. */
 enum class InstrumentPart { Configuration, FocalPlaneMap, Bundle, PlateA, PlateB };
 
-/** Whether a run reads the document. */
-inline bool isReadByRun(InstrumentPart part) {
-    return part != InstrumentPart::PlateA && part != InstrumentPart::PlateB;
-}
+/** What there is to know of a part before one reads its document. */
+struct PartFacts {
+    const char* key;      ///< with which the configuration names the file; empty for the configuration itself
+    const char* schema;   ///< name of the schema that describes the document
+    const char* rootName; ///< of the document element
+    bool isReadByRun;     ///< whether a run reads the document
+    PlateName plate;      ///< on whose axis its fibres count
+};
+
+const PartFacts& factsOf(InstrumentPart part);
 
 /** What the documents of an instrument tell of one another. */
 struct InstrumentFacts {
@@ -74,10 +80,6 @@ struct InstrumentDocument {
 
 /** The first child element of a name; null where there is none. */
 const SourceElement* firstChild(const SourceElement& element, const QString& name);
-
-/** The name of a schema that describes a part, and of its document element. */
-std::string schemaOf(InstrumentPart part);
-QString rootNameOf(InstrumentPart part);
 
 /** Finds what the run takes from a document, as the run finds it. */
 void findParts(InstrumentDocument& document);

@@ -59,7 +59,7 @@ public:
         std::set<std::pair<std::filesystem::path, std::string>> checked; // Several keys may name one file.
         for (const auto& [part, name] : std::vector(facts_.files)) {
             const std::string file = facts_.configuration.filenameOf(name);
-            if (isPlainFile(file) && checked.emplace(std::filesystem::canonical(file), schemaOf(part)).second) {
+            if (isPlainFile(file) && checked.emplace(std::filesystem::canonical(file), factsOf(part).schema).second) {
                 files.push_back({fileBeside(configFile, name), checkPart(part, file)});
             }
         }
@@ -90,7 +90,7 @@ private:
         }
         std::vector<Problem> sorted = std::move(problems).sorted();
         for (Problem& problem : sorted) {
-            if (problem.severity == Severity::Error && !isReadByRun(part)) {
+            if (problem.severity == Severity::Error && !factsOf(part).isReadByRun) {
                 problem.severity = Severity::Warning;
             }
         }
@@ -107,7 +107,8 @@ private:
 
     void checkTree(InstrumentPart part, const SourceText& text, const ParsedXml& parsed, Problems& problems) {
         const std::unique_ptr<SourceElement> root = locateElements(text.utf8(), parsed);
-        InstrumentDocument document{part, text, *root, vocabularyOf(schemaOf(part)), rootNameOf(part), facts_};
+        InstrumentDocument document{part,  text, *root, vocabularyOf(factsOf(part).schema), factsOf(part).rootName,
+                                    facts_};
         findParts(document);
         takeFacts(document, parsed.document);
         for (const InstrumentRuleEntry& entry : rulesOfTheInstrument()) {

@@ -90,10 +90,6 @@ QString meantState(const QString& word) {
     return {};
 }
 
-PlateName plateOf(InstrumentPart part) {
-    return part == InstrumentPart::PlateA ? PLATE_A : part == InstrumentPart::PlateB ? PLATE_B : VEKO;
-}
-
 } // namespace
 
 void findRepeatedFibreIds(const Rule& rule, const InstrumentDocument& document, Problems& problems) {
@@ -144,7 +140,7 @@ void findFibresOffPlate(const Rule& rule, const InstrumentDocument& document, Pr
     if (!radius || !document.facts.geometry) {
         return;
     }
-    const OpticalAxis& axis = document.facts.geometry->axes.at(plateOf(document.part));
+    const OpticalAxis& axis = document.facts.geometry->axes.at(factsOf(document.part).plate);
     const auto distanceOf = [&](const PlacedFibre& fibre) {
         return std::hypot(fibre.place.x - axis.x0, fibre.place.y - axis.y0);
     };

@@ -9,11 +9,9 @@ namespace pos {
 
 std::vector<std::pair<InstrumentPart, const InstrumentValue*>> filesNamed(const InstrumentDocument& document) {
     std::vector<std::pair<InstrumentPart, const InstrumentValue*>> files;
-    for (const auto& [part, key] :
-         {std::pair(InstrumentPart::FocalPlaneMap, "telescope.focal_plane_map"),
-          std::pair(InstrumentPart::Bundle, "veko_definition"), std::pair(InstrumentPart::PlateA, "plate_a_definition"),
-          std::pair(InstrumentPart::PlateB, "plate_b_definition")}) {
-        const InstrumentValue* value = document.value(key);
+    for (const InstrumentPart part :
+         {InstrumentPart::FocalPlaneMap, InstrumentPart::Bundle, InstrumentPart::PlateA, InstrumentPart::PlateB}) {
+        const InstrumentValue* value = document.value(factsOf(part).key);
         if (value != nullptr && value->text) {
             files.emplace_back(part, value);
         }

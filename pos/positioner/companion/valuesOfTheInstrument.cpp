@@ -111,7 +111,7 @@ void findInstrumentVersions(const Rule& rule, const InstrumentDocument& document
     }
     for (const auto& [part, value] : filesNamed(document)) {
         const auto builtIn = value->text->startsWith(':') ? versionOf(value->text->toStdString()) : std::nullopt;
-        if (isReadByRun(part) && !wanted.empty() && builtIn && *builtIn != wanted) {
+        if (factsOf(part).isReadByRun && !wanted.empty() && builtIn && *builtIn != wanted) {
             problems.add(rule, value->place,
                          "Data model version mismatch: the built-in file has " + *builtIn + ", the configuration " +
                              wanted,
@@ -172,7 +172,7 @@ void findMissingFiles(const Rule& rule, const InstrumentDocument& document, Prob
     for (const auto& [part, value] : filesNamed(document)) {
         const std::string file = document.facts.configuration.filenameOf(value->text->toStdString());
         if (const auto failure = failureOf([&] { requireFile(file); })) {
-            problems.add(rule, isReadByRun(part) ? Severity::Error : Severity::Warning, value->place, *failure,
+            problems.add(rule, factsOf(part).isReadByRun ? Severity::Error : Severity::Warning, value->place, *failure,
                          "Name a file that exists; a name that does not begin with \"/\" counts from the folder of the "
                          "configuration");
         }
