@@ -59,6 +59,11 @@ char32_t plainCharacter(char32_t character) {
     return character;
 }
 
+/** Whether a number needs no zeros that its text does not have. */
+bool hasEnoughDecimals(Quantity quantity, const QString& number) {
+    return withEnoughDecimals(quantity, number) == number;
+}
+
 /** A number that may be meant, as the document writes it. */
 std::optional<QString> ifPossible(Quantity quantity, const QString& number) {
     const std::optional<double> value = numberOf(number);
@@ -113,15 +118,20 @@ std::optional<OtherNotation> sexagesimal(const QString& text, Quantity quantity)
     const double seconds = hasSeconds ? match.captured(5).toDouble() : 0.0;
     const double unit = unitOfFirst(quantity, match.captured(3).toLower(), first);
     if (minutes >= 60 || seconds >= 60 || unit == 0.0) {
-        return OtherNotation{Notation::Sexagesimal, std::nullopt};
+        return OtherNotation{Notation::Sexagesimal};
     }
+    // A position needs its seconds. Behind a colon or a blank a right ascension of degrees may as well be one of hours
+    // with a slip.
+    const bool isUnitSure =
+        quantity != Quantity::RightAscension || unit != 1.0 || !isOneOf(match.captured(3).at(0).unicode(), U": ");
     const double value = (first + minutes / 60 + seconds / 3600) * unit;
     // One more than the last digit of the text is worth, and six.
     const double lastDigit =
         std::pow(10.0, -decimalsOf(match.captured(hasSeconds ? 5 : 4))) * unit / (hasSeconds ? 3600 : 60);
     const int decimals = std::max(6, static_cast<int>(std::ceil(-std::log10(lastDigit))) + 1);
     return OtherNotation{Notation::Sexagesimal,
-                         ifPossible(quantity, (match.captured(1) == "-" ? "-" : "") + fixedText(value, decimals))};
+                         ifPossible(quantity, (match.captured(1) == "-" ? "-" : "") + fixedText(value, decimals)),
+                         isUnitSure && (hasSeconds || !isPosition(quantity))};
 }
 
 /** The Julian epoch of a date; nothing where it cannot be meant. */
@@ -149,19 +159,21 @@ std::optional<OtherNotation> date(const QString& text, Quantity quantity) {
         const double fraction =
             (match.captured(4).toDouble() + match.captured(5).toDouble() / 60 + match.captured(6).toDouble() / 3600) /
             24;
-        return OtherNotation{Notation::Date, epochOfDate(quantity, match.captured(1).toInt(), match.captured(2).toInt(),
-                                                         match.captured(3).toInt(), fraction)};
+        return OtherNotation{Notation::Date,
+                             epochOfDate(quantity, match.captured(1).toInt(), match.captured(2).toInt(),
+                                         match.captured(3).toInt(), fraction),
+                             true};
     }
     if (const auto match = lettered.match(text); match.hasMatch()) {
         // A Besselian epoch goes with a position in another frame.
         const bool isSure = match.captured(1).toUpper() == "J" &&
                             (quantity == Quantity::CatalogueEpoch || !isCatalogueEpoch(match.captured(2).toDouble()));
-        return OtherNotation{Notation::Date, isSure ? ifPossible(quantity, match.captured(2)) : std::nullopt};
+        return OtherNotation{Notation::Date, isSure ? ifPossible(quantity, match.captured(2)) : std::nullopt, isSure};
     }
     if (const auto match = days.match(text); match.hasMatch()) {
-        return OtherNotation{Notation::Date, epochOfDayCount(quantity, match.captured(1).toDouble())};
+        return OtherNotation{Notation::Date, epochOfDayCount(quantity, match.captured(1).toDouble()), true};
     }
-    return other.match(text).hasMatch() ? std::optional(OtherNotation{Notation::Date, std::nullopt}) : std::nullopt;
+    return other.match(text).hasMatch() ? std::optional(OtherNotation{Notation::Date}) : std::nullopt;
 }
 
 /** A unit that people write behind a number: the document's value is the number times the factor, plus the offset. */
@@ -243,7 +255,8 @@ std::optional<OtherNotation> withUnit(const QString& text, Quantity quantity) {
             const int decimals = std::max(decimalsOf(number) + moved, unit.offset != 0.0 ? 2 : 0);
             const bool isSame = unit.factor == 1.0 && unit.offset == 0.0;
             return OtherNotation{Notation::WithUnit,
-                                 ifPossible(quantity, isSame ? number : writtenNumber(quantity, value, decimals))};
+                                 ifPossible(quantity, isSame ? number : writtenNumber(quantity, value, decimals)),
+                                 hasEnoughDecimals(quantity, number)};
         }
     }
     return std::nullopt;
@@ -269,7 +282,8 @@ std::optional<OtherNotation> otherNotation(const QString& text, Quantity quantit
     const QString plain = plainCharacters(text);
     const bool isWhole = quantity == Quantity::WholeNumber;
     if (isWhole ? integerOf(plain).has_value() : numberOf(plain).has_value()) {
-        return OtherNotation{Notation::OtherCharacters, isWhole ? plain : withEnoughDecimals(quantity, plain)};
+        return OtherNotation{Notation::OtherCharacters, withEnoughDecimals(quantity, plain),
+                             hasEnoughDecimals(quantity, plain)};
     }
     if (isWhole) {
         return std::nullopt;
@@ -278,7 +292,8 @@ std::optional<OtherNotation> otherNotation(const QString& text, Quantity quantit
     const QString decimal = hasComma ? QString(plain).replace(',', '.') : plain;
     if (hasComma && numberOf(decimal)) {
         return OtherNotation{Notation::DecimalComma,
-                             mayPartThousands(quantity, plain) ? std::nullopt : ifPossible(quantity, decimal)};
+                             mayPartThousands(quantity, plain) ? std::nullopt : ifPossible(quantity, decimal),
+                             hasEnoughDecimals(quantity, decimal)};
     }
     for (const auto recognise : {sexagesimal, date, withUnit}) {
         if (auto found = recognise(decimal, quantity)) {

@@ -18,7 +18,10 @@ enum class Notation { Sexagesimal, DecimalComma, WithUnit, OtherCharacters, Date
 /** A number in another notation. */
 struct OtherNotation {
     Notation notation;
-    std::optional<QString> number; ///< the same as the run reads it, in the document's unit; nothing where it is unsure
+    /** What it stands for, as the run reads it, in the document's unit; if known. */
+    std::optional<QString> number = std::nullopt;
+    /** Whether the text itself says so, and no other number can be meant. */
+    bool isSure = false;
 };
 
 /**

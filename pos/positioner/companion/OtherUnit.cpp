@@ -29,8 +29,10 @@ std::optional<OtherUnit> otherTemperature(const DocumentNumber& number) {
     if (kCelsius.contains(*number.value)) {
         return converted("degrees Celsius", number, 1.0, 273.15, std::max(0, 2 - decimalsOf(number.text())));
     }
-    return kFahrenheit.contains(*number.value) ? std::optional(OtherUnit{"degrees Fahrenheit", std::nullopt})
-                                               : std::nullopt;
+    return kFahrenheit.contains(*number.value)
+               ? std::optional(converted("degrees Fahrenheit", number, 5.0 / 9, 2298.35 / 9,
+                                         std::max(0, 2 - decimalsOf(number.text()))))
+               : std::nullopt;
 }
 
 std::optional<OtherUnit> otherPressure(const DocumentNumber& number) {

@@ -16,7 +16,7 @@ namespace pos {
 /** A unit that a number looks like. */
 struct OtherUnit {
     std::string name;
-    std::optional<QString> fix; ///< the number in the document's unit, where that is sure
+    std::optional<QString> number; ///< the same in the document's unit, where it can be meant
 };
 
 /** The unit that a number looks like, where its value is none that it can have in its own. */

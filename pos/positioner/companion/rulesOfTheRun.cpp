@@ -8,6 +8,7 @@
 #include "SkyMaskXML.h"
 #include "TargetXML.h"
 #include "Version.h"
+#include "numberText.h"
 #include "readByItself.h"
 #include "xmlKeywords.h"
 #include "xmlStructure.h"
@@ -37,15 +38,17 @@ void findOtherVersion(const Rule& rule, const CheckedDocument& document, Problem
         return; // The configuration has none, and the run compares none.
     }
     const SourceAttribute* version = document.root.attribute(attr::datamver);
-    const QByteArray wanted = QByteArray::fromStdString(datamver);
+    const QString wanted = QString::fromStdString(datamver);
     const std::string message = "Data model version mismatch: ";
     if (version == nullptr) {
         problems.add(rule, opening(document.root), message + "the document element has no datamver",
                      "Add datamver=\"" + datamver + "\" to the document element");
     } else if (version->value.toStdString() != datamver) {
+        const bool isSame = numberOf(version->value) && numberOf(version->value) == numberOf(wanted);
         problems.add(rule, version->valuePlace,
                      message + "the document has " + version->value.toStdString() + ", the configuration " + datamver,
-                     "Write " + datamver + ", if the document follows that version", wanted);
+                     "Write " + datamver + ", if the document follows that version",
+                     isSame ? std::optional(QByteArray::fromStdString(datamver)) : std::nullopt);
     }
 }
 

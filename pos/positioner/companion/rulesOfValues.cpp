@@ -17,8 +17,6 @@ namespace {
 
 /** The weather moves the pressure by some per cent; the run's default is 14 per cent below the built-in site's. */
 constexpr Range kWeather = {0.8, 1.2};
-/** A turn, degrees. */
-constexpr double kTurn = 360.0;
 /** Stars move by some mas in a year. Below, a number of arcseconds is likelier; mas/yr. */
 constexpr double kSlowMotion = 0.1;
 /** No catalogue gives so little. Degrees or radians are likelier; mas/yr. */
@@ -40,9 +38,27 @@ std::string limitText(double limit) {
     return QString::number(limit).toStdString();
 }
 
-/** What to write instead. */
-std::string advice(const DocumentNumber& number, const std::optional<QString>& fix) {
+/** A turn, in the unit of the document; 0 for what does not go round. */
+double turnOf(Quantity quantity) {
+    switch (quantity) {
+    case Quantity::RightAscension:
+    case Quantity::PositionAngle:
+        return 360.0;
+    case Quantity::HourAngle:
+        return 24.0;
+    default:
+        return 0.0;
+    }
+}
+
+/** What to write instead. @param fix the number that is surely meant */
+std::string advice(const DocumentNumber& number, const std::optional<QString>& fix = std::nullopt) {
     return std::string("Write ") + wantedText(number.quantity) + (fix ? ": " + fix->toStdString() : "");
+}
+
+/** A number that may be meant, behind what to do. */
+std::string perhaps(const std::optional<QString>& number) {
+    return number ? ", perhaps " + number->toStdString() : "";
 }
 
 /** Adds a problem of a number. @param fix the number to write instead, where that is sure */
@@ -71,9 +87,10 @@ void addNotation(const Rule& rule, const CheckedDocument& document, Problems& pr
     for (const DocumentNumber& number : document.numbers) {
         if (number.notation && number.notation->notation == notation) {
             const std::optional<std::string> refusal = refusalOf(number);
+            const std::optional<QString> fix = number.notation->isSure ? number.notation->number : std::nullopt;
             addNumber(problems, rule, refusal ? Severity::Error : Severity::Warning, number,
-                      refusalWithText(number, refusal) + ", " + what, advice(number, number.notation->number),
-                      number.notation->number);
+                      refusalWithText(number, refusal) + ", " + what,
+                      advice(number, fix) + (fix ? "" : perhaps(number.notation->number)), fix);
         }
     }
 }
@@ -119,7 +136,7 @@ void findFewDecimals(const Rule& rule, const CheckedDocument& document, Problems
         if (refusal && refusal->find("does not have enough precision") != std::string::npos) {
             addNumber(problems, rule, Severity::Error, number,
                       *refusal + ": " + std::to_string(decimalsOf(number.text())) + " of at least 5 decimals",
-                      "Write every decimal that is known and fill up with zeros: " + filledUp.toStdString(), filledUp);
+                      "Write every decimal that is known; if the number is exact, " + filledUp.toStdString());
         }
     }
 }
@@ -189,7 +206,7 @@ void findOtherUnits(const Rule& rule, const CheckedDocument& document, Problems&
         const auto other = number.quantity == quantity ? otherUnitOf(number) : std::nullopt;
         if (other) {
             addNumber(problems, rule, rule.severity, number, statement(number) + ", which looks like " + other->name,
-                      advice(number, other->fix), other->fix);
+                      advice(number) + perhaps(other->number));
         }
     }
 }
@@ -233,6 +250,22 @@ void findHours(const Rule& rule, const CheckedDocument& document, Problems& prob
     }
 }
 
+/** A range in words. */
+std::string rangeText(const Range& range) {
+    return std::isfinite(range.high) ? "from " + limitText(range.low) + " to " + limitText(range.high)
+                                     : "not below " + limitText(range.low);
+}
+
+/** An angle beyond its range, a turn back; nothing where that is no angle, or beyond the range too. */
+std::optional<QString> sameDirection(const DocumentNumber& number) {
+    const Range range = rangeOf(number.quantity);
+    const double turn = turnOf(number.quantity);
+    const double angle = *number.value > range.high ? *number.value - turn : *number.value + turn;
+    return turn > 0.0 && range.contains(angle)
+               ? std::optional(writtenNumber(number.quantity, angle, decimalsOf(number.text())))
+               : std::nullopt;
+}
+
 /** Whether the run refuses every number beyond the range, or another rule tells what a number beyond it is. */
 bool isToldElsewhere(const DocumentNumber& number) {
     return (number.quantity == Quantity::Priority && number.isRead) || otherUnitOf(number) ||
@@ -249,17 +282,11 @@ void findOutOfRange(const Rule& rule, const CheckedDocument& document, Problems&
         if (range.contains(*number.value) || isWithoutEpoch || isToldElsewhere(number)) {
             continue;
         }
-        // West of the first point of Aries, some programs count right ascensions below 0.
-        const bool isWest =
-            number.quantity == Quantity::RightAscension && rangeOf(Quantity::Declination).contains(*number.value / 2);
-        const auto fix =
-            isWest ? std::optional(writtenNumber(number.quantity, *number.value + kTurn, decimalsOf(number.text())))
-                   : std::nullopt;
         const bool isAbove = *number.value > range.high;
         addNumber(problems, rule, rule.severity, number,
                   statement(number) +
                       (isAbove ? ", above " + limitText(range.high) : ", below " + limitText(range.low)),
-                  advice(number, fix), fix);
+                  "Write a number " + rangeText(range) + perhaps(sameDirection(number)));
     }
 }
 
@@ -292,7 +319,7 @@ void findNotFinite(const Rule& rule, const CheckedDocument& document, Problems& 
     for (const DocumentNumber& number : document.numbers) {
         if (number.value && !std::isfinite(*number.value) && !refusalOf(number)) {
             addNumber(problems, rule, rule.severity, number, statement(number) + ", which is no finite number",
-                      advice(number, std::nullopt));
+                      advice(number));
         }
     }
 }
@@ -322,13 +349,14 @@ const std::vector<RuleEntry>& rulesOfValues() {
         {{"VK301", Severity::Error, "A position or an angle is sexagesimal",
           "The documents hold decimal degrees, and hours for `ha`. The run reads no `10:41:04.4`, `10h41m04s` or "
           "`10 41 04.4`: it fails, or takes `pa` for 0.\n\n"
-          "The right ascension is taken for hours unless it has a sign of degrees or begins with 24 or more.",
+          "The right ascension is taken for hours unless it has a sign of degrees or begins with 24 or more. There is "
+          "a fix where a position has all three parts, and a right ascension is in hours or has a sign of degrees.",
           R"(<target targuse="T" targra="12:39:59.43" targdec="-11:37:23.0"/>)",
           R"(<target targuse="T" targra="189.997625" targdec="-11.623056"/>)"},
          findSexagesimal},
         {{"VK302", Severity::Error, "A number has a decimal comma",
           "The documents have a decimal point in every country, and no sign between thousands. With a comma the run "
-          "fails, or takes `pa` for 0.",
+          "fails, or takes `pa` for 0. There is a fix where the number has as many decimals as the run wants.",
           R"(<conditions epoch="2027,25" ha="-1.0"/>)", R"(<conditions epoch="2027.25" ha="-1.0"/>)"},
          findDecimalCommas},
         {{"VK303", Severity::Error, "A number has its unit behind it",
@@ -351,7 +379,7 @@ const std::vector<RuleEntry>& rulesOfValues() {
          findDates},
         {{"VK306", Severity::Error, "A position has too few decimals",
           "The run refuses right ascensions and declinations that may be wrong by a tenth of an arcsecond because of "
-          "their last digit. Zeros at the end count: the fix is right where the number is exact.",
+          "their last digit. Zeros at the end count; they are right where the number is exact.",
           R"(<target targuse="T" targra="189.9976" targdec="-11.6231"/>)",
           R"(<target targuse="T" targra="189.997600" targdec="-11.623100"/>)"},
          findFewDecimals},
@@ -393,7 +421,7 @@ const std::vector<RuleEntry>& rulesOfValues() {
           R"(<conditions epoch="2027.25" relative_humidity="0.25" ha="-1.0"/>)"},
          findOtherUnits<Quantity::Humidity>},
         {{"VK314", Severity::Warning, "An hour angle is in degrees",
-          "`ha` is in hours, positive in the west. Up to 180 degrees the fix is a fifteenth.",
+          "`ha` is in hours, positive in the west. An hour is 15 degrees.",
           R"(<conditions epoch="2027.25" ha="-30.0"/>)", R"(<conditions epoch="2027.25" ha="-2.0"/>)"},
          findOtherUnits<Quantity::HourAngle>},
         {{"VK315", Severity::Warning, "A right ascension is in hours",
