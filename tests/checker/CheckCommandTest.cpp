@@ -60,6 +60,20 @@ TEST(CheckCommand, WhatCannotBeCheckedEndsWithStatusTwoAndTheOthersAreChecked) {
     }
 }
 
+TEST(CheckCommand, TheRadiusOfAFieldIsFiniteAboveZeroAndAtMostARightAngle) {
+    const TemporaryFolder folder;
+    folder.write("f.xml", kFaultless);
+    for (const std::string radius : {"nan", "inf", "0", "-1", "90.5", "wide"}) {
+        const ProgramResult result = check({"--field_radius", radius, "f.xml"}, {.folder = folder.name()});
+        EXPECT_EQ(result.status, 2) << radius;
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.err, "--field_radius: '" + radius +
+                                  "' is not above 0 and at most 90 degrees\n"
+                                  "Run with --help for more information.\n");
+    }
+    EXPECT_EQ(check({"--field_radius", "90", "f.xml"}, {.folder = folder.name()}).status, 0);
+}
+
 TEST(CheckCommand, ReadsTheStandardInputAndTheOptionsOfTheRun) {
     const TemporaryFolder folder;
     folder.write("f.xml", kWrong);
