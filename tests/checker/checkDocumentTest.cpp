@@ -67,6 +67,32 @@ TEST(CheckDocument, SaysWhyReadingStoppedAndWhere) {
     }
 }
 
+TEST(CheckDocument, SaysWhatMayStandInAnAttributeThatTheRunRefuses) {
+    const auto helpWith = [](const std::string& right, const std::string& wrong) {
+        std::string document = kFaultless;
+        document.replace(document.find(right), right.size(), wrong);
+        return checked(document).problems.front().help;
+    };
+    const std::string place = "Write a plain number of degrees, with 5 decimals or more";
+    EXPECT_EQ(helpWith("targra=\"190.120000\"", "targra=\"east\""), place);
+    EXPECT_EQ(helpWith("Dec_d=\"-11.623054\"", "Dec_d=\"south\""), place);
+    EXPECT_EQ(helpWith("</field>", "<target targuse=\"X\" targra=\"190.000000\" targdec=\"-11.500000\"/></field>"),
+              "Write T, C, G, S, E or R");
+    EXPECT_THAT(helpWith("targuse=\"G\"", "targuse=\"G\" targrv=\"red\""),
+                testing::EndsWith("or leave the attribute out"));
+}
+
+TEST(CheckDocument, NamesTheTargetThatAFieldLacks) {
+    const auto messageWithout = [](const std::string& use) {
+        std::string document = kFaultless;
+        document.replace(document.find("targuse=\"" + use), 10, "targuse=\"R");
+        return checked(document).problems.front().message;
+    };
+    const std::string run = "; the run says: No science target in field";
+    EXPECT_EQ(messageWithout("G"), "The field has no guide star (targuse=\"G\")" + run);
+    EXPECT_EQ(messageWithout("T"), "The field has no science target (targuse=\"T\")" + run);
+}
+
 TEST(CheckDocument, FindsAPlaceWhereThereIsNoElement) {
     EXPECT_THAT(codesOf(checked("")), ElementsAre("VK101 1:1"));
     EXPECT_THAT(codesOf(checked("<!DOCTYPE a>")), ElementsAre("VK101 1:13"));

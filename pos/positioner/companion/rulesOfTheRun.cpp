@@ -4,8 +4,10 @@
 #include "ConditionsXML.h"
 #include "FieldTargets.h"
 #include "Instrument.h"
+#include "Quantity.h"
 #include "RunMessages.h"
 #include "SkyMaskXML.h"
+#include "TargetUse.h"
 #include "TargetXML.h"
 #include "Version.h"
 #include "numberText.h"
@@ -14,10 +16,33 @@
 #include "xmlStructure.h"
 
 #include <map>
+#include <set>
 
 namespace pos {
 
 namespace {
+
+/** The letters that targuse may have. */
+std::string usesInWords() {
+    constexpr int kLast = TargetUse::R;
+    std::string words;
+    for (int value = 0; value <= kLast; ++value) {
+        words += std::string(value == 0       ? ""
+                             : value == kLast ? " or "
+                                              : ", ") +
+                 std::string(TargetUse(static_cast<TargetUse::Value>(value)));
+    }
+    return words;
+}
+
+/** What to write into an attribute that the run refuses. */
+std::string whatToWrite(const QString& attribute, const std::string& refusal) {
+    static const std::set<QString> places = {attr::raD, attr::decD, attr::targra, attr::targdec};
+    if (places.contains(attribute)) {
+        return std::string("Write ") + wantedText(Quantity::RightAscension) + ", with 5 decimals or more";
+    }
+    return attribute == attr::targuse ? "Write " + usesInWords() : whatToDo(refusal);
+}
 
 /** Asks a reader of the run about each attribute of an element by itself. */
 template <typename Read> void askEachAttribute(const Rule& rule, const CheckedDocument& document,
@@ -28,7 +53,7 @@ template <typename Read> void askEachAttribute(const Rule& rule, const CheckedDo
     }
     for (const SourceAttribute& attribute : element.attributes) {
         if (const auto failure = failureOf([&] { read(only(element, attribute)); })) {
-            problems.add(rule, attribute.valuePlace, *failure, whatToDo(*failure));
+            problems.add(rule, attribute.valuePlace, *failure, whatToWrite(attribute.name, *failure));
         }
     }
 }
@@ -83,10 +108,11 @@ void findBadHourAngle(const Rule& rule, const CheckedDocument& document, Problem
 void findMissingTargets(const Rule& rule, const CheckedDocument& document, Problems& problems) {
     for (const CheckedField& field : document.fields) {
         if (field.science == nullptr || field.guide == nullptr) {
-            const std::string missing = field.science != nullptr ? "it has no guide star (targuse=\"G\")"
-                                        : field.guide != nullptr ? "it has none (targuse=\"T\")"
-                                                                 : "it has neither science target nor guide star";
-            problems.add(rule, opening(*field.element), "No science target in field: " + missing,
+            const std::string missing = field.science != nullptr ? "no guide star (targuse=\"G\")"
+                                        : field.guide != nullptr ? "no science target (targuse=\"T\")"
+                                                                 : "neither science target nor guide star";
+            problems.add(rule, opening(*field.element),
+                         "The field has " + missing + "; the run says: No science target in field",
                          "Add the target to the field itself, not to a group");
         }
     }
