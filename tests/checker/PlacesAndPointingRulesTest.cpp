@@ -162,3 +162,18 @@ TEST(PlacesAndPointingRules, TheHelpNamesWhatDoes) {
                     ElementsAre("warning VK509 189.997633"));
     }
 }
+
+TEST(PlacesAndPointingRules, AnHourAngleThatTheHelpNamesForAnotherFieldSuitsTheFirstToo) {
+    const auto helpWithFieldAt = [](const std::string& ra) {
+        const std::string other = field("", target("T", ra, "-11.623054") + target("G", ra, "-11.500000"));
+        for (const Problem& problem : checked(document(kField + other)).problems) {
+            if (problem.rule->code == std::string("VK501")) {
+                return problem.help;
+            }
+        }
+        return std::string();
+    };
+    // Four hours east of the first, which is high enough up to 3.45 hours.
+    EXPECT_THAT(helpWithFieldAt("249.997633"), ::testing::MatchesRegex("Choose an .* from 0.[56]5? to 3.45 hours, .*"));
+    EXPECT_THAT(helpWithFieldAt("339.997633"), HasSubstr("no hour angle suits both it and the first field"));
+}

@@ -80,19 +80,21 @@ double rotatorAngle(const CheckedDocument& document, double parallacticAngle) {
     return wrapAngle(pointing.rotatorOffset() - parallacticAngle + pointing.positionAngle());
 }
 
-/** The hour angles of the first field, in hours, at which a field can be observed, in words; empty if there are none.
+/**
+ * The hour angles of the first field, in hours, at which both it and another field can be observed, in words; empty if
+ * there are none.
  */
 class HourAngleSearch {
 public:
     HourAngleSearch(const CheckedDocument& document, const FieldPointing& pointing)
-        : document_(document), telescope_(telescopeOf(document)), dec_(pointing.dec),
-          shift_(pointing.hourAngle - document.pointings.front().hourAngle) {}
+        : document_(document), telescope_(telescopeOf(document)), first_(document.pointings.front()),
+          pointing_(pointing) {}
 
     std::string inWords() const {
         std::string words;
         std::optional<double> begin;
         for (int step = -kSteps; step <= kSteps + 1; ++step) {
-            const bool does = step <= kSteps && isObservable(step);
+            const bool does = step <= kSteps && isObservable(first_, step) && isObservable(pointing_, step);
             if (does && !begin) {
                 begin = hoursOf(step);
             } else if (!does && begin) {
@@ -113,21 +115,30 @@ private:
         return step * 12.0 / kSteps;
     }
 
-    bool isObservable(int step) const {
-        const double hourAngle = hoursToRadians(hoursOf(step)) + shift_;
+    /** Whether a field can be observed where the first one stands at the hour angle of a step. */
+    bool isObservable(const FieldPointing& field, int step) const {
+        const double hourAngle = hoursToRadians(hoursOf(step)) + field.hourAngle - first_.hourAngle;
         double azimuth = 0.0;
         double altitude = 0.0;
-        eraHd2ae(hourAngle, dec_, telescope_.latitude, &azimuth, &altitude);
-        const double rotator = rotatorAngle(document_, eraHd2pa(hourAngle, dec_, telescope_.latitude));
+        eraHd2ae(hourAngle, field.dec, telescope_.latitude, &azimuth, &altitude);
+        const double rotator = rotatorAngle(document_, eraHd2pa(hourAngle, field.dec, telescope_.latitude));
         return altitude > altitudeLimit(document_) + kMargin && rotator > telescope_.rotatorLowLimit + kMargin &&
                rotator < telescope_.rotatorHighLimit - kMargin;
     }
 
     const CheckedDocument& document_;
     Telescope telescope_;
-    double dec_;
-    double shift_; ///< from the first field's hour angle to this field's, radians
+    const FieldPointing& first_;
+    const FieldPointing& pointing_;
 };
+
+/** What to do about a field that no hour angle suits. */
+std::string withoutHourAngle(const FieldPointing& pointing) {
+    return pointing.number == 1
+               ? "Choose another position angle too: at this one no hour angle suits horizon and rotator"
+               : "Observe the field at another date, in a document of its own: at this position angle no hour angle "
+                 "suits both it and the first field";
+}
 
 void findFieldsBelowHorizon(const Rule& rule, const CheckedDocument& document, Problems& problems) {
     for (const FieldPointing& pointing : document.pointings) {
@@ -142,7 +153,7 @@ void findFieldsBelowHorizon(const Rule& rule, const CheckedDocument& document, P
                          " h it stands at an altitude of " + degreesText(kPi / 2 - pointing.zenithDistance) +
                          " degrees, and the limit is " + shortText(radiansToDegrees(altitudeLimit(document))),
                      hours.empty()
-                         ? "Choose another position angle too: at this one no hour angle suits horizon and rotator"
+                         ? withoutHourAngle(pointing)
                          : "Choose an hour angle of the first field " + hours + ", where horizon and rotator allow it");
     }
 }
@@ -205,7 +216,9 @@ void findFieldsBeyondRotator(const Rule& rule, const CheckedDocument& document, 
                 shortText(radiansToDegrees(telescope.rotatorLowLimit)) + " to " +
                 shortText(radiansToDegrees(telescope.rotatorHighLimit)),
             (angles.empty() ? "Choose another position angle" : "Write " + angles) +
-                (hours.empty() ? "" : ", or choose an hour angle of the first field " + hours));
+                (!hours.empty()         ? ", or choose an hour angle of the first field " + hours
+                 : pointing.number == 1 ? ""
+                                        : "; at the present one no hour angle suits both it and the first field"));
     }
 }
 
@@ -408,8 +421,9 @@ const std::vector<RuleEntry>& rulesOfPointing() {
         {{"VK501", Severity::Error, "A field is below the horizon limit",
           "The centre of the first field must stand higher than `--horizon_limit` (25 degrees if not given) at the "
           "hour angle. The run checks the first field alone; the others are observed at the same date, and one of them "
-          "that is too low is a warning. The hour angles in the help are those of the first field, at which this field "
-          "is high enough and the rotator can follow at the position angle of the document.",
+          "that is too low is a warning. The hour angles in the help are those of the first field, at which both it "
+          "and "
+          "this field are high enough and the rotator can follow them at the position angle of the document.",
           R"(<conditions epoch="2027.25" ha="10.0"/>)", R"(<conditions epoch="2027.25" ha="0.5"/>)"},
          findFieldsBelowHorizon},
         {{"VK502", Severity::Error, "A field never rises above the horizon limit",
