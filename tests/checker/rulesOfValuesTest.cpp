@@ -195,6 +195,23 @@ TEST(RulesOfValues, ANumberThatTheRunRefusesIsToldOnceWithTheMessageOfTheRun) {
                                         "Bad hour angle in XML: '1h', a number with its unit"}));
 }
 
+TEST(RulesOfValues, TheMessageSaysWhatIsWrongWithANumber) {
+    const auto messageOf = [](const std::string& code, const std::string& document) {
+        for (const Problem& problem : checked(document).problems) {
+            if (problem.rule->code == code) {
+                return problem.message;
+            }
+        }
+        return std::string();
+    };
+    EXPECT_EQ(messageOf("VK306", documentWithGuideStar("targname='star' targra='150.1000' targdec='20.050000'")),
+              "Target star targra '150.1000' does not have enough precision: it has 4 decimals and needs at least 5");
+    EXPECT_EQ(messageOf("VK304", documentWithConditions("epoch='2024.5' ha='\xe2\x88\x92"
+                                                        "1'")),
+              "ha is \xe2\x88\x92"
+              "1, with the character U+2212, which other programs do not read");
+}
+
 TEST(RulesOfValues, WhatTheRunDoesNotReadIsNoError) {
     const std::string mask = "<mask RA_d='10:00:00' Dec_d='20,0' radius='-1'/>";
     EXPECT_EQ(valuesTold(documentWithFields(

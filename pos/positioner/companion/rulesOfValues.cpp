@@ -8,7 +8,7 @@
 #include "readByItself.h"
 #include "xmlKeywords.h"
 
-#include <algorithm>
+#include <QVector>
 #include <cmath>
 
 namespace pos {
@@ -108,25 +108,38 @@ void findUnits(const Rule& rule, const CheckedDocument& document, Problems& prob
 }
 
 void findDates(const Rule& rule, const CheckedDocument& document, Problems& problems) {
-    addNotation(rule, document, problems, Notation::Date, "which is no plain number of years");
+    addNotation(rule, document, problems, Notation::Date, "which is not a plain number of years");
 }
 
-bool isAscii(const QString& text) {
-    constexpr ushort kLastAscii = 0x7f;
-    return std::all_of(text.begin(), text.end(), [](QChar character) { return character.unicode() <= kLastAscii; });
+/** The first character from outside ASCII, as "the character U+2212"; empty where there is none. */
+std::string otherCharacter(const QString& text) {
+    constexpr uint kLastAscii = 0x7f;
+    for (const uint character : text.toUcs4()) {
+        if (character > kLastAscii) {
+            return QString::asprintf("the character U+%04X", character).toStdString();
+        }
+    }
+    return {};
 }
 
 void findOtherCharacters(const Rule& rule, const CheckedDocument& document, Problems& problems) {
     addNotation(rule, document, problems, Notation::OtherCharacters,
-                "a number in characters that the run does not read");
+                "a number with characters that the run does not read");
     for (const DocumentNumber& number : document.numbers) {
-        if (number.value && !isAscii(number.text())) {
+        const std::string character = otherCharacter(number.text());
+        if (number.value && !character.empty()) {
             const QString plain = plainCharacters(number.text());
             addNumber(problems, rule, Severity::Note, number,
-                      statement(number) + ", in characters that other programs do not read", advice(number, plain),
-                      plain);
+                      statement(number) + ", with " + character + ", which other programs do not read",
+                      advice(number, plain), plain);
         }
     }
+}
+
+/** How many decimals a number has, such as "1 decimal". */
+std::string decimalsInWords(const QString& text) {
+    const int decimals = decimalsOf(text);
+    return std::to_string(decimals) + (decimals == 1 ? " decimal" : " decimals");
 }
 
 void findFewDecimals(const Rule& rule, const CheckedDocument& document, Problems& problems) {
@@ -135,7 +148,7 @@ void findFewDecimals(const Rule& rule, const CheckedDocument& document, Problems
         const auto refusal = number.value && filledUp != number.text().trimmed() ? refusalOf(number) : std::nullopt;
         if (refusal && refusal->find("does not have enough precision") != std::string::npos) {
             addNumber(problems, rule, Severity::Error, number,
-                      *refusal + ": " + std::to_string(decimalsOf(number.text())) + " of at least 5 decimals",
+                      *refusal + ": it has " + decimalsInWords(number.text()) + " and needs at least 5",
                       "Write every decimal that is known; if the number is exact, " + filledUp.toStdString());
         }
     }
@@ -318,7 +331,7 @@ void findUnusualPressures(const Rule& rule, const CheckedDocument& document, Pro
 void findNotFinite(const Rule& rule, const CheckedDocument& document, Problems& problems) {
     for (const DocumentNumber& number : document.numbers) {
         if (number.value && !std::isfinite(*number.value) && !refusalOf(number)) {
-            addNumber(problems, rule, rule.severity, number, statement(number) + ", which is no finite number",
+            addNumber(problems, rule, rule.severity, number, statement(number) + ", which is not a finite number",
                       advice(number));
         }
     }
@@ -457,7 +470,7 @@ const std::vector<RuleEntry>& rulesOfValues() {
           R"(<conditions epoch="2027.25" pressure="577.5" ha="-1.0"/>)",
           R"(<conditions epoch="2027.25" pressure="770" ha="-1.0"/>)"},
          findUnusualPressures},
-        {{"VK320", Severity::Warning, "A number is infinite or none",
+        {{"VK320", Severity::Warning, "A number is infinite or not a number",
           "The run reads `nan` and `inf` as numbers, and computes with them.",
           R"(<conditions epoch="2027.25" temperature="nan" ha="-1.0"/>)",
           R"(<conditions epoch="2027.25" temperature="281.5" ha="-1.0"/>)"},

@@ -213,7 +213,7 @@ Command addCheckCommand(CLI::App& program) {
             throw CLI::ValidationError("--fix", "the standard input cannot be mended in place");
         }
         if (isAboutRules && arguments->format == "sarif") {
-            throw CLI::ValidationError("--format", "the rules are told as text or json");
+            throw CLI::ValidationError("--format", "the rules are printed as text or json");
         }
     });
     return {command, [arguments] { return check(*arguments); }};
