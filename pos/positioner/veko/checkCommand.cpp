@@ -189,7 +189,7 @@ Command addCheckCommand(CLI::App& program) {
     CLI::App* const command = program.add_subcommand("check", "find every problem of field definitions");
     command->add_option("FILE", arguments->files, "field definitions; - is the standard input")->type_name("");
     addRunOptions(*command, arguments->run);
-    command->add_option("--field_radius", arguments->fieldRadius, "how far apart places of a field may be, up to 90")
+    command->add_option("--field_radius", arguments->fieldRadius, "how far apart places may be, up to 90")
         ->check(refusalOfRadius, "")
         ->type_name("DEGREES")
         ->capture_default_str();
