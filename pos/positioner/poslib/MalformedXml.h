@@ -15,6 +15,7 @@ namespace pos {
 class UnreadableXml : public std::runtime_error {
 public:
     /**
+     * @param message what is wrong, beginning with the name of the document
      * @param offset where reading stops, bytes of the document's text in UTF-8 without a byte-order mark
      * @param reason what is wrong there, where the message leaves it out
      */
@@ -38,6 +39,7 @@ private:
 /** A document that is not well-formed XML 1.0: name + " is not valid XML". Up to the offset it is well-formed. */
 class MalformedXml : public UnreadableXml {
 public:
+    /** As UnreadableXml, for a document of this name. */
     MalformedXml(const std::string& name, int offset, const std::string& reason)
         : UnreadableXml(name + " is not valid XML", offset, reason) {}
 };

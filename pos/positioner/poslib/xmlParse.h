@@ -41,8 +41,8 @@ inline constexpr qint64 kMaxDeclarations = qint64{64} * 1024;
 
 /** Where the tags of an element begin, bytes; those of an entity's element stand at its reference. */
 struct TagPlaces {
-    int start = -1;
-    int end = -1; ///< behind the tag of an empty element; -1 where the text ends before
+    int start = -1; ///< the tag that begins it
+    int end = -1;   ///< its end tag: behind the tag of an empty element; -1 where the text ends before
 };
 
 /** What parseXml makes of a text. */
