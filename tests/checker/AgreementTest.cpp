@@ -9,6 +9,7 @@
 #include "xmlEncoding.h"
 #include "xmlKeywords.h"
 #include "xmlParse.h"
+#include "xmlStructure.h"
 
 #include <gtest/gtest.h>
 #include <random>
@@ -102,9 +103,7 @@ std::optional<std::string> failureOfRun(const std::string& document, Instrument&
     try {
         const QByteArray bytes = QByteArray::fromStdString(document);
         const QDomDocument tree = parseXml(decodeXml(bytes, "field.xml"), "field.xml").document;
-        if (tree.documentElement().attribute(attr::datamver).toStdString() != datamver) {
-            return "Data model version mismatch";
-        }
+        requireDataModelVersion(tree);
         placeDocument(instrument, tree, noOptions().estimates);
     } catch (const std::exception& error) {
         return error.what();
@@ -161,9 +160,7 @@ std::optional<std::string> failureWith(const std::string& configuration) {
         const PosConfig config("configure_version", configure_version, configuration.c_str(), PosConfig::XML);
         Instrument instrument(config);
         const QDomDocument tree = parseXml(QByteArray::fromStdString(kFaultless), "field.xml").document;
-        if (!datamver.empty() && tree.documentElement().attribute(attr::datamver).toStdString() != datamver) {
-            return "Data model version mismatch";
-        }
+        requireDataModelVersion(tree);
         placeDocument(instrument, tree, noOptions().estimates);
     } catch (const std::exception& error) {
         return error.what();

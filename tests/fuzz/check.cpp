@@ -16,6 +16,7 @@
 #include "xmlKeywords.h"
 #include "xmlParse.h"
 #include "xmlSerialise.h"
+#include "xmlStructure.h"
 
 #include <algorithm>
 
@@ -27,9 +28,7 @@ using namespace pos;
 bool isConfigured(const QByteArray& bytes, const PosConfig& config, const Estimates& estimates) {
     return endsOrExplains([&] {
         const QDomDocument document = parseXml(decodeXml(bytes, "field.xml"), "field.xml").document;
-        if (document.documentElement().attribute(attr::datamver).toStdString() != datamver) {
-            throw std::runtime_error("Data model version mismatch");
-        }
+        requireDataModelVersion(document);
         configureDocument(config, document, estimates);
         serialiseXml(document);
     });

@@ -5,14 +5,13 @@
 #include "LimitsCalc.h"
 #include "MalformedXml.h"
 #include "RunMessages.h"
-#include "Version.h"
 #include "configureDocument.h"
 #include "pointDocument.h"
 #include "rules.h"
 #include "xmlEncoding.h"
-#include "xmlKeywords.h"
 #include "xmlParse.h"
 #include "xmlSerialise.h"
+#include "xmlStructure.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -51,9 +50,7 @@ std::optional<std::string> failureOf(CheckedDocument& document, QDomDocument tre
         return std::nullopt;
     }
     try {
-        if (!datamver.empty() && tree.documentElement().attribute(attr::datamver).toStdString() != datamver) {
-            throw std::runtime_error("Data model version mismatch");
-        }
+        requireDataModelVersion(tree);
         const PlacedDocument placed = placeDocument(document.instrument, tree, document.options.estimates);
         document.pointing = placed.veko.focalPlane;
         document.pointed = document.pointing->conditions();

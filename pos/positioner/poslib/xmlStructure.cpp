@@ -17,10 +17,14 @@ QDomDocument loadXmlFile(const std::string& filename) {
         throw std::runtime_error(filename + " could not be opened");
     }
     const QDomDocument document = parseXml(decodeXml(*text, filename), filename).document;
+    requireDataModelVersion(document);
+    return document;
+}
+
+void requireDataModelVersion(const QDomDocument& document) {
     if (!datamver.empty() && document.documentElement().attribute(attr::datamver).toStdString() != datamver) {
         throw std::runtime_error("Data model version mismatch");
     }
-    return document;
 }
 
 QDomElement findElement(QDomElement element, const QString& name) {

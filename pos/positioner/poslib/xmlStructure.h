@@ -23,10 +23,17 @@ namespace pos {
  * @throw std::runtime_error filename + " could not be opened"
  * @throw std::runtime_error filename + " is larger than 256 MiB"
  * @throw std::runtime_error filename + " is not valid XML", or what else decodeXml and parseXml throw
+ * @throw std::runtime_error "Data model version mismatch" as requireDataModelVersion
+ */
+QDomDocument loadXmlFile(const std::string& filename);
+
+/**
+ * Checks the data model version of a document.
+ *
  * @throw std::runtime_error "Data model version mismatch" when pos::datamver is set and the document element's
  *     "datamver" is not the same text
  */
-QDomDocument loadXmlFile(const std::string& filename);
+void requireDataModelVersion(const QDomDocument& document);
 
 /**
  * The first element of a name: the element itself, else its first child of that name, else the first found by
