@@ -14,7 +14,7 @@ protected:
     /**
      * A run with faults, each of which must happen.
      *
-     * @param faults "call:error=REASON:when=WHICH"
+     * @param faults "call:error=REASON:when=WHICH", or "call:retval=RESULT:when=WHICH"
      * @param arguments further ones of the tracer
      */
     ProgramResult runWith(const Command& faults, const std::string& output = "out.xml", Command arguments = {},
@@ -62,6 +62,7 @@ const std::vector<std::string> kOlder = {"", "old", std::string(500'000, 'o')};
 TEST_F(InjectedFaults, LossOfTheContentLeavesTheOlderOne) {
     for (const auto& [fault, reason] : {std::pair("write:error=ENOSPC", "No space left on device"),
                                         {"write:error=EDQUOT", "Disk quota exceeded"},
+                                        {"write:retval=0", "No space left on device"},
                                         {"ftruncate:error=EIO", "Input/output error"},
                                         {"fdatasync:error=ENOSPC", "No space left on device"}}) {
         for (const std::string& old : kOlder) {
@@ -119,6 +120,13 @@ TEST_F(InjectedFaults, TemporaryFileThatHasANameIsRemoved) {
     expectEnd(runWith({"openat:error=EOPNOTSUPP:when=1"}, "out.xml", inTheFolder(), limitedTo(8)), 1,
               notWritten("out.xml", "File too large"));
     expectOutput("old");
+}
+
+TEST_F(InjectedFaults, NewFileThatCannotBeWrittenInPlaceIsRemoved) {
+    prepare("");
+    expectEnd(runWith({"linkat:error=EPERM", "write:error=ENOSPC:when=2"}), 1,
+              notWritten("out.xml", "No space left on device"));
+    expectOutput("");
 }
 
 TEST_F(InjectedFaults, FileWhoseAttributesCannotBeKeptIsOverwritten) {

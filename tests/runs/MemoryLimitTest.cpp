@@ -1,11 +1,17 @@
 #include "Program.h"
 #include "TemporaryFolder.h"
 #include "fieldDefinition.h"
+#include "xmlParse.h"
 
+#include <cstdlib>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <new>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
-// Runs that may take only so much memory.
+// What happens when there is only so much memory.
 
 namespace {
 
@@ -30,7 +36,48 @@ int neededForLoading() {
     return enough;
 }
 
+/** Ends a process that parses a document with so much memory left: with 0 where it could, 1 where that is too little.
+ */
+[[noreturn]] void parseWithin(const QByteArray& document, std::size_t bytes) {
+    constexpr rlimit kNoMore = {0, 0};
+    ::setrlimit(RLIMIT_AS, &kNoMore);
+    void* const left = std::malloc(bytes);
+    for (std::size_t size = 1 << 20; size >= 16; size /= 2) {
+        while (std::malloc(size) != nullptr) {
+        }
+    }
+    std::free(left);
+    int status = 0;
+    try {
+        pos::parseXml(document, "a.xml");
+    } catch (const std::bad_alloc&) {
+        status = 1;
+    } catch (...) {
+        status = 2;
+    }
+    ::_exit(status);
+}
+
 } // namespace
+
+TEST(MemoryLimit, OfTheParserIsNoFaultOfTheDocument) {
+    constexpr std::size_t kStep = 128;
+    const QByteArray document = "<a b='c'><d/></a>";
+    int status = 1;
+    int refused = 0;
+    for (std::size_t bytes = kStep; status == 1; bytes += kStep) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            parseWithin(document, bytes);
+        }
+        ASSERT_EQ(::waitpid(child, &status, 0), child);
+        ASSERT_TRUE(WIFEXITED(status)) << bytes;
+        status = WEXITSTATUS(status);
+        refused += status;
+    }
+    EXPECT_EQ(status, 0);
+    EXPECT_GE(refused, 20);
+}
 
 TEST(MemoryLimit, EndsARunWithTheWholeDocumentOrAMessage) {
     constexpr int kStep = 3 * 1024 + 512; // KiB, for about 20 runs

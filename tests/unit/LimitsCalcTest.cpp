@@ -174,6 +174,13 @@ TEST_F(LimitsCalcTest, AFieldAtTheHorizonLimitItselfStillHasItsLimits) {
     }
 }
 
+TEST_F(LimitsCalcTest, AFieldThatTouchesTheHorizonLimitIsNotCircumpolar) {
+    // Seen from the equator, a field on the equator passes the nadir, where it touches a limit of 180 degrees.
+    const Telescope telescope = withLimits(-100.0, 100.0, telescopeAt(0.0));
+    const FocalPlane focalPlane = seenAt(0.0, 0.0, telescope);
+    expectLimits(limits(focalPlane, telescope, kTestPi), -180.0, 180.0);
+}
+
 TEST_F(LimitsCalcTest, ADateThatTheLibraryRefusesHasNoLimits) {
     FocalPlane focalPlane = pointedAt(kHighField, 0.0, {std::numeric_limits<double>::quiet_NaN(), 283.15, 770.0, 0.2});
     const LimitsCalc calculator(kTelescope, focalPlane, 1.0);
