@@ -118,6 +118,11 @@ void FocalPlane::setDate(double mjdTai) {
     update();
 }
 
+void FocalPlane::setDate(const DateContext& context) {
+    dateContext_ = context;
+    setDate(context.date);
+}
+
 void FocalPlane::setConditions(const Conditions& conditions) {
     conditions_ = conditions;
     update();
@@ -133,7 +138,7 @@ void FocalPlane::update() {
     updateContexts();
     context_ = observerContext_;
     if (!dateAccepted_) {
-        tangentRa_ = tangentDec_ = zenithDistance_ = hourAngle_ = parallacticAngle_ = kNaN;
+        tangentRa_ = tangentDec_ = azimuth_ = zenithDistance_ = hourAngle_ = parallacticAngle_ = kNaN;
         return;
     }
     const CIRS centre = centre_.toCirs(dateContext_);
@@ -182,8 +187,7 @@ bool FocalPlane::fillObserverContext() {
 
 /** Observes the field centre: the tangent point and where it stands in the sky. */
 void FocalPlane::observeCentre(CIRS centre) {
-    double azimuth = 0.0;
-    eraAtioq(centre.ra, centre.dec, &context_, &azimuth, &zenithDistance_, &hourAngle_, &tangentDec_, &tangentRa_);
+    eraAtioq(centre.ra, centre.dec, &context_, &azimuth_, &zenithDistance_, &hourAngle_, &tangentDec_, &tangentRa_);
 }
 
 /** The library takes the context by a pointer to non-const but only reads it. */

@@ -94,6 +94,9 @@ public:
     /** Changes the date; centre and position angle stay. @param mjdTai MJD, TAI */
     void setDate(double mjdTai);
 
+    /** The same, with a context for that date. */
+    void setDate(const DateContext& context);
+
     /** Takes over date and weather. */
     void setConditions(const Conditions& conditions);
 
@@ -192,6 +195,10 @@ public:
     double hourAngle() const {
         return hourAngle_;
     }
+    /** Observed azimuth of the field centre, radians, in [0, 2π], from north through east. */
+    double azimuth() const {
+        return azimuth_;
+    }
     /** Parallactic angle of the field centre (ERFA eraHd2pa), radians, in [−π, π]. */
     double parallacticAngle() const {
         return parallacticAngle_;
@@ -218,6 +225,7 @@ private:
     eraASTROM context_{};     ///< the observer's, without refraction where the centre is below the horizon limit
     double tangentRa_ = 0.0;  ///< observed right ascension (CIO-based) of the field centre, radians
     double tangentDec_ = 0.0; ///< observed declination of the field centre, radians
+    double azimuth_ = 0.0;
     double zenithDistance_ = 0.0;
     double hourAngle_ = 0.0;
     double parallacticAngle_ = 0.0;

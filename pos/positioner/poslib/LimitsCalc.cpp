@@ -16,9 +16,12 @@ bool LimitsCalc::checkHorizon() const {
     return largestZenithDistance_ > focalPlane_.zenithDistance();
 }
 
+double LimitsCalc::rotatorAngle() const {
+    return wrapAngle(focalPlane_.rotatorOffset() - focalPlane_.parallacticAngle() + focalPlane_.positionAngle());
+}
+
 bool LimitsCalc::checkRotator() const {
-    const double angle =
-        wrapAngle(focalPlane_.rotatorOffset() - focalPlane_.parallacticAngle() + focalPlane_.positionAngle());
+    const double angle = rotatorAngle();
     return telescope_.rotatorLowLimit < angle && angle < telescope_.rotatorHighLimit;
 }
 

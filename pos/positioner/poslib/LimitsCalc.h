@@ -41,7 +41,10 @@ public:
     /** Whether the field centre is now above the horizon limit; false at the limit itself. */
     bool checkHorizon() const;
 
-    /** Whether the rotator angle, wrapped into [−π, π], is now between its limits; false at a limit itself. */
+    /** The rotator angle that the pointing needs now, radians, in [−π, π]. */
+    double rotatorAngle() const;
+
+    /** Whether the rotator angle is now between its limits; false at a limit itself. */
     bool checkRotator() const;
 
     /**

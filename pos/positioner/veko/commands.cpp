@@ -1,12 +1,14 @@
 #include "commands.h"
 
 #include "checkCommand.h"
+#include "windowCommand.h"
 
 namespace pos {
 
 std::vector<Command> addCommands(CLI::App& program) {
     return {
         addCheckCommand(program),
+        addWindowCommand(program),
     };
 }
 

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <sstream>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -36,16 +37,31 @@ Estimates RunOptions::estimates() const {
     return {epoch, hourAngle, pressure, degreesToRadians(90 - horizonLimit)};
 }
 
-void addRunOptions(CLI::App& command, RunOptions& options) {
+void addRunOptionsOfNights(CLI::App& command, RunOptions& options) {
     command.add_option("-c,--config_file", options.configFile, "configuration file")
         ->type_name("FILE")
         ->capture_default_str()
         ->group(kGroup);
     addNumber(command, "--epoch", options.epoch, "Julian epoch of the observation; 0: the document's", "YEARS");
-    addNumber(command, "--ha", options.hourAngle, "hour angle of the observation; 100: the document's", "HOURS");
     addNumber(command, "--pressure", options.pressure, "pressure at the telescope; 0: the document's", "MBAR");
     addNumber(command, "--horizon_limit", options.horizonLimit, "lowest elevation of a field", "DEGREES")
         ->capture_default_str();
+}
+
+void addRunOptions(CLI::App& command, RunOptions& options) {
+    addRunOptionsOfNights(command, options);
+    addNumber(command, "--ha", options.hourAngle, "hour angle of the observation; 100: the document's", "HOURS");
+}
+
+CLI::Validator within(double low, double high) {
+    return {[low, high](const std::string& text) {
+                double value = 0.0;
+                const bool isWithin = CLI::detail::lexical_cast(text, value) && value >= low && value <= high;
+                std::ostringstream range;
+                range << "from " << low << " to " << high;
+                return isWithin ? std::string() : "'" + text + "' is not a number " + range.str();
+            },
+            ""};
 }
 
 void addColourOption(CLI::App& command, std::string& colour) {

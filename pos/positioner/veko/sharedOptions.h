@@ -28,6 +28,12 @@ struct RunOptions {
 /** Adds the options of the run to a command. @param options must live as long as the command */
 void addRunOptions(CLI::App& command, RunOptions& options);
 
+/** The same without the hour angle, for commands that look at all hour angles. */
+void addRunOptionsOfNights(CLI::App& command, RunOptions& options);
+
+/** Accepts finite numbers of a range alone. */
+CLI::Validator within(double low, double high);
+
 /** When text is coloured: "auto", "always" or "never". */
 void addColourOption(CLI::App& command, std::string& colour);
 

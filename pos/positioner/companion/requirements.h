@@ -1,0 +1,71 @@
+/**
+ * @file
+ * What must hold while a field is observed.
+ */
+#ifndef POS_REQUIREMENTS_H
+#define POS_REQUIREMENTS_H
+
+#include "curves.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace pos {
+
+class DateContexts;
+class FieldTrack;
+
+/** What a window needs, beside the limits of the rotator. */
+struct WindowOptions {
+    double zenithDistanceLimit;                ///< the field must be nearer to the zenith, radians
+    std::optional<double> sunAltitude = {};    ///< the Sun must be lower, radians
+    std::optional<double> largestAirmass = {}; ///< at least 1
+    std::optional<double> moonDistance = {};   ///< while the Moon is up it must be farther away, radians
+    double shortest = 0.0;                     ///< shorter windows do not count, days
+};
+
+/** What ends a window. */
+enum class WindowLimit { Horizon, RotatorLow, RotatorHigh, Twilight, Airmass, Moon, Noon };
+
+/** "horizon", "rotator low", … */
+const char* wordOf(WindowLimit limit);
+
+/** A part of a night, MJD, TAI, and what ends it. */
+struct Stretch {
+    double begin;
+    double end;
+    WindowLimit beginLimit;
+    WindowLimit endLimit;
+};
+
+/** Something that must hold. */
+class Requirement {
+public:
+    virtual ~Requirement() = default;
+
+    /** It begins and ceases to hold only where one of these passes zero. */
+    virtual std::vector<Curve> curves(double begin, double end) = 0;
+
+    /** Whether it holds at an instant at which none of its curves is zero. */
+    virtual bool holds(double mjdTai) = 0;
+
+    /** What it is that ends a window at an instant at which it ceases to hold. */
+    virtual WindowLimit limitAt(double mjdTai) = 0;
+
+    /** Why it never holds in some stretches: a sentence without its beginning, which tells these. */
+    virtual std::string whyNever(const std::vector<Stretch>& stretches) = 0;
+};
+
+/**
+ * All that must hold, the most telling first.
+ *
+ * @param track, contexts, options must outlive what is returned
+ */
+std::vector<std::unique_ptr<Requirement>> requirements(FieldTrack& track, const DateContexts& contexts,
+                                                       const WindowOptions& options);
+
+} // namespace pos
+
+#endif

@@ -1,0 +1,288 @@
+#include "windowCommand.h"
+
+#include "ConditionsXML.h"
+#include "Instrument.h"
+#include "PosConfig.h"
+#include "TelescopeConfig.h"
+#include "angles.h"
+#include "sharedOptions.h"
+#include "windowRecords.h"
+#include "xmlStructure.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cmath>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <stdexcept>
+
+namespace pos {
+
+namespace {
+
+/** What the arguments ask for. */
+struct WindowArguments {
+    std::vector<std::string> files;
+    RunOptions run;
+    double ra = 0.0; ///< degrees, as the other angles
+    double dec = 0.0;
+    double positionAngle = 0.0;
+    double temperature = createConditionsXML({}).temperature; ///< kelvin
+    double relativeHumidity = createConditionsXML({}).relativeHumidity;
+    bool isPlace = false;
+    std::string night;
+    std::string from;
+    std::string to;
+    std::string twilight = "nautical";
+    double airmass = 0.0; ///< 0 for any
+    double moon = 0.0;
+    double minimum = 0.0; ///< minutes
+    std::string format = "table";
+    std::string timeZone;
+};
+
+/** The exit statuses of the command. */
+enum Status { kEachHasOne = 0, kNone = 1, kTrouble = 2 };
+
+const std::map<std::string, double> kTwilights = {{"civil", -6.0}, {"nautical", -12.0}, {"astronomical", -18.0}};
+
+/** Why a text is no twilight; empty where it is one. */
+std::string refusalOfTwilight(const std::string& text) {
+    const bool isKnown = text == "none" || kTwilights.contains(text);
+    return isKnown ? "" : within(-90, 90)(text);
+}
+
+/** The altitude below which the Sun must be, radians. */
+std::optional<double> sunAltitude(const std::string& twilight) {
+    if (twilight == "none") {
+        return std::nullopt;
+    }
+    const auto known = kTwilights.find(twilight);
+    return degreesToRadians(known != kTwilights.end() ? known->second : std::stod(twilight));
+}
+
+QDate dateOf(const std::string& text) {
+    return QDate::fromString(QString::fromStdString(text), Qt::ISODate);
+}
+
+/** Why a text is no night; empty where it is one. */
+std::string refusalOfNight(const std::string& text) {
+    const QDate date = dateOf(text);
+    if (!date.isValid() || text.size() != std::string("YYYY-MM-DD").size()) {
+        return "'" + text + "' is not a date YYYY-MM-DD";
+    }
+    const bool isKnown = date.year() >= 1900 && date.year() <= 2100;
+    return isKnown ? "" : "'" + text + "' is not between 1900 and 2100, the years in which Sun and Moon are known";
+}
+
+std::string refusalOfTimeZone(const std::string& text) {
+    return QTimeZone(QByteArray::fromStdString(text)).isValid() ? "" : "the system knows no time zone '" + text + "'";
+}
+
+WindowOptions optionsOf(const WindowArguments& arguments) {
+    WindowOptions options{arguments.run.estimates().zenithDistanceLimit, sunAltitude(arguments.twilight)};
+    if (arguments.airmass > 0) {
+        options.largestAirmass = arguments.airmass;
+    }
+    if (arguments.moon > 0) {
+        options.moonDistance = degreesToRadians(arguments.moon);
+    }
+    options.shortest = arguments.minimum / (24 * 60);
+    return options;
+}
+
+/** Finds the windows that the arguments ask for. */
+class WindowFinder {
+public:
+    explicit WindowFinder(const WindowArguments& arguments)
+        : arguments_(arguments), config_(arguments.run.configFile.c_str(), PosConfig::XML), instrument_(config_),
+          telescope_(readTelescope(config_)) {}
+
+    const Telescope& telescope() const {
+        return telescope_;
+    }
+
+    std::vector<FieldNight> ofPlace() {
+        const Estimates estimates = arguments_.run.estimates();
+        Conditions conditions = createConditionsXML({});
+        conditions.temperature = arguments_.temperature;
+        conditions.relativeHumidity = arguments_.relativeHumidity;
+        conditions.epoch = resolveDate(estimates.epoch, conditions);
+        conditions.pressure = resolvePressure(estimates.pressure, conditions);
+        const ICRS place{degreesToRadians(arguments_.ra), degreesToRadians(arguments_.dec), 0, 0, 0, 0, 0};
+        return of({{place}, degreesToRadians(arguments_.positionAngle), conditions, estimates.epoch != kNotGiven},
+                  std::nullopt);
+    }
+
+    std::vector<FieldNight> ofFile(const std::string& name) {
+        const QDomDocument document = loadXmlFile(name == "-" ? "/dev/stdin" : name);
+        return of(readPlan(document, arguments_.run.estimates()), name);
+    }
+
+private:
+    std::vector<FieldNight> of(const Plan& plan, const std::optional<std::string>& file) {
+        const std::vector<Night> nights = nightsOf(plan);
+        const auto contexts = contexts_.try_emplace(nights.front().evening, nights.front().begin, nights.back().end);
+        return findFieldNights(instrument_, plan, file, nights, contexts.first->second, optionsOf(arguments_));
+    }
+
+    std::vector<Night> nightsOf(const Plan& plan) const {
+        const double longitude = telescope_.eastLongitude;
+        if (!arguments_.night.empty()) {
+            return {nightOf(dateOf(arguments_.night), longitude)};
+        }
+        std::vector<Night> nights;
+        if (!arguments_.from.empty()) {
+            for (QDate date = dateOf(arguments_.from); date <= dateOf(arguments_.to); date = date.addDays(1)) {
+                nights.push_back(nightOf(date, longitude));
+            }
+            return nights;
+        }
+        if (!plan.hasEpoch) {
+            throw std::runtime_error(
+                "There is no epoch, so that the night is not known: give --night, or --from and --to");
+        }
+        const Night night = nightAround(plan.conditions.epoch, longitude);
+        const std::string refusal = refusalOfNight(night.evening.toString(Qt::ISODate).toStdString());
+        if (!refusal.empty()) {
+            throw std::runtime_error("The epoch is that of the night " + refusal);
+        }
+        return {night};
+    }
+
+    const WindowArguments& arguments_;
+    PosConfig config_;
+    Instrument instrument_;
+    Telescope telescope_;
+    std::map<QDate, DateContexts> contexts_; ///< by the first evening
+};
+
+std::string textOf(const std::vector<FieldNight>& nights, const std::string& format, const WindowStyle& style) {
+    if (format == "json") {
+        return windowJson(nights, style);
+    }
+    return format == "csv" ? windowCsv(nights, style) : windowTable(nights, style);
+}
+
+/** A message that names its file. */
+std::string sentenceOf(const std::string& file, const std::string& message) {
+    return message.find(file) != std::string::npos ? message : file + ": " + message;
+}
+
+int findAndPrint(const WindowArguments& arguments) {
+    WindowFinder finder(arguments);
+    std::vector<FieldNight> nights;
+    bool isTrouble = false;
+    const auto add = [&](const std::vector<FieldNight>& more) {
+        nights.insert(nights.end(), more.begin(), more.end());
+    };
+    if (arguments.isPlace) {
+        add(finder.ofPlace());
+    }
+    for (const std::string& file : arguments.files) {
+        try {
+            add(finder.ofFile(file));
+        } catch (const std::exception& error) {
+            std::cerr << sentenceOf(file, error.what()) << std::endl;
+            isTrouble = true;
+        }
+    }
+    WindowStyle style{{}, finder.telescope()};
+    if (!arguments.timeZone.empty()) {
+        style.timeZone = QTimeZone(QByteArray::fromStdString(arguments.timeZone));
+    }
+    if (!nights.empty()) {
+        std::cout << textOf(nights, arguments.format, style);
+    }
+    const bool hasOne =
+        std::any_of(nights.begin(), nights.end(), [](const FieldNight& night) { return !night.found.windows.empty(); });
+    return isTrouble ? kTrouble : hasOne ? kEachHasOne : kNone;
+}
+
+void addPlaceOptions(CLI::App& command, WindowArguments& arguments) {
+    constexpr const char* kGroup = "A place instead of files";
+    CLI::Option* const ra = command.add_option("--ra", arguments.ra, "right ascension")->check(within(0, 360));
+    CLI::Option* const dec = command.add_option("--dec", arguments.dec, "declination")->check(within(-90, 90));
+    ra->needs(dec)->type_name("DEGREES")->group(kGroup);
+    dec->needs(ra)->type_name("DEGREES")->group(kGroup);
+    command.add_option("--pa", arguments.positionAngle, "position angle")
+        ->check(within(-360, 360))
+        ->needs(ra)
+        ->type_name("DEGREES")
+        ->capture_default_str()
+        ->group(kGroup);
+    command.add_option("--temperature", arguments.temperature, "temperature at the telescope")
+        ->check(within(150, 350))
+        ->needs(ra)
+        ->type_name("KELVIN")
+        ->capture_default_str()
+        ->group(kGroup);
+    command.add_option("--relative_humidity", arguments.relativeHumidity, "humidity at the telescope, 0 to 1")
+        ->check(within(0, 1))
+        ->needs(ra)
+        ->type_name("NUMBER")
+        ->capture_default_str()
+        ->group(kGroup);
+}
+
+void addNightOptions(CLI::App& command, WindowArguments& arguments) {
+    CLI::Option* const night =
+        command.add_option("--night", arguments.night, "date of the evening at the site; default: by the epoch");
+    CLI::Option* const from = command.add_option("--from", arguments.from, "first night of a season");
+    CLI::Option* const to = command.add_option("--to", arguments.to, "last night of a season");
+    for (CLI::Option* const date : {night, from, to}) {
+        date->check(refusalOfNight, "")->type_name("YYYY-MM-DD");
+    }
+    from->needs(to)->excludes(night);
+    to->needs(from);
+}
+
+void addRequirementOptions(CLI::App& command, WindowArguments& arguments) {
+    command
+        .add_option("--twilight", arguments.twilight,
+                    "how low the Sun must be: civil, nautical, astronomical, none, or degrees")
+        ->check(refusalOfTwilight, "")
+        ->type_name("WHICH")
+        ->capture_default_str();
+    command.add_option("--airmass", arguments.airmass, "greatest airmass")->check(within(1, 40))->type_name("NUMBER");
+    command.add_option("--moon", arguments.moon, "least distance from the Moon while it is up")
+        ->check(within(0, 180))
+        ->type_name("DEGREES");
+    command.add_option("--minimum", arguments.minimum, "length of the shortest window that counts")
+        ->check(within(0, 1440))
+        ->type_name("MINUTES");
+}
+
+} // namespace
+
+Command addWindowCommand(CLI::App& program) {
+    const auto arguments = std::make_shared<WindowArguments>();
+    CLI::App* const command = program.add_subcommand("window", "tell when fields can be observed, and what ends it");
+    command->add_option("FILE", arguments->files, "field definitions; - is the standard input")->type_name("");
+    addPlaceOptions(*command, *arguments);
+    addNightOptions(*command, *arguments);
+    addRequirementOptions(*command, *arguments);
+    addRunOptionsOfNights(*command, arguments->run);
+    command->add_option("--format", arguments->format, "form of what is found")
+        ->check(CLI::IsMember({"table", "csv", "json"}))
+        ->type_name("table|csv|json")
+        ->capture_default_str();
+    command->add_option("--time-zone", arguments->timeZone, "time zone in which times are told beside UTC")
+        ->check(refusalOfTimeZone, "")
+        ->type_name("AREA/CITY");
+    command->callback([arguments, command] {
+        arguments->isPlace = command->count("--ra") > 0;
+        if (arguments->files.empty() != arguments->isPlace) {
+            throw arguments->isPlace
+                ? CLI::ValidationError("--ra", "a place is given instead of files")
+                : CLI::ValidationError("FILE", "field definitions, or a place with --ra and --dec, are required");
+        }
+        if (!arguments->from.empty() && dateOf(arguments->from) > dateOf(arguments->to)) {
+            throw CLI::ValidationError("--to", "the last night is before the first");
+        }
+    });
+    return {command, [arguments] { return findAndPrint(*arguments); }};
+}
+
+} // namespace pos
