@@ -175,10 +175,10 @@ TEST_F(LimitsCalcTest, AFieldAtTheHorizonLimitItselfStillHasItsLimits) {
 }
 
 TEST_F(LimitsCalcTest, AFieldThatTouchesTheHorizonLimitIsNotCircumpolar) {
-    // Seen from the equator, a field on the equator passes the nadir, where it touches a limit of 180 degrees.
-    const Telescope telescope = withLimits(-100.0, 100.0, telescopeAt(0.0));
-    const FocalPlane focalPlane = seenAt(0.0, 0.0, telescope);
-    expectLimits(limits(focalPlane, telescope, kTestPi), -180.0, 180.0);
+    // From the equator a field on the equator is seen to pass the nadir, where it touches a limit of 180 degrees. A
+    // circumpolar one had the rotator's limits alone, the later of which is a turn away.
+    const Telescope telescope = withLimits(-30.0, -10.0, telescopeAt(0.0));
+    expectLimits(limits(seenAt(0.5, -1e-12, telescope), telescope, kTestPi), 0.0, 180.0);
 }
 
 TEST_F(LimitsCalcTest, ADateThatTheLibraryRefusesHasNoLimits) {
