@@ -15,7 +15,7 @@ namespace pos {
 namespace {
 
 constexpr int kWidth = 79;
-constexpr int kLabelWidth = 24;
+constexpr int kLabelWidth = 23;
 constexpr int kMomentWidth = 19;
 
 /** The date, and the time of the day, in a text by ISO 8601. */
@@ -131,7 +131,7 @@ QString nightText(const NightWindows& night, const WindowStyle& style) {
     return text;
 }
 
-const std::vector<int> kSeasonWidths = {2, 13, 14, 14, 14, 14, 7, 1};
+const std::vector<int> kSeasonWidths = {2, 13, 13, 13, 13, 13, 6, 1};
 
 /** One line a window. */
 QString seasonText(const NightWindows& night) {
@@ -144,7 +144,8 @@ QString seasonText(const NightWindows& night) {
         const bool isMarked = night.windows.size() > 1 && window.isLongest;
         text += lineOf({"", date + (isMarked ? " *" : ""), clockOf(utcText(window.start.mjdTai, 3)),
                         wordOf(window.startLimit), clockOf(utcText(window.end.mjdTai, 3)), wordOf(window.endLimit),
-                        fixedText(window.length() * 24, 2).rightJustified(5), degrees(window.best.altitude)},
+                        fixedText(window.length() * 24, 2).rightJustified(5),
+                        fixedText(radiansToDegrees(window.best.altitude), 2)},
                        kSeasonWidths);
     }
     return text;

@@ -37,20 +37,21 @@ Estimates RunOptions::estimates() const {
     return {epoch, hourAngle, pressure, degreesToRadians(90 - horizonLimit)};
 }
 
-void addRunOptionsOfNights(CLI::App& command, RunOptions& options) {
+void addRunOptions(CLI::App& command, RunOptions& options) {
     command.add_option("-c,--config_file", options.configFile, "configuration file")
         ->type_name("FILE")
         ->capture_default_str()
         ->group(kGroup);
     addNumber(command, "--epoch", options.epoch, "Julian epoch of the observation; 0: the document's", "YEARS");
+    addNumber(command, "--ha", options.hourAngle, "hour angle of the observation; 100: the document's", "HOURS");
     addNumber(command, "--pressure", options.pressure, "pressure at the telescope; 0: the document's", "MBAR");
     addNumber(command, "--horizon_limit", options.horizonLimit, "lowest elevation of a field", "DEGREES")
         ->capture_default_str();
 }
 
-void addRunOptions(CLI::App& command, RunOptions& options) {
-    addRunOptionsOfNights(command, options);
-    addNumber(command, "--ha", options.hourAngle, "hour angle of the observation; 100: the document's", "HOURS");
+void addRunOptionsOfNights(CLI::App& command, RunOptions& options) {
+    addRunOptions(command, options);
+    command.remove_option(command.get_option("--ha"));
 }
 
 CLI::Validator within(double low, double high) {

@@ -228,7 +228,7 @@ void addPlaceOptions(CLI::App& command, WindowArguments& arguments) {
 
 void addNightOptions(CLI::App& command, WindowArguments& arguments) {
     CLI::Option* const night =
-        command.add_option("--night", arguments.night, "date of the evening at the site; default: by the epoch");
+        command.add_option("--night", arguments.night, "date of the evening; by itself the epoch's");
     CLI::Option* const from = command.add_option("--from", arguments.from, "first night of a season");
     CLI::Option* const to = command.add_option("--to", arguments.to, "last night of a season");
     for (CLI::Option* const date : {night, from, to}) {
@@ -239,11 +239,9 @@ void addNightOptions(CLI::App& command, WindowArguments& arguments) {
 }
 
 void addRequirementOptions(CLI::App& command, WindowArguments& arguments) {
-    command
-        .add_option("--twilight", arguments.twilight,
-                    "how low the Sun must be: civil, nautical, astronomical, none, or degrees")
+    command.add_option("--twilight", arguments.twilight, "or the degrees that the Sun is below")
         ->check(refusalOfTwilight, "")
-        ->type_name("WHICH")
+        ->type_name("civil|nautical|astronomical|none")
         ->capture_default_str();
     command.add_option("--airmass", arguments.airmass, "greatest airmass")->check(within(1, 40))->type_name("NUMBER");
     command.add_option("--moon", arguments.moon, "least distance from the Moon while it is up")

@@ -1,0 +1,58 @@
+#include "curves.h"
+
+#include "angles.h"
+
+#include <cmath>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using namespace pos;
+using testing::DoubleNear;
+using testing::ElementsAre;
+
+namespace {
+
+constexpr double kMillisecond = 1e-3 / 86400;
+/** A day that begins at an ordinary date. */
+constexpr double kBegin = 61442.5;
+constexpr double kEnd = kBegin + 1;
+
+/** A wave of a day that is highest in its middle. @param offset by which it is lifted, radians */
+Curve wave(double offset) {
+    const auto value = [offset](double mjdTai) { return offset - std::cos(2 * kPi * (mjdTai - kBegin)); };
+    return {value, value, {kBegin + 0.5 + 400.0 / 86400}}; // as far off as a turn may be
+}
+
+} // namespace
+
+TEST(Curves, PassZeroWhereTheyDo) {
+    EXPECT_THAT(crossings(wave(0.0), kBegin, kEnd),
+                ElementsAre(DoubleNear(kBegin + 0.25, kMillisecond), DoubleNear(kBegin + 0.75, kMillisecond)));
+    EXPECT_THAT(crossings(wave(0.0), kBegin + 0.3, kEnd), ElementsAre(DoubleNear(kBegin + 0.75, kMillisecond)));
+    EXPECT_THAT(crossings(wave(-1.1), kBegin, kEnd), ElementsAre());
+}
+
+TEST(Curves, AreFoundToPassZeroForASecond) {
+    // Half a second from the turn the wave is lower by this.
+    const double depth = 1 - std::cos(2 * kPi * 0.5 / 86400);
+    const std::vector<double> found = crossings(wave(depth - 1), kBegin, kEnd);
+    ASSERT_EQ(found.size(), 2U);
+    EXPECT_NEAR((found.at(1) - found.at(0)) * 86400, 1.0, 1e-3);
+    EXPECT_TRUE(crossings(wave(-1 - depth), kBegin, kEnd).empty());
+}
+
+TEST(Curves, ThatPassSlowlyAreFollowedWithoutAnError) {
+    Curve slow = wave(0.0);
+    slow.exact = [](double mjdTai) { return 1e-7 * (mjdTai - kBegin - 0.4); };
+    slow.value = [](double mjdTai) { return 1e-7 * (mjdTai - kBegin - 0.4) + 1e-10; };
+    slow.turns.clear();
+    EXPECT_THAT(crossings(slow, kBegin, kEnd), ElementsAre(DoubleNear(kBegin + 0.4, kMillisecond)));
+}
+
+TEST(Curves, TurnWhereTheyDo) {
+    constexpr double kMinute = 1.0 / 1440;
+    EXPECT_THAT(turnsOf(wave(0.0).value, kBegin - 0.1, kEnd + 0.1),
+                ElementsAre(DoubleNear(kBegin, kMinute), DoubleNear(kBegin + 0.5, kMinute), DoubleNear(kEnd, kMinute)));
+    // Beside the ends, where only one neighbour is within.
+    EXPECT_THAT(turnsOf(wave(0.0).value, kBegin + 0.49, kBegin + 0.6), ElementsAre(DoubleNear(kBegin + 0.5, kMinute)));
+}
