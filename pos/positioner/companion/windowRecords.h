@@ -18,6 +18,7 @@ namespace pos {
 struct WindowStyle {
     std::optional<QTimeZone> timeZone = {}; ///< in which times are given beside UTC
     Telescope telescope = {};               ///< whose rotator has limits
+    std::string place = {};                 ///< title of a place that is none of a document
 };
 
 /** JSON: {"version": 1, "nights": […]}. Times in UTC by ISO 8601; what is no number is null. */

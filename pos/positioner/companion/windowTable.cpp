@@ -92,16 +92,16 @@ std::vector<Row> rowsOf(const WindowStyle& style) {
         rows.end(),
         {{"MJD (TAI)", [](const Moment& moment) { return fixedText(moment.mjdTai, 8); }},
          {"epoch (--epoch)", [](const Moment& moment) { return fixedText(julianEpochOf(moment.mjdTai), 12); }},
-         {"hour angle (--ha)", [](const Moment& moment) { return decimals(radiansToHours(moment.hourAngle), 5); }},
+         {"hour angle, h (--ha)", [](const Moment& moment) { return decimals(radiansToHours(moment.hourAngle), 5); }},
          {"sidereal time", [](const Moment& moment) { return sexagesimal(moment.siderealTime); }},
-         {"altitude", [](const Moment& moment) { return degrees(moment.altitude); }},
+         {"altitude, deg", [](const Moment& moment) { return degrees(moment.altitude); }},
          {"airmass", [](const Moment& moment) { return fixedText(moment.airmass, 3); }},
-         {"azimuth", [](const Moment& moment) { return degrees(moment.azimuth); }},
-         {"parallactic angle", [](const Moment& moment) { return degrees(moment.parallacticAngle); }},
-         {"rotator angle", [](const Moment& moment) { return degrees(moment.rotatorAngle); }},
-         {"  above its low limit",
+         {"azimuth, deg", [](const Moment& moment) { return degrees(moment.azimuth); }},
+         {"parallactic, deg", [](const Moment& moment) { return degrees(moment.parallacticAngle); }},
+         {"rotator, deg", [](const Moment& moment) { return degrees(moment.rotatorAngle); }},
+         {"  above low limit",
           [low = style.telescope.rotatorLowLimit](const Moment& moment) { return degrees(moment.rotatorAngle - low); }},
-         {"  below its high limit", [high = style.telescope.rotatorHighLimit](const Moment& moment) {
+         {"  below high limit", [high = style.telescope.rotatorHighLimit](const Moment& moment) {
               return degrees(high - moment.rotatorAngle);
           }}});
     return rows;
@@ -151,8 +151,8 @@ QString seasonText(const NightWindows& night) {
     return text;
 }
 
-QString titleOf(const FieldNight& night) {
-    return night.file ? QString::fromStdString(*night.file) + ", field " + QString::number(night.field) : "The place";
+QString titleOf(const FieldNight& night, const WindowStyle& style) {
+    return QString::fromStdString(night.file ? *night.file + ", field " + std::to_string(night.field) : style.place);
 }
 
 bool areOfOneField(const FieldNight& a, const FieldNight& b) {
@@ -168,10 +168,10 @@ std::string windowTable(const std::vector<FieldNight>& nights, const WindowStyle
             std::find_if(first, nights.end(), [&](const FieldNight& night) { return !areOfOneField(night, *first); });
         text += text.isEmpty() ? "" : "\n";
         if (last - first == 1) {
-            text += titleOf(*first) + ", night of " + first->found.night.evening.toString(Qt::ISODate) + "\n\n" +
+            text += titleOf(*first, style) + ", night of " + first->found.night.evening.toString(Qt::ISODate) + "\n\n" +
                     nightText(first->found, style);
         } else {
-            text += titleOf(*first) + "\n\n" +
+            text += titleOf(*first, style) + "\n\n" +
                     lineOf({"", "night", "start (UTC)", "from", "end (UTC)", "to", "hours", "highest"}, kSeasonWidths);
             std::for_each(first, last, [&](const FieldNight& night) { text += seasonText(night.found); });
         }

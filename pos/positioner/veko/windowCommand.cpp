@@ -5,6 +5,7 @@
 #include "PosConfig.h"
 #include "TelescopeConfig.h"
 #include "angles.h"
+#include "positionAngles.h"
 #include "sharedOptions.h"
 #include "windowRecords.h"
 #include "xmlStructure.h"
@@ -165,6 +166,11 @@ std::string textOf(const std::vector<FieldNight>& nights, const std::string& for
     return format == "csv" ? windowCsv(nights, style) : windowTable(nights, style);
 }
 
+std::string titleOfPlace(const WindowArguments& arguments) {
+    return "RA " + shortText(arguments.ra) + ", Dec " + shortText(arguments.dec) + ", position angle " +
+           shortText(arguments.positionAngle);
+}
+
 /** A message that names its file. */
 std::string sentenceOf(const std::string& file, const std::string& message) {
     return message.find(file) != std::string::npos ? message : file + ": " + message;
@@ -188,7 +194,7 @@ int findAndPrint(const WindowArguments& arguments) {
             isTrouble = true;
         }
     }
-    WindowStyle style{{}, finder.telescope()};
+    WindowStyle style{{}, finder.telescope(), titleOfPlace(arguments)};
     if (!arguments.timeZone.empty()) {
         style.timeZone = QTimeZone(QByteArray::fromStdString(arguments.timeZone));
     }
