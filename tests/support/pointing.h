@@ -142,7 +142,8 @@ inline std::vector<double> derivedValues(const pos::FocalPlane& pointing) {
     const pos::Astrometric place = cirs.toAstrometric(pointing.dateContext());
     const pos::StandardCoordinates standard = pointing.cirsToStd(cirs);
     const pos::PlateCoordinates plate = pointing.cirsToXy(cirs);
-    return {pointing.hourAngle(),
+    return {pointing.azimuth(),
+            pointing.hourAngle(),
             pointing.tangentDec(),
             pointing.zenithDistance(),
             pointing.parallacticAngle(),
@@ -178,7 +179,8 @@ inline std::vector<double> libraryValues(pos::Astrometric centre, const pos::Con
     eraTpxes(seen.ra, seen.dec, tangent.ra, tangent.dec, &standard.xi, &standard.eta);
     const pos::FocalPlaneCoordinates back = standard;
     const pos::PlateCoordinates plate = back;
-    return {tangent.hourAngle,
+    return {tangent.azimuth,
+            tangent.hourAngle,
             tangent.dec,
             tangent.zenithDistance,
             eraHd2pa(tangent.hourAngle, tangent.dec, telescope.latitude),

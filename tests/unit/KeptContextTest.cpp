@@ -49,7 +49,7 @@ protected:
         Conditions now = pointing.conditions();
         switch (random_() % 7) {
         case 0:
-            return pointing.setDate(date());
+            return random_() % 2 == 0 ? pointing.setDate(date()) : pointing.setDate(DateContext(date()));
         case 1:
             return pointing.setConditions(conditions());
         case 2:
