@@ -91,6 +91,24 @@ TEST(CheckCommand, JsonHoldsEveryProblemAndNothingElse) {
         "fix": null}], "errors": 1, "warnings": 0}]})"));
 }
 
+TEST(CheckCommand, JsonAndSarifNameWhatCouldNotBeChecked) {
+    const TemporaryFolder folder;
+    folder.write("f.xml", kFaultless);
+    const ProgramResult json = check({"--format", "json", "missing.xml", "f.xml"}, {.folder = folder.name()});
+    EXPECT_EQ(json.status, 2);
+    EXPECT_EQ(json.err, "missing.xml could not be opened\n");
+    EXPECT_EQ(nlohmann::json::parse(json.out), nlohmann::json::parse(R"({"version": 1, "documents": [
+        {"file": "missing.xml", "problems": [], "errors": 0, "warnings": 0,
+         "trouble": "missing.xml could not be opened"},
+        {"file": "f.xml", "problems": [], "errors": 0, "warnings": 0}]})"));
+    const ProgramResult sarif = check({"--format", "sarif", "-c", "missing.xml", "f.xml"}, {.folder = folder.name()});
+    EXPECT_EQ(sarif.status, 2);
+    EXPECT_EQ(nlohmann::json::parse(sarif.out).at("runs").at(0).at("invocations"), nlohmann::json::parse(R"([
+        {"executionSuccessful": false, "toolExecutionNotifications": [
+            {"level": "error", "message": {"text": "Unable to open config file: missing.xml"},
+             "locations": [{"physicalLocation": {"artifactLocation": {"uri": "missing.xml"}}}]}]}])"));
+}
+
 TEST(CheckCommand, FixMendsTheFileAndASecondTimeChangesNothing) {
     const TemporaryFolder folder;
     folder.write("f.xml", replaced(kFaultless, "8.00", "8.0"));
@@ -191,6 +209,6 @@ TEST(CheckCommand, AConfigurationThatCannotBeOpenedEndsWithStatusTwo) {
     folder.write("f.xml", kFaultless);
     const ProgramResult result = check({"-c", "missing.xml", "f.xml"}, {.folder = folder.name()});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.out, "0 files: 0 errors, 0 warnings\n");
     EXPECT_EQ(result.err, "Unable to open config file: missing.xml\n");
 }

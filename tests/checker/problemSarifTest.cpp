@@ -13,6 +13,7 @@ TEST(ProblemSarif, AFixReplacesANameInBothTags) {
         document.replace(document.find(tag) + std::string(tag).find('f'), 1, "F");
     }
     const auto log = nlohmann::json::parse(problemSarif({{"my field.xml", checked(document)}}));
+    EXPECT_EQ(log["runs"][0]["invocations"][0]["executionSuccessful"], true);
     const auto& last = log["runs"][0]["results"].back(); // what goes before is that the run finds no field
     EXPECT_EQ(last["fixes"], nlohmann::json::parse(R"([{"artifactChanges": [{
         "artifactLocation": {"uri": "my%20field.xml"},

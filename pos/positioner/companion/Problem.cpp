@@ -18,6 +18,11 @@ const char* severityWord(Severity severity) {
     return "";
 }
 
+std::ptrdiff_t countOf(Severity severity, const std::vector<Problem>& problems) {
+    return std::count_if(problems.begin(), problems.end(),
+                         [severity](const Problem& problem) { return problem.severity == severity; });
+}
+
 namespace {
 
 /** Removes the problems whose message is the beginning of another one's at the same place. */

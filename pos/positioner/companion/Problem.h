@@ -8,6 +8,7 @@
 #include "SourceText.h"
 
 #include <QByteArray>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -50,6 +51,9 @@ struct Problem {
         return endName ? std::vector{place, *endName} : std::vector{place};
     }
 };
+
+/** How many problems of a severity there are. */
+std::ptrdiff_t countOf(Severity severity, const std::vector<Problem>& problems);
 
 /** Gathers the problems of one document. */
 class Problems {

@@ -23,11 +23,6 @@ Json jsonOf(const Problem& problem, const SourceText& text) {
             {"fix", problem.fix ? Json{{"text", problem.fix->toStdString()}} : Json()}};
 }
 
-std::ptrdiff_t count(const std::vector<Problem>& problems, Severity severity) {
-    return std::count_if(problems.begin(), problems.end(),
-                         [severity](const Problem& problem) { return problem.severity == severity; });
-}
-
 } // namespace
 
 std::string problemJson(const std::vector<CheckedFile>& files) {
@@ -37,10 +32,14 @@ std::string problemJson(const std::vector<CheckedFile>& files) {
         for (const Problem& problem : file.result.problems) {
             problems.push_back(jsonOf(problem, file.result.text));
         }
-        documents.push_back({{"file", file.name},
-                             {"problems", problems},
-                             {"errors", count(file.result.problems, Severity::Error)},
-                             {"warnings", count(file.result.problems, Severity::Warning)}});
+        Json document = {{"file", file.name},
+                         {"problems", problems},
+                         {"errors", countOf(Severity::Error, file.result.problems)},
+                         {"warnings", countOf(Severity::Warning, file.result.problems)}};
+        if (!file.trouble.empty()) {
+            document["trouble"] = file.trouble;
+        }
+        documents.push_back(document);
     }
     // Names of files need not be UTF-8.
     return Json{{"version", 1}, {"documents", documents}}.dump(1, ' ', false, Json::error_handler_t::replace) + '\n';

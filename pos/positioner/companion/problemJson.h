@@ -12,16 +12,17 @@
 
 namespace pos {
 
-/** A document that was checked. */
+/** A document that was to be checked. */
 struct CheckedFile {
     std::string name;
-    CheckResult result;
+    CheckResult result;       ///< nothing where the document could not be checked
+    std::string trouble = {}; ///< why it could not; empty where it could
 };
 
 /**
  * Problems as JSON: {"version": 1, "documents": [{"file", "problems": [{"code", "severity", "line", "column",
- * "endLine", "endColumn", "message", "help", "fix"}], "errors", "warnings"}]}; "fix" is null or {"text"}. The end is
- * the last character of the place.
+ * "endLine", "endColumn", "message", "help", "fix"}], "errors", "warnings", "trouble"}]}; "fix" is null or {"text"}.
+ * The end is the last character of the place. "trouble" is there where the document could not be checked.
  */
 std::string problemJson(const std::vector<CheckedFile>& files);
 

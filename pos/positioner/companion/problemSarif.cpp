@@ -56,6 +56,20 @@ Json resultJson(const Problem& problem, std::size_t ruleIndex, const CheckedFile
     return result;
 }
 
+/** What the tool tells of itself: the documents that it could not check. */
+Json invocationJson(const std::vector<CheckedFile>& files) {
+    Json notifications = Json::array();
+    for (const CheckedFile& file : files) {
+        if (!file.trouble.empty()) {
+            notifications.push_back(
+                {{"level", "error"},
+                 {"message", text(file.trouble)},
+                 {"locations", {{{"physicalLocation", {{"artifactLocation", artifactJson(file.name)}}}}}}});
+        }
+    }
+    return {{"executionSuccessful", notifications.empty()}, {"toolExecutionNotifications", notifications}};
+}
+
 } // namespace
 
 std::string problemSarif(const std::vector<CheckedFile>& files) {
@@ -72,10 +86,13 @@ std::string problemSarif(const std::vector<CheckedFile>& files) {
         }
     }
     const Json driver = {{"name", "veko check"}, {"version", configure_version}, {"rules", ruleList}};
-    const Json log = {
-        {"$schema", "https://json.schemastore.org/sarif-2.1.0.json"},
-        {"version", "2.1.0"},
-        {"runs", {{{"tool", {{"driver", driver}}}, {"columnKind", "unicodeCodePoints"}, {"results", results}}}}};
+    const Json log = {{"$schema", "https://json.schemastore.org/sarif-2.1.0.json"},
+                      {"version", "2.1.0"},
+                      {"runs",
+                       {{{"tool", {{"driver", driver}}},
+                         {"invocations", Json::array({invocationJson(files)})},
+                         {"columnKind", "unicodeCodePoints"},
+                         {"results", results}}}}};
     return log.dump(1, ' ', false, Json::error_handler_t::replace) + '\n';
 }
 

@@ -115,10 +115,14 @@ CheckResult checkFile(const std::string& name, const CheckArguments& arguments, 
     return checkDocument(*mended, name, instrument, options);
 }
 
-/** Checks all files, and tells on the error stream which cannot be checked. @return the others */
-std::vector<CheckedFile> checkFiles(const CheckArguments& arguments, Instrument& instrument,
-                                    const CheckOptions& options) {
-    std::vector<CheckedFile> files;
+/** A file that cannot be checked. */
+CheckedFile unchecked(const std::string& name, const std::string& trouble) {
+    return {name, {SourceText({}), {}}, trouble};
+}
+
+/** Checks field definitions, and tells on the error stream which cannot be checked. */
+void checkFiles(const CheckArguments& arguments, Instrument& instrument, const CheckOptions& options,
+                std::vector<CheckedFile>& files) {
     Progress progress(arguments.files.size());
     for (const std::string& name : arguments.files) {
         progress.next();
@@ -126,16 +130,44 @@ std::vector<CheckedFile> checkFiles(const CheckArguments& arguments, Instrument&
             files.push_back({name, checkFile(name, arguments, instrument, options, progress)});
         } catch (const std::runtime_error& error) {
             progress.interrupt([&] { std::cerr << error.what() << std::endl; });
+            files.push_back(unchecked(name, error.what()));
         }
     }
+}
+
+/** Opens the instrument. @param files where its documents are added to; where it cannot be opened, the configuration */
+std::optional<CheckedInstrument> openInstrument(const CheckArguments& arguments, std::vector<CheckedFile>& files) {
+    try {
+        CheckedInstrument instrument =
+            checkInstrument(arguments.run.configFile, degreesToRadians(arguments.fieldRadius));
+        files = instrument.files;
+        return instrument;
+    } catch (const std::runtime_error& error) {
+        std::cerr << error.what() << std::endl;
+        files.push_back(unchecked(arguments.run.configFile, error.what()));
+        return std::nullopt;
+    }
+}
+
+/** Checks the instrument and all field definitions. */
+std::vector<CheckedFile> checkAll(const CheckArguments& arguments) {
+    std::vector<CheckedFile> files;
+    if (const std::optional<CheckedInstrument> instrument = openInstrument(arguments, files)) {
+        const CheckOptions options{arguments.run.estimates(), degreesToRadians(arguments.fieldRadius),
+                                   instrument->isSound};
+        checkFiles(arguments, *instrument->instrument, options, files);
+    }
     return files;
+}
+
+bool isChecked(const CheckedFile& file) {
+    return file.trouble.empty();
 }
 
 std::ptrdiff_t count(const std::vector<CheckedFile>& files, Severity severity) {
     std::ptrdiff_t number = 0;
     for (const CheckedFile& file : files) {
-        number += std::count_if(file.result.problems.begin(), file.result.problems.end(),
-                                [severity](const Problem& problem) { return problem.severity == severity; });
+        number += countOf(severity, file.result.problems);
     }
     return number;
 }
@@ -150,7 +182,7 @@ void printText(const std::vector<CheckedFile>& files, const TextStyle& style) {
             std::cout << problemText(problem, file.result.text, file.name, style) << '\n';
         }
     }
-    std::cout << plural(static_cast<std::ptrdiff_t>(files.size()), "file") << ": "
+    std::cout << plural(std::count_if(files.begin(), files.end(), isChecked), "file") << ": "
               << plural(count(files, Severity::Error), "error") << ", "
               << plural(count(files, Severity::Warning), "warning") << '\n';
 }
@@ -162,12 +194,8 @@ int check(const CheckArguments& arguments) {
     if (!arguments.explain.empty()) {
         return explain(arguments.explain, arguments.format);
     }
-    const double fieldRadius = degreesToRadians(arguments.fieldRadius);
-    const CheckedInstrument instrument = checkInstrument(arguments.run.configFile, fieldRadius);
-    const CheckOptions options{arguments.run.estimates(), fieldRadius, instrument.isSound};
-    std::vector<CheckedFile> files = checkFiles(arguments, *instrument.instrument, options);
-    const bool isTrouble = files.size() < arguments.files.size();
-    files.insert(files.begin(), instrument.files.begin(), instrument.files.end());
+    const std::vector<CheckedFile> files = checkAll(arguments);
+    const bool isTrouble = !std::all_of(files.begin(), files.end(), isChecked);
     if (arguments.diff) {
         return isTrouble ? kTrouble : kClean;
     }
