@@ -113,7 +113,7 @@ TEST(RulesOfValues, NumbersThatLookLikeOtherUnitsHaveNoFix) {
         return documentWithConditions(attributes.find("epoch") == 0 ? attributes : "epoch='2024.5' " + attributes);
     };
     // 2 July 2024 is MJD 60493, 8948.5 days behind J2000.0; a Julian year has 365.25.
-    expectTold({{"epoch='60493'", {"VK308 warning 2024.4997"}},
+    expectTold({{"epoch='60493'", {"VK308 error 2024.4997"}},
                 {"epoch='2015.5'", {"VK309 warning"}},
                 {"epoch='1899'", {"VK318 warning"}},
                 {"temperature='8.5'", {"VK311 warning"}},
@@ -126,9 +126,9 @@ TEST(RulesOfValues, NumbersThatLookLikeOtherUnitsHaveNoFix) {
                 {"relative_humidity='25'", {"VK313 warning"}},
                 {"relative_humidity='101'", {"VK318 warning"}},
                 {"relative_humidity='nan'", {"VK320 warning"}},
-                {"ha='-30'", {"VK314 warning"}},
-                {"ha='345'", {"VK314 warning"}},
-                {"ha='13'", {"VK318 warning"}}},
+                {"ha='-30'", {"VK314 error"}},
+                {"ha='345'", {"VK314 error"}},
+                {"ha='13'", {"VK318 error"}}},
                documentWith);
 }
 
@@ -156,8 +156,8 @@ TEST(RulesOfValues, PositionsThatTheRunTakesAreJudged) {
                 {"targra='1.501e2' targdec='20.050000'", {"VK306 error"}},
                 {"targra='150.100000' targdec='91.000000'", {"VK318 warning"}},
                 {"targra='-170.000000' targdec='20.050000'", {"VK318 warning"}},
-                {"targra='400.000000' targdec='20.050000'", {"VK318 warning"}},
-                {"targra='10.006667' targdec='20.050000'", {"VK315 warning 150.100005"}}},
+                {"targra='400.000000' targdec='20.050000'", {"VK318 error"}},
+                {"targra='10.006667' targdec='20.050000'", {"VK315 error 150.100005"}}},
                documentWithGuideStar);
     EXPECT_EQ(valuesTold(replaced(FieldDefinition().text(), "RA_d=\"150.000000\"", "RA_d=\"10.000000\"")),
               Told{"VK315 warning 150.000000"});

@@ -69,13 +69,9 @@ public:
         problems_.push_back({&rule, severity, place, message, help, fix, endName});
     }
 
-    const std::vector<Problem>& all() const {
+    /** All problems, in the order in which they were added. */
+    std::vector<Problem>& all() {
         return problems_;
-    }
-
-    /** Removes the problems for which a function says so. */
-    template <typename IsUnwanted> void removeIf(const IsUnwanted& isUnwanted) {
-        std::erase_if(problems_, isUnwanted);
     }
 
     /**

@@ -1,11 +1,13 @@
 #include "checkDocument.h"
 
+#include "AppliedFixes.h"
 #include "Field.h"
 #include "Instrument.h"
 #include "LimitsCalc.h"
 #include "MalformedXml.h"
 #include "RunMessages.h"
 #include "configureDocument.h"
+#include "consequences.h"
 #include "pointDocument.h"
 #include "rules.h"
 #include "xmlEncoding.h"
@@ -94,9 +96,12 @@ void readInstrument(Instrument& instrument) {
 
 /**
  * Whether a problem may be none for what stands behind the place where reading stopped: where an open element lacks
- * something, or where its name may be meant for another.
+ * something, or where its name may be meant for another. Nor is a value one in which it stopped.
  */
-bool mayBeNone(const Problem& problem, const SourceElement& root) {
+bool mayBeNone(const Problem& problem, const SourceElement& root, int end) {
+    if (problem.rule != &kUnreadable && problem.place.begin <= end && end < problem.place.end) {
+        return true;
+    }
     for (const SourceElement* open = &root; open != nullptr && !open->isWhole;
          open = open->children.empty() ? nullptr : open->children.back().get()) {
         const bool isAtName = open->tag.begin <= problem.place.begin && problem.place.begin < open->namePlace.end;
@@ -121,34 +126,54 @@ void checkTree(const SourceText& text, const ParsedXml& parsed, bool isReadable,
     }
     pointDocument(document);
     applyRules(document, problems);
-    problems.removeIf([&](const Problem& problem) { return mayBeNone(problem, *root); });
+    if (!isReadable) {
+        const int end = problems.all().front().place.begin;
+        std::erase_if(problems.all(), [&](const Problem& problem) { return mayBeNone(problem, *root, end); });
+    }
+    removeConsequences(problems.all(), document);
+}
+
+/** Finds every problem of a text, those that follow from others too. @param undecodable why it is not all decoded */
+std::vector<Problem> problemsOf(const SourceText& text, const std::optional<UnreadableXml>& undecodable,
+                                const std::string& name, Instrument& instrument, const CheckOptions& options) {
+    Problems problems;
+    ParsedXml parsed;
+    try {
+        if (undecodable) {
+            throw UnreadableXml(*undecodable);
+        }
+        parsed = parseXml(text.utf8(), name);
+    } catch (const UnreadableXml& error) {
+        addUnreadable(problems, text.utf8(), error);
+        parsed = parseXmlBeginning(text.utf8());
+    }
+    const bool isReadable = problems.all().empty();
+    if (!parsed.document.documentElement().isNull()) {
+        checkTree(text, parsed, isReadable, instrument, options, problems);
+    }
+    return std::move(problems).sorted();
 }
 
 } // namespace
 
 CheckResult checkDocument(const QByteArray& bytes, const std::string& name, Instrument& instrument,
                           const CheckOptions& options) {
-    Problems problems;
     QByteArray utf8;
-    ParsedXml parsed;
+    std::optional<UnreadableXml> undecodable;
     try {
         utf8 = decodeXml(bytes, name);
-        parsed = parseXml(utf8, name);
     } catch (const UnreadableXml& error) {
-        if (utf8.isNull()) {
-            utf8 = decodedForPeople(bytes);
-        }
-        addUnreadable(problems, utf8, error);
-    }
-    const bool isReadable = problems.all().empty();
-    if (!isReadable) {
-        parsed = parseXmlBeginning(utf8);
+        undecodable = error;
+        utf8 = decodedForPeople(bytes);
     }
     SourceText text(utf8);
-    if (!parsed.document.documentElement().isNull()) {
-        checkTree(text, parsed, isReadable, instrument, options, problems);
+    std::vector<Problem> problems = problemsOf(text, undecodable, name, instrument, options);
+    const AppliedFixes fixes(utf8, problems);
+    if (fixes.changeText() && !undecodable) {
+        removeWhatFixesMend(problems, fixes,
+                            problemsOf(SourceText(fixes.text()), std::nullopt, name, instrument, options));
     }
-    return {std::move(text), std::move(problems).sorted()};
+    return {std::move(text), std::move(problems)};
 }
 
 } // namespace pos

@@ -1,10 +1,10 @@
 #include "fixes.h"
 
+#include "AppliedFixes.h"
 #include "xmlEncoding.h"
 
 #include <QList>
 #include <algorithm>
-#include <map>
 #include <stdexcept>
 
 namespace pos {
@@ -14,30 +14,8 @@ namespace {
 /** A fix brings out another one at the most: a name that was mended is read, and its value then judged. */
 constexpr int kMaxRounds = 8;
 
-/** What is written in the place of what, by where it begins: all fixes but those that overlap one before. */
-std::map<int, std::pair<Span, QByteArray>> replacementsOf(const CheckResult& result) {
-    std::map<int, std::pair<Span, QByteArray>> replacements;
-    int replaced = 0;
-    for (const Problem& problem : result.problems) {
-        if (problem.fix && problem.place.begin >= replaced) {
-            for (const Span place : problem.fixedPlaces()) {
-                replacements.try_emplace(place.begin, place, *problem.fix);
-            }
-            replaced = problem.place.end;
-        }
-    }
-    return replacements;
-}
-
 QByteArray withFixes(const CheckResult& result) {
-    const QByteArray& before = result.text.utf8();
-    QByteArray after;
-    int copied = 0;
-    for (const auto& [begin, replacement] : replacementsOf(result)) {
-        after += before.mid(copied, begin - copied) + replacement.second;
-        copied = replacement.first.end;
-    }
-    return after + before.mid(copied);
+    return AppliedFixes(result.text.utf8(), result.problems).text();
 }
 
 /** A stretch of lines, the last one behind it. */

@@ -238,7 +238,8 @@ const std::vector<RuleEntry>& rulesOfNames() {
           R"(<target targname="second" targuse="R" targra="189.900000" targdec="-11.600000"/></field>)"},
          findSeveralTargets},
         {{"VK207", Severity::Warning, "A science target or guide star is inside a group",
-          "The run looks for both among the field's own targets only.",
+          "The run looks for both among the field's own targets only. If the field lacks the one that is in the group, "
+          "the run fails, and it is an error.",
           R"(<field RA_d="189.997633" Dec_d="-11.623054">)"
           R"(<target targname="science" targuse="T" targra="189.997633" targdec="-11.623054"/>)"
           R"(<target targname="guide" targuse="G" targra="190.120000" targdec="-11.500000"/>)"

@@ -51,11 +51,10 @@ Span coordinateOff(const SourceElement& element, Astrometric place, Astrometric 
 /** The three places of a field, and which of them are known to be apart. */
 class ThreePlaces {
 public:
-    ThreePlaces(const CheckedField& field, bool isFirst, double radius)
+    ThreePlaces(const CheckedField& field, double radius)
         : science(field.sciencePlace), guide(field.guidePlace), radius_(radius) {
         const QDomElement& node = field.element->node;
-        // The run reads the centre of the first field alone.
-        if (isFirst || (node.hasAttribute(attr::raD) && node.hasAttribute(attr::decD))) {
+        if (numberOf(node.attribute(attr::raD)) && numberOf(node.attribute(attr::decD))) {
             centre = field.centre;
         }
     }
@@ -91,7 +90,7 @@ private:
 void findPlacesApart(const Rule& rule, const CheckedDocument& document, Problems& problems) {
     const double radius = document.options.fieldRadius;
     for (const CheckedField& field : document.fields) {
-        const ThreePlaces places(field, &field == &document.fields.front(), radius);
+        const ThreePlaces places(field, radius);
         const auto add = [&](const SourceElement& element, const std::string& who, Astrometric place, Astrometric other,
                              const std::string& otherName, const std::string& help) {
             std::string message = who + " is " + degreesText(separation(place, other)) + " away from the ";
@@ -279,9 +278,8 @@ const std::vector<RuleEntry>& rulesOfPlaces() {
           "A field is a circle on the sky, and its centre, its science target and its guide star lie in it. A distance "
           "beyond `--field_radius` (1 degree if not given, the checker's own choice) mostly means a slip in one of the "
           "three places: hours for degrees, a wrong sign, a place of another field. The run passes over it, and writes "
-          "a guide star metres off the plate. The problem is at the one that is far from the other two. A first field "
-          "without `RA_d` and `Dec_d` has its centre at right ascension 0 and declination 0.",
-          R"(<target targname="star" targuse="G" targra="12.674667" targdec="-11.500000"/>)",
+          "a guide star metres off the plate. The problem is at the one that is far from the other two.",
+          R"(<target targname="star" targuse="G" targra="195.120000" targdec="-11.500000"/>)",
           R"(<target targname="star" targuse="G" targra="190.120000" targdec="-11.500000"/>)"},
          findPlacesApart},
         {{"VK402", Severity::Warning, "The guide star lands off the plate",

@@ -75,9 +75,13 @@ bool isUnknown(const FieldPointing& pointing, double value) {
 }
 
 /** The rotator angle at a parallactic angle, radians. */
+double rotatorAngle(const CheckedDocument& document, double parallacticAngle, double positionAngle) {
+    return wrapAngle(document.pointing->rotatorOffset() - parallacticAngle + positionAngle);
+}
+
+/** The same at the position angle of the document. */
 double rotatorAngle(const CheckedDocument& document, double parallacticAngle) {
-    const FocalPlane& pointing = *document.pointing;
-    return wrapAngle(pointing.rotatorOffset() - parallacticAngle + pointing.positionAngle());
+    return rotatorAngle(document, parallacticAngle, document.pointing->positionAngle());
 }
 
 /**
@@ -171,24 +175,61 @@ void findFieldsThatNeverRise(const Rule& rule, const CheckedDocument& document, 
     }
 }
 
-/** The position angles at which the rotator is between its limits, in words, with the nearest to the present one. */
+/** Whether a field can be followed at a position angle, degrees, with some room at the limits. */
+bool isWithinRotator(const CheckedDocument& document, const Telescope& telescope, const FieldPointing& pointing,
+                     int positionAngle) {
+    const double kMargin = degreesToRadians(0.01);
+    const double angle = rotatorAngle(document, pointing.parallacticAngle, degreesToRadians(positionAngle));
+    return telescope.rotatorLowLimit + kMargin < angle && angle < telescope.rotatorHighLimit - kMargin;
+}
+
+/**
+ * The position angles, whole degrees, at which the rotator can follow both a field and the first one, in words, with
+ * the nearest to the present one; empty if there are none.
+ */
 std::string positionAngles(const CheckedDocument& document, const Telescope& telescope, const FieldPointing& pointing) {
-    constexpr double kMarginDeg = 0.01;
-    const double low = std::max(telescope.rotatorLowLimit, -kPi);
-    const double high = std::min(telescope.rotatorHighLimit, kPi);
-    const double present = radiansToDegrees(document.pointing->positionAngle());
-    const double middle = radiansToDegrees((low + high) / 2 - telescope.rotatorOffset + pointing.parallacticAngle);
-    const double nearestMiddle = middle + 360 * std::round((present - middle) / 360);
-    const double halfWidth = radiansToDegrees((high - low) / 2) - kMarginDeg;
-    const double from = std::ceil(nearestMiddle - halfWidth);
-    const double to = std::floor(nearestMiddle + halfWidth);
-    if (!(from <= to)) {
+    constexpr int kTurn = 360;
+    std::vector<int> does;
+    for (int angle = 0; angle < kTurn; ++angle) {
+        if (isWithinRotator(document, telescope, document.pointings.front(), angle) &&
+            isWithinRotator(document, telescope, pointing, angle)) {
+            does.push_back(angle);
+        }
+    }
+    if (does.empty()) {
         return {};
     }
-    const auto inTurn = [](double degrees) { return degrees - 360 * std::floor(degrees / 360); };
-    const std::string through = inTurn(to) < inTurn(from) ? " through 0 to " : " to ";
-    return "pa=\"" + shortText(present < from ? from : to) + "\", the nearest of the position angles from " +
-           shortText(inTurn(from)) + through + shortText(inTurn(to)) + " degrees, which do at this hour angle";
+    const auto turnsBy = [&](int angle) {
+        return std::fabs(wrapAngle(degreesToRadians(angle) - document.pointing->positionAngle()));
+    };
+    const int nearest =
+        *std::min_element(does.begin(), does.end(), [&](int a, int b) { return turnsBy(a) < turnsBy(b); });
+    // A range may go through 0: begin with one that does not end another.
+    const auto isFirst = [&](int angle) {
+        return !std::binary_search(does.begin(), does.end(), (angle + kTurn - 1) % kTurn);
+    };
+    std::string ranges = does.size() == kTurn ? "from 0 to 359" : "";
+    for (auto first = std::find_if(does.begin(), does.end(), isFirst); first != does.end();
+         first = std::find_if(first + 1, does.end(), isFirst)) {
+        int last = *first;
+        while (std::binary_search(does.begin(), does.end(), (last + 1) % kTurn)) {
+            last = (last + 1) % kTurn;
+        }
+        ranges += (ranges.empty() ? "from " : " or from ") + std::to_string(*first) +
+                  (last < *first ? " through 0 to " : " to ") + std::to_string(last);
+    }
+    return "pa=\"" + std::to_string(nearest) + "\", the nearest of the position angles " + ranges +
+           " degrees, which do at this hour angle" + (pointing.number == 1 ? "" : " for the first field too");
+}
+
+/** What to do about a field that the rotator cannot follow. @param angles, hours that do, in words */
+std::string withinRotator(const FieldPointing& pointing, const std::string& angles, const std::string& hours) {
+    if (pointing.number != 1 && angles.empty() && hours.empty()) {
+        return "Observe the field in a document of its own: no position angle and no hour angle suits both it and the "
+               "first field";
+    }
+    const std::string hoursToo = hours.empty() ? "" : ", or choose an hour angle of the first field " + hours;
+    return (angles.empty() ? "Choose another position angle" : "Write " + angles) + hoursToo;
 }
 
 void findFieldsBeyondRotator(const Rule& rule, const CheckedDocument& document, Problems& problems) {
@@ -215,10 +256,7 @@ void findFieldsBeyondRotator(const Rule& rule, const CheckedDocument& document, 
                 " the rotator would stand at " + degreesText(angle) + " degrees, and it reaches from " +
                 shortText(radiansToDegrees(telescope.rotatorLowLimit)) + " to " +
                 shortText(radiansToDegrees(telescope.rotatorHighLimit)),
-            (angles.empty() ? "Choose another position angle" : "Write " + angles) +
-                (!hours.empty()         ? ", or choose an hour angle of the first field " + hours
-                 : pointing.number == 1 ? ""
-                                        : "; at the present one no hour angle suits both it and the first field"));
+            withinRotator(pointing, angles, hours));
     }
 }
 
@@ -447,8 +485,8 @@ const std::vector<RuleEntry>& rulesOfPointing() {
           "The steps towards the field centre that brings the science target onto its fibre lead nowhere. That happens "
           "low above the horizon, close to the pole, with a proper motion that is not a number, and with absurd "
           "distortion coefficients or fibres in the documents of the instrument.",
-          R"(<target targname="star" targuse="T" targra="189.997633" targdec="-11.623054" targpmra="nan"/>)",
-          R"(<target targname="star" targuse="T" targra="189.997633" targdec="-11.623054" targpmra="12"/>)"},
+          R"(<conditions epoch="2027.25" pressure="9999" ha="-1.0"/>)",
+          R"(<conditions epoch="2027.25" pressure="770" ha="-1.0"/>)"},
          findFieldsWithoutPlace},
         {{"VK506", Severity::Error, "The guide star is not in front of the telescope",
           "It is 90 degrees or more from the science target, or its proper motion is not a number.",

@@ -12,6 +12,7 @@
 #include "Version.h"
 #include "numberText.h"
 #include "readByItself.h"
+#include "targetFinders.h"
 #include "xmlKeywords.h"
 #include "xmlStructure.h"
 
@@ -107,10 +108,12 @@ void findBadHourAngle(const Rule& rule, const CheckedDocument& document, Problem
 
 void findMissingTargets(const Rule& rule, const CheckedDocument& document, Problems& problems) {
     for (const CheckedField& field : document.fields) {
-        if (field.science == nullptr || field.guide == nullptr) {
-            const std::string missing = field.science != nullptr ? "no guide star (targuse=\"G\")"
-                                        : field.guide != nullptr ? "no science target (targuse=\"T\")"
-                                                                 : "neither science target nor guide star";
+        const bool hasScience = field.science != nullptr || isMeantInGroup(field, "T");
+        const bool hasGuide = field.guide != nullptr || isMeantInGroup(field, "G");
+        if (!hasScience || !hasGuide) {
+            const std::string missing = hasScience ? "no guide star (targuse=\"G\")"
+                                        : hasGuide ? "no science target (targuse=\"T\")"
+                                                   : "neither science target nor guide star";
             problems.add(rule, opening(*field.element),
                          "The field has " + missing + "; the run says: No science target in field",
                          "Add the target to the field itself, not to a group");

@@ -114,6 +114,13 @@ std::optional<std::uint32_t> scienceFibreOf(const SourceElement& science) {
 
 } // namespace
 
+bool isMeantInGroup(const CheckedField& field, const QString& use) {
+    const SourceElement* const found = use == QLatin1String("T") ? field.science : field.guide;
+    return found == nullptr &&
+           std::any_of(field.groupedTargets.begin(), field.groupedTargets.end(),
+                       [&](const SourceElement* target) { return isScienceOrGuide(*target) && useOf(*target) == use; });
+}
+
 void findSmallUses(const Rule& rule, const CheckedDocument& document, Problems& problems) {
     for (const CheckedField& field : document.fields) {
         for (const SourceElement* target : writtenTargets(field)) {
@@ -152,9 +159,11 @@ void findGroupedTargets(const Rule& rule, const CheckedDocument& document, Probl
     for (const CheckedField& field : document.fields) {
         for (const SourceElement* target : field.groupedTargets) {
             if (isScienceOrGuide(*target)) {
-                problems.add(rule, valueOrOpening(*target, attr::targuse),
+                const bool isMissed = isMeantInGroup(field, useOf(*target));
+                problems.add(rule, isMissed ? Severity::Error : rule.severity, valueOrOpening(*target, attr::targuse),
                              labelOf(*target) + " has use " + useOf(*target).toStdString() +
-                                 " inside a group, where the run looks for no " + roleOf(*target),
+                                 " inside a group, where the run looks for no " + roleOf(*target) +
+                                 (isMissed ? "; the run says: No science target in field" : ""),
                              "Move it to the field itself, or give it another use");
             }
         }

@@ -10,6 +10,14 @@
 
 namespace pos {
 
+/**
+ * Whether a field lacks the target of a use, and one stands in a group instead. Targets that a run has made are not
+ * meant.
+ *
+ * @param use "T" or "G"
+ */
+bool isMeantInGroup(const CheckedField& field, const QString& use);
+
 /** Finds uses in small letters. */
 void findSmallUses(const Rule& rule, const CheckedDocument& document, Problems& problems);
 
