@@ -1,6 +1,8 @@
+#include "AppliedFixes.h"
 #include "ProcessWideState.h"
 #include "checked.h"
 #include "instrumentOnDisk.h"
+#include "ownConfiguration.h"
 
 #include <gtest/gtest.h>
 
@@ -116,7 +118,9 @@ TEST_F(RulesOfTheInstrument, WhatMakesEachRunFailIsAnErrorWithTheMessageOfTheRun
         {"id=\"603\"", "id=\"-603\"", {"error VK605 606:14-606:17 fibre element has a bad identifier: '-603'"}},
         {">VEKO.xml<", ">bundle.xml<", {"error VK606 42:20-42:29 FOLDER/bundle.xml could not be opened"}},
         {">VEKO.xml<", "><", {"error VK606 42:4-42:18 FOLDER could not be opened"}},
-        {"</plate_definition>", "", {"error VK601 608:1-608:1 FOLDER/VEKO.xml is not valid XML"}},
+        {"</plate_definition>",
+         "",
+         {"error VK601 608:1-608:1 FOLDER/VEKO.xml is not valid XML: </plate_definition> is missing"}},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(toldWith(row.text, row.replacement), row.told) << row.text << " -> " << row.replacement;
@@ -155,10 +159,10 @@ TEST_F(RulesOfTheInstrument, TheNameOfADocumentElementIsNotLookedAt) {
 TEST_F(RulesOfTheInstrument, AConfigurationThatIsNotWellFormedIsAnErrorWhereTheRunCannotReadIt) {
     EXPECT_EQ(
         toldWith("</configure>", ""),
-        Told{"error VK601 104:1-104:1 FOLDER/configure.xml is not valid XML: <unspecified file>(104): unexpected end "
-             "of data"});
+        Told{"error VK601 104:1-104:1 FOLDER/configure.xml is not valid XML: </configure> is missing; the run says: "
+             "<unspecified file>(104): unexpected end of data"});
     EXPECT_EQ(toldWith("</veko_dither>", "</mifu_dither>"),
-              Told{"warning VK601 102:5-102:5 FOLDER/configure.xml is not valid XML"});
+              Told{"warning VK601 102:5-102:5 FOLDER/configure.xml is not valid XML: </veko_dither> is missing"});
 }
 
 TEST_F(RulesOfTheInstrument, WhatCannotBeReadIsToldWhereReadingStopsAndShownDecoded) {
@@ -166,7 +170,7 @@ TEST_F(RulesOfTheInstrument, WhatCannotBeReadIsToldWhereReadingStopsAndShownDeco
     instrument.bundle = replaced(instrument.bundle, "\"UTF-8\"", "\"UTF-88\"");
     instrument.map = "<?xml version='1.0' encoding='EUC-JP'?>\n<!-- \xa4\xa2 \xff -->";
     EXPECT_EQ(problemsIn(instrument),
-              (Told{"error VK601 2:8-2:8 FOLDER/focal_plane_map.xml is not valid XML",
+              (Told{"error VK601 2:8-2:8 FOLDER/focal_plane_map.xml is not valid XML: these bytes are not EUC-JP",
                     "error VK601 1:31-1:31 FOLDER/VEKO.xml declares an encoding that is not known"}));
     const CheckResult map = checkedAnew(instrument, folder_).files.at(1).result;
     EXPECT_TRUE(map.text.utf8().endsWith("<!-- \u3042 \uFFFD -->")) << map.text.utf8().toStdString();
@@ -270,6 +274,47 @@ TEST_F(RulesOfTheInstrument, WhatIsCertainHasAFix) {
     EXPECT_EQ(fixWith(">2332.0<", ">2,332<"), std::nullopt);
 }
 
+TEST_F(RulesOfTheInstrument, TheRightNameOfAnElementBelongsIntoBothTags) {
+    InstrumentOnDisk instrument;
+    instrument.replace("<height>2332.0</height>", "<hieght>2332.0</hieght>");
+    const CheckResult result = checkedAnew(instrument, folder_).files.front().result;
+    const QByteArray mended = AppliedFixes(result.text.utf8(), result.problems).text();
+    EXPECT_EQ(mended.toStdString(), replaced(instrument.configuration, "hieght", "height"));
+}
+
+TEST_F(RulesOfTheInstrument, WhatStandsBeforeTheFaultOfADocumentIsChecked) {
+    InstrumentOnDisk instrument;
+    instrument.replace("28.760583", "north");
+    instrument.replace("</configure>", "");
+    instrument.replace(" pos_y=\"-17.501\"", "");
+    instrument.replace("<fibre id=\"3\"", "<fibre id='3'");
+    instrument.replace("id='3'", "id=3");
+    EXPECT_EQ(problemsIn(instrument),
+              (Told{"error VK605 13:15-13:19 conversion of data to type \"d\" failed (telescope.latitude): 'north' is "
+                    "not a number",
+                    "error VK601 104:1-104:1 FOLDER/configure.xml is not valid XML: </configure> is missing; the run "
+                    "says: <unspecified file>(104): unexpected end of data",
+                    "error VK604 4:3-4:3 fibre has no pos_y attribute",
+                    "error VK601 6:13-6:13 FOLDER/VEKO.xml is not valid XML: not well-formed (invalid token)"}));
+}
+
+TEST_F(RulesOfTheInstrument, NothingIsToldThatMayStandBehindTheFault) {
+    InstrumentOnDisk instrument;
+    instrument.bundle = "<plate_definition datamver='8.00' centre_x='0' centre_y='-20' orientation='0'>\n" +
+                        replaced(tenFibres(), "no such word", "broken") + "</plate_definition>";
+    const InstrumentOnDisk whole = instrument;
+    constexpr std::size_t kStep = 5;
+    for (std::string InstrumentOnDisk::*document : {&InstrumentOnDisk::map, &InstrumentOnDisk::bundle}) {
+        for (std::size_t size = 0; size + 2 < (whole.*document).size(); size += kStep) {
+            instrument = whole;
+            (instrument.*document).resize(size);
+            const Told told = problemsIn(instrument);
+            ASSERT_EQ(told.size(), 1U) << testing::PrintToString(told) << (instrument.*document);
+            EXPECT_EQ(told.front().substr(0, 11), "error VK601");
+        }
+    }
+}
+
 TEST_F(RulesOfTheInstrument, AnUnknownStatusThatIsNearNoneIsHelpedWithAllOfThem) {
     InstrumentOnDisk instrument;
     instrument.replace("status=\"enabled\"", "status=\"dead\"");
@@ -294,7 +339,8 @@ TEST_F(RulesOfTheInstrument, TheDocumentsOfPlatesThatNoRunReadsHaveNoErrors) {
     instrument.plateA = replaced(instrument.builtIn("PLATE_A.xml"), "pos_x=\"205.000\"", "");
     EXPECT_EQ(problemsIn(instrument), Told{"warning VK604 4:3-4:3 fibre has no pos_x attribute"});
     instrument.plateA = "none";
-    EXPECT_EQ(problemsIn(instrument), Told{"warning VK601 1:1-1:1 FOLDER/PLATE_A.xml is not valid XML"});
+    EXPECT_EQ(problemsIn(instrument),
+              Told{"warning VK601 1:1-1:1 FOLDER/PLATE_A.xml is not valid XML: it does not begin with a tag"});
 }
 
 TEST_F(RulesOfTheInstrument, AFileThatSeveralKeysNameIsCheckedOnceForEachKindOfDocument) {

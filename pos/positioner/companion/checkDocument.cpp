@@ -4,14 +4,12 @@
 #include "Field.h"
 #include "Instrument.h"
 #include "LimitsCalc.h"
-#include "MalformedXml.h"
+#include "ReadDocument.h"
 #include "RunMessages.h"
 #include "configureDocument.h"
 #include "consequences.h"
 #include "pointDocument.h"
 #include "rules.h"
-#include "xmlEncoding.h"
-#include "xmlParse.h"
 #include "xmlSerialise.h"
 #include "xmlStructure.h"
 
@@ -31,19 +29,6 @@ bool isPlain(const SourceElement& element, int depth) {
     return element.attributes.size() <= kPlainAttributes && depth <= kPlainDepth &&
            std::all_of(element.children.begin(), element.children.end(),
                        [depth](const auto& child) { return isPlain(*child, depth + 1); });
-}
-
-/** A document that cannot be read, told where reading stopped, at a whole character. */
-void addUnreadable(Problems& problems, const QByteArray& utf8, const UnreadableXml& error) {
-    const auto isInCharacter = [&](int byte) { return byte < utf8.size() && (utf8.at(byte) & 0xC0) == 0x80; };
-    const int begin = std::min(error.offset(), utf8.size());
-    int end = begin + 1;
-    while (isInCharacter(end)) {
-        ++end;
-    }
-    const std::string message = error.what();
-    problems.add(kUnreadable, {begin, end}, message + (error.reason().empty() ? "" : ": " + error.reason()),
-                 whatToDo(message));
 }
 
 /** The message of the run's failure on a document, which it changes; nothing where it succeeds or cannot begin. */
@@ -94,62 +79,30 @@ void readInstrument(Instrument& instrument) {
     }
 }
 
-/**
- * Whether a problem may be none for what stands behind the place where reading stopped: where an open element lacks
- * something, or where its name may be meant for another. Nor is a value one in which it stopped.
- */
-bool mayBeNone(const Problem& problem, const SourceElement& root, int end) {
-    if (problem.rule != &kUnreadable && problem.place.begin <= end && end < problem.place.end) {
-        return true;
-    }
-    for (const SourceElement* open = &root; open != nullptr && !open->isWhole;
-         open = open->children.empty() ? nullptr : open->children.back().get()) {
-        const bool isAtName = open->tag.begin <= problem.place.begin && problem.place.begin < open->namePlace.end;
-        if (isAtName && problem.rule != &kUnreadable) {
-            return true;
-        }
-    }
-    return false;
-}
-
-/** Checks what could be read of a document. @param isReadable whether that is all of it */
-void checkTree(const SourceText& text, const ParsedXml& parsed, bool isReadable, Instrument& instrument,
-               const CheckOptions& options, Problems& problems) {
-    const std::unique_ptr<SourceElement> root = locateElements(text.utf8(), parsed);
-    CheckedDocument document{text, *root, options, instrument};
+/** Checks what could be read of a document. */
+void checkTree(const ReadDocument& read, Instrument& instrument, const CheckOptions& options, Problems& problems) {
+    CheckedDocument document{read.text, *read.root, options, instrument};
     if (options.isInstrumentSound) {
         readInstrument(instrument);
     }
     findParts(document);
-    if (isReadable) {
-        document.failure = failureOf(document, parsed.document.cloneNode().toDocument());
+    if (!read.fault) {
+        document.failure = failureOf(document, read.parsed.document.cloneNode().toDocument());
     }
     pointDocument(document);
     applyRules(document, problems);
-    if (!isReadable) {
-        const int end = problems.all().front().place.begin;
-        std::erase_if(problems.all(), [&](const Problem& problem) { return mayBeNone(problem, *root, end); });
-    }
+    read.removeUncertain(problems.all());
     removeConsequences(problems.all(), document);
 }
 
-/** Finds every problem of a text, those that follow from others too. @param undecodable why it is not all decoded */
-std::vector<Problem> problemsOf(const SourceText& text, const std::optional<UnreadableXml>& undecodable,
-                                const std::string& name, Instrument& instrument, const CheckOptions& options) {
+/** Finds every problem of a document, those too that are gone once others are mended. */
+std::vector<Problem> problemsOf(const ReadDocument& read, Instrument& instrument, const CheckOptions& options) {
     Problems problems;
-    ParsedXml parsed;
-    try {
-        if (undecodable) {
-            throw UnreadableXml(*undecodable);
-        }
-        parsed = parseXml(text.utf8(), name);
-    } catch (const UnreadableXml& error) {
-        addUnreadable(problems, text.utf8(), error);
-        parsed = parseXmlBeginning(text.utf8());
+    if (read.root != nullptr) {
+        checkTree(read, instrument, options, problems);
     }
-    const bool isReadable = problems.all().empty();
-    if (!parsed.document.documentElement().isNull()) {
-        checkTree(text, parsed, isReadable, instrument, options, problems);
+    if (read.fault) {
+        problems.add(kUnreadable, read.faultPlace(), read.faultMessage(), whatToDo(read.fault->what()));
     }
     return std::move(problems).sorted();
 }
@@ -158,22 +111,13 @@ std::vector<Problem> problemsOf(const SourceText& text, const std::optional<Unre
 
 CheckResult checkDocument(const QByteArray& bytes, const std::string& name, Instrument& instrument,
                           const CheckOptions& options) {
-    QByteArray utf8;
-    std::optional<UnreadableXml> undecodable;
-    try {
-        utf8 = decodeXml(bytes, name);
-    } catch (const UnreadableXml& error) {
-        undecodable = error;
-        utf8 = decodedForPeople(bytes);
+    const ReadDocument read = readDocument(bytes, name);
+    std::vector<Problem> problems = problemsOf(read, instrument, options);
+    const AppliedFixes fixes(read.text.utf8(), problems);
+    if (fixes.changeText() && read.isDecoded) {
+        removeWhatFixesMend(problems, fixes, problemsOf(readText(fixes.text(), name), instrument, options));
     }
-    SourceText text(utf8);
-    std::vector<Problem> problems = problemsOf(text, undecodable, name, instrument, options);
-    const AppliedFixes fixes(utf8, problems);
-    if (fixes.changeText() && !undecodable) {
-        removeWhatFixesMend(problems, fixes,
-                            problemsOf(SourceText(fixes.text()), std::nullopt, name, instrument, options));
-    }
-    return {std::move(text), std::move(problems)};
+    return {read.text, std::move(problems)};
 }
 
 } // namespace pos

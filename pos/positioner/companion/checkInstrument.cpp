@@ -3,7 +3,7 @@
 #include "Field.h"
 #include "FocalPlaneMapXML.h"
 #include "LimitsCalc.h"
-#include "MalformedXml.h"
+#include "ReadDocument.h"
 #include "RunMessages.h"
 #include "Version.h"
 #include "angles.h"
@@ -11,9 +11,7 @@
 #include "instrumentFiles.h"
 #include "readByItself.h"
 #include "rules.h"
-#include "xmlEncoding.h"
 #include "xmlKeywords.h"
-#include "xmlParse.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -74,19 +72,12 @@ public:
 private:
     CheckResult checkPart(InstrumentPart part, const std::string& file) {
         Problems problems;
-        QByteArray bytes;
-        QByteArray utf8;
-        try {
-            bytes = readFile(file).value_or(QByteArray());
-            utf8 = decodeXml(bytes, file);
-            checkTree(part, SourceText(utf8), parseXml(utf8, file), problems);
-        } catch (const UnreadableXml& error) {
-            if (utf8.isNull()) {
-                utf8 = decodedForPeople(bytes);
-            }
-            addUnreadable(part, std::min(error.offset(), utf8.size()), error.what(), problems);
-        } catch (const std::runtime_error& error) {
-            addUnreadable(part, 0, error.what(), problems);
+        const ReadDocument read = readPart(file);
+        if (read.root != nullptr) {
+            checkTree(part, read, problems);
+        }
+        if (read.fault) {
+            addUnreadable(part, read, problems);
         }
         std::vector<Problem> sorted = std::move(problems).sorted();
         for (Problem& problem : sorted) {
@@ -94,26 +85,37 @@ private:
                 problem.severity = Severity::Warning;
             }
         }
-        return {SourceText(utf8), std::move(sorted)};
+        return {read.text, std::move(sorted)};
     }
 
-    void addUnreadable(InstrumentPart part, int offset, const std::string& message, Problems& problems) {
+    /** Reads a document; one that is too large has nothing but a fault. */
+    static ReadDocument readPart(const std::string& file) {
+        try {
+            return readDocument(readFile(file).value_or(QByteArray()), file);
+        } catch (const std::runtime_error& error) {
+            return {SourceText({}), {}, UnreadableXml(error.what(), 0), false, nullptr};
+        }
+    }
+
+    void addUnreadable(InstrumentPart part, const ReadDocument& read, Problems& problems) {
         const bool isConfig = part == InstrumentPart::Configuration;
-        const bool isOwnMessage = !isConfig || !unreadableConfig_ || *unreadableConfig_ == message;
+        // The configuration store has a reader of its own.
+        const bool isOwnMessage = !isConfig || !unreadableConfig_ || *unreadableConfig_ == read.fault->what();
         problems.add(kInstrumentUnreadable, isConfig && !unreadableConfig_ ? Severity::Warning : Severity::Error,
-                     {offset, offset + 1}, isOwnMessage ? message : message + ": " + *unreadableConfig_,
-                     whatToDo(message));
+                     read.faultPlace(),
+                     read.faultMessage() + (isOwnMessage ? "" : "; the run says: " + *unreadableConfig_),
+                     whatToDo(read.fault->what()));
     }
 
-    void checkTree(InstrumentPart part, const SourceText& text, const ParsedXml& parsed, Problems& problems) {
-        const std::unique_ptr<SourceElement> root = locateElements(text.utf8(), parsed);
-        InstrumentDocument document{part,  text, *root, vocabularyOf(factsOf(part).schema), factsOf(part).rootName,
-                                    facts_};
+    void checkTree(InstrumentPart part, const ReadDocument& read, Problems& problems) {
+        InstrumentDocument document{
+            part, read.text, *read.root, vocabularyOf(factsOf(part).schema), factsOf(part).rootName, facts_};
         findParts(document);
-        takeFacts(document, parsed.document);
+        takeFacts(document, read.parsed.document);
         for (const InstrumentRuleEntry& entry : rulesOfTheInstrument()) {
             entry.find(entry.rule, document, problems);
         }
+        read.removeUncertain(problems.all());
     }
 
     void takeFacts(const InstrumentDocument& document, const QDomDocument& tree) {

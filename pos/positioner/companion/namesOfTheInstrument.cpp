@@ -18,8 +18,9 @@ struct StrayName {
     std::string name;
     std::string where; ///< the element that has the attribute, or holds the element
     std::string meant; ///< Near: the name that is meant; Misplaced: the element it belongs to; Unknown: the right root
-    bool isThere = false;   ///< whether the name that is meant is there too
-    bool isCertain = false; ///< whether to write the name that is meant is surely all that is to do
+    bool isThere = false;                       ///< whether the name that is meant is there too
+    bool isCertain = false;                     ///< whether to write the name that is meant is surely all that is to do
+    std::optional<Span> endName = std::nullopt; ///< in the end tag
 };
 
 /** Walks over a document of the instrument with its vocabulary. */
@@ -55,9 +56,7 @@ private:
                 addUnknown(element, attribute.namePlace, attribute.name, known.attributes,
                            [&](const QString& name) { return element.attribute(name) != nullptr; });
                 StrayName& name = found_.back();
-                // An element that an entity brings stands elsewhere.
-                name.isCertain = isSameWord(attribute.name, QString::fromStdString(name.meant)) && !name.isThere &&
-                                 !(attribute.namePlace == element.tag) && certain.insert(name.meant).second;
+                name.isCertain = name.isCertain && isWritten(element) && certain.insert(name.meant).second;
             }
         }
         std::set<QString> siblings;
@@ -72,6 +71,8 @@ private:
                     addUnknown(element, child->namePlace, child->name(), known.children, [&](const QString& name) {
                         return siblings.contains(name) && !known.children.at(name);
                     });
+                    found_.back().isCertain = found_.back().isCertain && isWritten(*child);
+                    found_.back().endName = child->endNamePlace;
                 }
                 continue;
             }
@@ -82,18 +83,27 @@ private:
         }
     }
 
+    /** Whether an element is written where it stands; one that an entity brings is not. */
+    static bool isWritten(const SourceElement& element) {
+        return !(element.namePlace == element.tag);
+    }
+
     /** Adds a name that an element does not know. @param known names; those that are there mean themselves */
     template <typename Known> void addUnknown(const SourceElement& element, Span place, const QString& name,
                                               const std::map<QString, Known>& known,
                                               const std::function<bool(const QString&)>& isThere) {
         for (const auto& isNear : {isSameWord, isSimilar}) {
-            const auto near = std::find_if(known.begin(), known.end(), [&](const auto& candidate) {
-                const bool isCaseOnly = foldedName(name) == foldedName(candidate.first);
-                return isNear(name, candidate.first) && (isCaseOnly || !isThere(candidate.first));
-            });
-            if (near != known.end()) {
-                add(StrayName::Kind::Near, place, name, element.name(), near->first);
-                found_.back().isThere = isThere(near->first);
+            std::vector<QString> near;
+            for (const auto& [candidate, facts] : known) {
+                const bool isCaseOnly = foldedName(name) == foldedName(candidate);
+                if (isNear(name, candidate) && (isCaseOnly || !isThere(candidate))) {
+                    near.push_back(candidate);
+                }
+            }
+            if (!near.empty()) {
+                add(StrayName::Kind::Near, place, name, element.name(), near.front());
+                found_.back().isThere = isThere(near.front());
+                found_.back().isCertain = near.size() == 1 && !found_.back().isThere;
                 return;
             }
         }
@@ -140,9 +150,11 @@ template <typename Add> void visitStray(const InstrumentDocument& document, Stra
 void findNearInstrumentNames(const Rule& rule, const InstrumentDocument& document, Problems& problems) {
     visitStray(document, StrayName::Kind::Near, [&](const StrayName& name) {
         problems.add(rule, name.place, notKnown(document, name),
-                     name.isThere ? "Remove it, or correct it: " + name.meant + " stands there too"
-                                  : "Write " + name.meant,
-                     name.isCertain ? std::optional(QByteArray::fromStdString(name.meant)) : std::nullopt);
+                     name.isThere   ? "Remove it, or correct it: " + name.meant + " stands there too"
+                     : name.endName ? "Write " + name.meant + ", in the end tag too"
+                                    : "Write " + name.meant,
+                     name.isCertain ? std::optional(QByteArray::fromStdString(name.meant)) : std::nullopt,
+                     name.endName);
     });
 }
 

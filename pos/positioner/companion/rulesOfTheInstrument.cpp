@@ -3,15 +3,17 @@
 
 namespace pos {
 
-const Rule kInstrumentUnreadable = {"VK601",
-                                    Severity::Error,
-                                    "A document of the instrument cannot be read",
-                                    "The document is not well-formed XML 1.0, its bytes are not those of its encoding, "
-                                    "or it exceeds a limit. The place is where the reader stopped. Of a configuration "
-                                    "that is not well-formed the run may read something all the same; "
-                                    "then it is a warning.",
-                                    R"(<telescope)",
-                                    R"(<telescope>)"};
+const Rule kInstrumentUnreadable = {
+    "VK601",
+    Severity::Error,
+    "A document of the instrument cannot be read",
+    "The document is not well-formed XML 1.0, its bytes are not those of its encoding, "
+    "or it exceeds a limit. The place is where the reader stopped. What stands before it is well-formed, and is "
+    "checked; what stands behind it is not. Of a configuration "
+    "that is not well-formed the run may read something all the same; "
+    "then it is a warning.",
+    R"(<telescope)",
+    R"(<telescope>)"};
 
 const Rule kInstrumentFails = {
     "VK699",
