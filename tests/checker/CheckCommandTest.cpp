@@ -118,10 +118,32 @@ TEST(CheckCommand, FixMendsTheFileAndASecondTimeChangesNothing) {
                         "-<field_definition datamver=\"8.0\">\n+<field_definition datamver=\"8.00\">\n"
                         " <observation pa=\"0\">\n <configure>\n <conditions epoch=\"2027.25\" temperature=\"281.5\" "
                         "pressure=\"770\" relative_humidity=\"0.25\" ha=\"-1.0\"/>\n");
-    for (int time = 0; time < 2; ++time) {
-        EXPECT_EQ(check({"--fix", "f.xml"}, {.folder = folder.name()}).status, 0);
+    for (const std::string told : {"f.xml:2:29: mended: 8.0 -> 8.00 [VK102]\n", ""}) {
+        const ProgramResult fixed = check({"--fix", "f.xml"}, {.folder = folder.name()});
+        EXPECT_EQ(fixed.status, 0);
+        EXPECT_EQ(fixed.out, "1 file: 0 errors, 0 warnings\n");
+        EXPECT_EQ(fixed.err, told);
         EXPECT_EQ(folder.read("f.xml"), kFaultless);
     }
+}
+
+TEST(CheckCommand, AValueIsMendedOnceItsNameIs) {
+    const TemporaryFolder folder;
+    folder.write("f.xml", replaced(kFaultless, "targra=\"190.120000\"", "RA=\"190,120000\""));
+    const ProgramResult fixed = check({"--fix", "f.xml"}, {.folder = folder.name()});
+    EXPECT_EQ(fixed.err, "f.xml:10:37: mended: RA -> targra [VK201]\n"
+                         "f.xml:10:45: mended: 190,120000 -> 190.120000 [VK302]\n");
+    EXPECT_EQ(folder.read("f.xml"), kFaultless);
+}
+
+TEST(CheckCommand, ADiffTellsThatNothingCanBeMended) {
+    const TemporaryFolder folder;
+    folder.write("right.xml", kFaultless);
+    folder.write("wrong.xml", kWrong);
+    const ProgramResult diff = check({"--diff", "right.xml", "wrong.xml"}, {.folder = folder.name()});
+    EXPECT_EQ(diff.status, 0);
+    EXPECT_EQ(diff.out, "");
+    EXPECT_EQ(diff.err, "wrong.xml has problems, and none can be mended for certain\n");
 }
 
 TEST(CheckCommand, TheStandardInputCannotBeMendedInPlace) {

@@ -21,7 +21,8 @@ QString documentWith(const QString& version) {
 
 std::optional<QByteArray> mended(const QByteArray& bytes) {
     const CheckResult result = checkDocument(bytes, "field.xml", builtInInstrument(), noOptions());
-    return mendedDocument(bytes, result, "field.xml", builtInInstrument(), noOptions());
+    const auto mended = mendedDocument(bytes, result, "field.xml", builtInInstrument(), noOptions());
+    return mended ? std::optional(mended->bytes) : std::nullopt;
 }
 
 /** A text in UTF-32 behind a byte-order mark. */

@@ -46,15 +46,16 @@ void tellEveryProblem(const CheckedFile& file) {
 /** Mends a document that has a fix, and looks whether that leaves nothing to mend. */
 void requireOneMendingIsEnough(const QByteArray& document, const CheckResult& result, Instrument& instrument,
                                const CheckOptions& options) {
-    std::optional<QByteArray> mended;
+    std::optional<MendedDocument> mended;
     const bool isWritable =
         endsOrExplains([&] { mended = mendedDocument(document, result, "field.xml", instrument, options); });
     const bool hasFix = std::any_of(result.problems.begin(), result.problems.end(),
                                     [](const Problem& problem) { return problem.fix.has_value(); });
     require(!isWritable || mended.has_value() == hasFix, "a document with a fix is mended");
     if (mended) {
-        const CheckResult again = checkDocument(*mended, "field.xml", instrument, options);
-        require(!mendedDocument(*mended, again, "field.xml", instrument, options), "a mended document has no fix");
+        const CheckResult again = checkDocument(mended->bytes, "field.xml", instrument, options);
+        require(!mendedDocument(mended->bytes, again, "field.xml", instrument, options),
+                "a mended document has no fix");
     }
 }
 

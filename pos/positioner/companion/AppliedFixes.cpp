@@ -4,28 +4,22 @@
 
 namespace pos {
 
-namespace {
-
-/** What is written in the place of what, by where it begins. */
-std::map<int, std::pair<Span, QByteArray>> replacementsOf(const std::vector<Problem>& problems) {
-    std::map<int, std::pair<Span, QByteArray>> replacements;
+AppliedFixes::AppliedFixes(const QByteArray& before, const std::vector<Problem>& problems) {
+    std::map<int, std::pair<Span, QByteArray>> replacements; // by where they begin
     int replaced = 0;
     for (const Problem& problem : problems) {
-        if (problem.fix && problem.place.begin >= replaced) {
-            for (const Span place : problem.fixedPlaces()) {
-                replacements.try_emplace(place.begin, place, *problem.fix);
-            }
-            replaced = problem.place.end;
+        if (!problem.fix || problem.place.begin < replaced) {
+            continue;
         }
+        for (const Span place : problem.fixedPlaces()) {
+            replacements.try_emplace(place.begin, place, *problem.fix);
+        }
+        replaced = problem.place.end;
+        fixes_.push_back({problem.rule, problem.place,
+                          before.mid(problem.place.begin, problem.place.end - problem.place.begin), *problem.fix});
     }
-    return replacements;
-}
-
-} // namespace
-
-AppliedFixes::AppliedFixes(const QByteArray& before, const std::vector<Problem>& problems) {
     int copied = 0;
-    for (const auto& [begin, replacement] : replacementsOf(problems)) {
+    for (const auto& [begin, replacement] : replacements) {
         const auto& [place, written] = replacement;
         text_ += before.mid(copied, begin - copied);
         replaced_[begin] = {place.end, text_.size(), text_.size() + written.size()};

@@ -13,6 +13,14 @@
 
 namespace pos {
 
+/** A fix that stands in its place. */
+struct AppliedFix {
+    const Rule* rule;
+    Span place; ///< in the text before
+    QByteArray before;
+    QByteArray after;
+};
+
 /** A text in which each fix of its problems stands in its places, but for those that overlap one before. */
 class AppliedFixes {
 public:
@@ -32,6 +40,11 @@ public:
         return isChanged_;
     }
 
+    /** The fixes in document order. */
+    const std::vector<AppliedFix>& all() const {
+        return fixes_;
+    }
+
     /** Where a byte of the text before stands afterwards; for one that was replaced, where its replacement begins. */
     int placeOf(int offset) const;
 
@@ -45,6 +58,7 @@ private:
 
     QByteArray text_;
     bool isChanged_;
+    std::vector<AppliedFix> fixes_;
     std::map<int, Replaced> replaced_; ///< by their beginnings
 };
 

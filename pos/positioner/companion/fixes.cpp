@@ -1,6 +1,5 @@
 #include "fixes.h"
 
-#include "AppliedFixes.h"
 #include "xmlEncoding.h"
 
 #include <QList>
@@ -13,10 +12,6 @@ namespace {
 
 /** A fix brings out another one at the most: a name that was mended is read, and its value then judged. */
 constexpr int kMaxRounds = 8;
-
-QByteArray withFixes(const CheckResult& result) {
-    return AppliedFixes(result.text.utf8(), result.problems).text();
-}
 
 /** A stretch of lines, the last one behind it. */
 struct Lines {
@@ -60,20 +55,25 @@ QByteArray diffLine(char mark, const QByteArray& line) {
 
 } // namespace
 
-std::optional<QByteArray> mendedDocument(const QByteArray& bytes, const CheckResult& result, const std::string& name,
-                                         Instrument& instrument, const CheckOptions& options) {
-    QByteArray text = withFixes(result);
-    for (int round = 0; round < kMaxRounds && text != result.text.utf8(); ++round) {
-        std::optional<QByteArray> mended = encodeXml(text, bytes);
-        if (!mended) {
+std::optional<MendedDocument> mendedDocument(const QByteArray& bytes, const CheckResult& result,
+                                             const std::string& name, Instrument& instrument,
+                                             const CheckOptions& options) {
+    MendedDocument mended;
+    CheckResult present = result;
+    for (int round = 0; round < kMaxRounds; ++round) {
+        const AppliedFixes fixes(present.text.utf8(), present.problems);
+        if (!fixes.changeText()) {
+            return mended.mendings.empty() ? std::nullopt : std::optional(mended);
+        }
+        const std::optional<QByteArray> encoded = encodeXml(fixes.text(), bytes);
+        if (!encoded) {
             throw std::runtime_error(name + " cannot be mended in its encoding");
         }
-        const CheckResult again = checkDocument(*mended, name, instrument, options);
-        const QByteArray next = withFixes(again);
-        if (next == text) {
-            return mended;
+        mended.bytes = *encoded;
+        for (const AppliedFix& fix : fixes.all()) {
+            mended.mendings.push_back({present.text.at(fix.place.begin), fix});
         }
-        text = next;
+        present = checkDocument(mended.bytes, name, instrument, options);
     }
     return std::nullopt;
 }

@@ -94,6 +94,26 @@ QByteArray bytesOf(const std::string& name, Progress& progress) {
     return *content;
 }
 
+/** Tells on the error stream what has been mended, a line a fix. */
+void tellMendings(const std::string& name, const std::vector<Mending>& mendings) {
+    for (const auto& [place, fix] : mendings) {
+        std::cerr << harmless(name) << ':' << place.line << ':' << place.column
+                  << ": mended: " << harmless(fix.before.toStdString()) << " -> " << harmless(fix.after.toStdString())
+                  << " [" << fix.rule->code << "]\n";
+    }
+}
+
+/** Shows what would be mended, and tells on the error stream where problems are and nothing would. */
+void showDiff(const std::string& name, const QByteArray& bytes, const CheckResult& result,
+              const std::optional<MendedDocument>& mended) {
+    if (mended) {
+        const QByteArray shown = unifiedDiff(bytes, mended->bytes, name);
+        std::cout.write(shown.constData(), shown.size());
+    } else if (countOf(Severity::Error, result.problems) + countOf(Severity::Warning, result.problems) > 0) {
+        std::cerr << harmless(name) << " has problems, and none can be mended for certain" << std::endl;
+    }
+}
+
 /** Checks a file. With --fix it is mended, and what is left is told; with --diff its mended form is shown. */
 CheckResult checkFile(const std::string& name, const CheckArguments& arguments, Instrument& instrument,
                       const CheckOptions& options, Progress& progress) {
@@ -102,17 +122,16 @@ CheckResult checkFile(const std::string& name, const CheckArguments& arguments, 
     if (!arguments.fix && !arguments.diff) {
         return result;
     }
-    const std::optional<QByteArray> mended = mendedDocument(bytes, result, name, instrument, options);
-    if (!mended) {
-        return result;
-    }
+    const std::optional<MendedDocument> mended = mendedDocument(bytes, result, name, instrument, options);
     if (arguments.diff) {
-        const QByteArray shown = unifiedDiff(bytes, *mended, name);
-        progress.interrupt([&] { std::cout.write(shown.constData(), shown.size()); });
+        progress.interrupt([&] { showDiff(name, bytes, result, mended); });
+    }
+    if (arguments.diff || !mended) {
         return result;
     }
-    writeFile(name, *mended);
-    return checkDocument(*mended, name, instrument, options);
+    writeFile(name, mended->bytes);
+    progress.interrupt([&] { tellMendings(name, mended->mendings); });
+    return checkDocument(mended->bytes, name, instrument, options);
 }
 
 /** A file that cannot be checked. */
