@@ -182,6 +182,43 @@ TEST(CheckCommand, ListsAndExplainsItsRules) {
         << explained.out;
 }
 
+TEST(CheckCommand, RulesAreListedAndExplainedWithoutFiles) {
+    const TemporaryFolder folder;
+    folder.write("f.xml", kWrong);
+    for (const auto& [arguments, told] : std::vector<std::pair<std::vector<std::string>, std::string>>{
+             {{"--list", "f.xml"}, "FILE excludes --list"},
+             {{"--explain", "VK105", "f.xml"}, "FILE excludes --explain"},
+             {{"--explain", "VK105", "--list"}, "--list excludes --explain"}}) {
+        const ProgramResult result = check(arguments, {.folder = folder.name()});
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.err, told + "\nRun with --help for more information.\n");
+    }
+}
+
+TEST(CheckCommand, NumbersOfOptionsAreJudgedAsThoseOfTheDocument) {
+    const TemporaryFolder folder;
+    folder.write("f.xml", kFaultless);
+    const ProgramResult pressure = check({"--pressure", "0.77", "f.xml"}, {.folder = folder.name()});
+    EXPECT_EQ(pressure.status, 0);
+    EXPECT_EQ(pressure.out, "1 file: 0 errors, 0 warnings\n");
+    EXPECT_EQ(pressure.err, "--pressure: warning: pressure is 0.77, which looks like bar [VK312]\n"
+                            "help: Write a plain number of millibar, perhaps 770\n");
+    // JD 2461497.75 is 9952.75 days behind J2000.0; a Julian year has 365.25.
+    for (const auto& [arguments, told] : std::vector<std::pair<std::vector<std::string>, std::string>>{
+             {{"--epoch", "2461497.75"},
+              "--epoch: warning: epoch is 2461497.75, a count of days or a date and not a Julian epoch [VK308]\n"
+              "help: Write a Julian epoch as a plain number of years: 2027.2491\n"},
+             {{"--ha", "200"},
+              "--ha: warning: ha is 200, which looks like degrees [VK314]\n"
+              "help: Write a plain number of hours\n"},
+             {{"--epoch", "2027.25", "--ha", "-1.0", "--pressure", "770"}, ""}}) {
+        std::vector<std::string> all = arguments;
+        all.push_back("f.xml");
+        EXPECT_EQ(check(all, {.folder = folder.name()}).err, told);
+    }
+}
+
 TEST(CheckCommand, TheDocumentsOfAnInstrumentAreCheckedOnceAndToldFirst) {
     const TemporaryFolder folder;
     InstrumentOnDisk instrument;

@@ -4,6 +4,7 @@
 #include "Progress.h"
 #include "angles.h"
 #include "catalogueJson.h"
+#include "checkEstimates.h"
 #include "checkInstrument.h"
 #include "fileAccess.h"
 #include "fixes.h"
@@ -168,12 +169,21 @@ std::optional<CheckedInstrument> openInstrument(const CheckArguments& arguments,
     }
 }
 
+/** Tells on the error stream what is wrong with the numbers that options give. */
+void tellOptions(const Estimates& estimates, Instrument& instrument) {
+    for (const auto& [name, problem] : checkEstimates(estimates, instrument)) {
+        std::cerr << "--" << name << ": " << severityWord(problem.severity) << ": " << problem.message << " ["
+                  << problem.rule->code << "]\nhelp: " << problem.help << '\n';
+    }
+}
+
 /** Checks the instrument and all field definitions. */
 std::vector<CheckedFile> checkAll(const CheckArguments& arguments) {
     std::vector<CheckedFile> files;
     if (const std::optional<CheckedInstrument> instrument = openInstrument(arguments, files)) {
         const CheckOptions options{arguments.run.estimates(), degreesToRadians(arguments.fieldRadius),
                                    instrument->isSound};
+        tellOptions(options.estimates, *instrument->instrument);
         checkFiles(arguments, *instrument->instrument, options, files);
     }
     return files;
@@ -234,7 +244,8 @@ int check(const CheckArguments& arguments) {
 Command addCheckCommand(CLI::App& program) {
     const auto arguments = std::make_shared<CheckArguments>();
     CLI::App* const command = program.add_subcommand("check", "find every problem of field definitions");
-    command->add_option("FILE", arguments->files, "field definitions; - is the standard input")->type_name("");
+    CLI::Option* const file =
+        command->add_option("FILE", arguments->files, "field definitions; - is the standard input")->type_name("");
     addRunOptions(*command, arguments->run);
     command->add_option("--field_radius", arguments->fieldRadius, "how far apart places may be, up to 90")
         ->check(refusalOfRadius, "")
@@ -248,8 +259,11 @@ Command addCheckCommand(CLI::App& program) {
     command->add_flag("--strict", arguments->strict, "count warnings as errors");
     CLI::Option* const fix = command->add_flag("--fix", arguments->fix, "mend in place what can be mended for certain");
     command->add_flag("--diff", arguments->diff, "show what --fix would change")->excludes(fix);
-    command->add_flag("--list", arguments->list, "list every rule");
-    command->add_option("--explain", arguments->explain, "explain a rule")->type_name("CODE");
+    CLI::Option* const listing = command->add_flag("--list", arguments->list, "list every rule")->excludes(file);
+    command->add_option("--explain", arguments->explain, "explain a rule")
+        ->type_name("CODE")
+        ->excludes(file)
+        ->excludes(listing);
     command->callback([arguments] {
         const bool isAboutRules = arguments->list || !arguments->explain.empty();
         if (arguments->files.empty() && !isAboutRules) {
