@@ -3,45 +3,17 @@
 
 #include "Instrument.h"
 #include "PosConfig.h"
-#include "Version.h"
 #include "angles.h"
+#include "checkedProblems.h"
 #include "checkedRun.h"
-#include "configureDocument.h"
 #include "documentFromBytes.h"
 #include "fixes.h"
-#include "problemJson.h"
-#include "problemSarif.h"
-#include "problemText.h"
-#include "xmlEncoding.h"
-#include "xmlKeywords.h"
-#include "xmlParse.h"
-#include "xmlSerialise.h"
-#include "xmlStructure.h"
 
 #include <algorithm>
 
 namespace {
 
 using namespace pos;
-
-/** Whether a run on a document succeeds, up to the bytes of its output. */
-bool isConfigured(const QByteArray& bytes, const PosConfig& config, const Estimates& estimates) {
-    return endsOrExplains([&] {
-        const QDomDocument document = parseXml(decodeXml(bytes, "field.xml"), "field.xml").document;
-        requireDataModelVersion(document);
-        configureDocument(config, document, estimates);
-        serialiseXml(document);
-    });
-}
-
-void tellEveryProblem(const CheckedFile& file) {
-    for (const Problem& problem : file.result.problems) {
-        require(!problem.message.empty(), "a problem has a message");
-        problemText(problem, file.result.text, file.name, {});
-    }
-    problemJson({file});
-    problemSarif({file});
-}
 
 /** Mends a document that has a fix, and looks whether that leaves nothing to mend. */
 void requireOneMendingIsEnough(const QByteArray& document, const CheckResult& result, Instrument& instrument,
@@ -74,10 +46,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         {numbers.epoch, numbers.hourAngle, numbers.pressure, degreesToRadians(90 - numbers.horizonLimit)},
         degreesToRadians(1.0)};
     const CheckedFile file{"field.xml", checkDocument(document, "field.xml", instrument, options)};
-    const bool hasError = std::any_of(file.result.problems.begin(), file.result.problems.end(),
-                                      [](const Problem& problem) { return problem.severity == Severity::Error; });
-    require(hasError != isConfigured(document, config, options.estimates), "an error stands where the run fails");
-    tellEveryProblem(file);
+    require(hasError(file) != isConfigured(document, config, options.estimates), "an error stands where the run fails");
+    tellProblems({file});
     requireOneMendingIsEnough(document, file.result, instrument, options);
     return 0;
 }
