@@ -55,11 +55,14 @@ std::vector<Problem> problemsOfInstrument(const std::string& example) {
     return problems;
 }
 
-bool hasProblem(const std::string& example, const Rule& rule) {
+/** The codes of the problems that a document with an example has. */
+std::set<std::string> codesIn(const std::string& example, const Rule& rule) {
     const bool isOfInstrument = std::string(rule.code).starts_with("VK6");
-    const std::vector<Problem> problems = isOfInstrument ? problemsOfInstrument(example) : problemsOfField(example);
-    return std::any_of(problems.begin(), problems.end(),
-                       [&](const Problem& problem) { return problem.rule->code == std::string(rule.code); });
+    std::set<std::string> codes;
+    for (const Problem& problem : isOfInstrument ? problemsOfInstrument(example) : problemsOfField(example)) {
+        codes.insert(problem.rule->code);
+    }
+    return codes;
 }
 
 class Catalogue : public ProcessWideState {};
@@ -70,13 +73,13 @@ TEST_F(Catalogue, TheFaultlessDocumentHasNoProblem) {
     EXPECT_EQ(problemsOf(checked(kFaultless)), std::vector<std::string>());
 }
 
-TEST_F(Catalogue, EveryWrongExampleHasItsProblemAndTheRightOneHasNot) {
+TEST_F(Catalogue, EveryWrongExampleHasItsProblemAndTheRightOneHasNone) {
     for (const Rule* rule : allRules()) {
         if (rule == &kRunFails || rule == &kInstrumentFails) {
             continue; // they cover what no other rule does
         }
-        EXPECT_TRUE(hasProblem(rule->wrong, *rule)) << rule->code << ' ' << rule->wrong;
-        EXPECT_FALSE(hasProblem(rule->right, *rule)) << rule->code << ' ' << rule->right;
+        EXPECT_TRUE(codesIn(rule->wrong, *rule).contains(rule->code)) << rule->code << ' ' << rule->wrong;
+        EXPECT_EQ(codesIn(rule->right, *rule), std::set<std::string>()) << rule->code << ' ' << rule->right;
     }
 }
 

@@ -485,8 +485,8 @@ const std::vector<RuleEntry>& rulesOfPointing() {
           "The steps towards the field centre that brings the science target onto its fibre lead nowhere. That happens "
           "low above the horizon, close to the pole, with a proper motion that is not a number, and with absurd "
           "distortion coefficients or fibres in the documents of the instrument.",
-          R"(<conditions epoch="2027.25" pressure="9999" ha="-1.0"/>)",
-          R"(<conditions epoch="2027.25" pressure="770" ha="-1.0"/>)"},
+          R"(<conditions epoch="2027.25" temperature="281.5" pressure="9999" relative_humidity="0.25" ha="-1.0"/>)",
+          R"(<conditions epoch="2027.25" temperature="281.5" pressure="770" relative_humidity="0.25" ha="-1.0"/>)"},
          findFieldsWithoutPlace},
         {{"VK506", Severity::Error, "The guide star is not in front of the telescope",
           "It is 90 degrees or more from the science target, or its proper motion is not a number.",
