@@ -91,7 +91,7 @@ TEST(WindowCommand, TheSecondFieldIsThatOfItsScienceTarget) {
     const Json nights =
         found(documentWithFields({ordinaryFieldXml(), secondFieldXml()}), {"--night", "2027-02-10"})["nights"];
     const auto culmination = [&](int field) {
-        return nights[field]["windows"][0]["best"]["mjdTai"].get<double>() * 24 * 60;
+        return nights[static_cast<std::size_t>(field)]["windows"][0]["best"]["mjdTai"].get<double>() * 24 * 60;
     };
     EXPECT_NEAR(culmination(1) - culmination(0), 0.8 / 1.0027379, 0.01);
 }

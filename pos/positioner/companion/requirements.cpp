@@ -172,7 +172,7 @@ public:
         const double highest = instantOfHighest(track_, stretches);
         const FocalPlane& pointing = track_.at(highest);
         const std::string angles =
-            positionAnglesInWords(telescope_, pointing.parallacticAngle(), pointing.positionAngle());
+            positionAnglesInWords(telescope_, {pointing.parallacticAngle()}, pointing.positionAngle());
         return "the rotator cannot follow the field: it would have to turn from " + degreesText(first) + " to " +
                degreesText(last) + " degrees, and it reaches from " +
                shortText(radiansToDegrees(telescope_.rotatorLowLimit)) + " to " +

@@ -1,6 +1,7 @@
 #include "rules.h"
 
 #include "Instrument.h"
+#include "Night.h"
 #include "PosConfig.h"
 #include "RunMessages.h"
 #include "SunAndMoon.h"
@@ -11,6 +12,7 @@
 #include "numberText.h"
 #include "placeVeko.h"
 #include "pointDocument.h"
+#include "positionAngles.h"
 #include "xmlKeywords.h"
 
 #include <algorithm>
@@ -20,15 +22,6 @@
 namespace pos {
 
 namespace {
-
-std::string degreesText(double radians) {
-    return fixedText(radiansToDegrees(radians), 2).toStdString();
-}
-
-/** A number with no more decimals than it needs. */
-std::string shortText(double value) {
-    return QString::number(value, 'g', 6).toStdString();
-}
 
 Telescope telescopeOf(const CheckedDocument& document) {
     return readTelescope(document.instrument.config());
@@ -175,51 +168,14 @@ void findFieldsThatNeverRise(const Rule& rule, const CheckedDocument& document, 
     }
 }
 
-/** Whether a field can be followed at a position angle, degrees, with some room at the limits. */
-bool isWithinRotator(const CheckedDocument& document, const Telescope& telescope, const FieldPointing& pointing,
-                     int positionAngle) {
-    const double kMargin = degreesToRadians(0.01);
-    const double angle = rotatorAngle(document, pointing.parallacticAngle, degreesToRadians(positionAngle));
-    return telescope.rotatorLowLimit + kMargin < angle && angle < telescope.rotatorHighLimit - kMargin;
-}
-
-/**
- * The position angles, whole degrees, at which the rotator can follow both a field and the first one, in words, with
- * the nearest to the present one; empty if there are none.
- */
-std::string positionAngles(const CheckedDocument& document, const Telescope& telescope, const FieldPointing& pointing) {
-    constexpr int kTurn = 360;
-    std::vector<int> does;
-    for (int angle = 0; angle < kTurn; ++angle) {
-        if (isWithinRotator(document, telescope, document.pointings.front(), angle) &&
-            isWithinRotator(document, telescope, pointing, angle)) {
-            does.push_back(angle);
-        }
-    }
-    if (does.empty()) {
-        return {};
-    }
-    const auto turnsBy = [&](int angle) {
-        return std::fabs(wrapAngle(degreesToRadians(angle) - document.pointing->positionAngle()));
-    };
-    const int nearest =
-        *std::min_element(does.begin(), does.end(), [&](int a, int b) { return turnsBy(a) < turnsBy(b); });
-    // A range may go through 0: begin with one that does not end another.
-    const auto isFirst = [&](int angle) {
-        return !std::binary_search(does.begin(), does.end(), (angle + kTurn - 1) % kTurn);
-    };
-    std::string ranges = does.size() == kTurn ? "from 0 to 359" : "";
-    for (auto first = std::find_if(does.begin(), does.end(), isFirst); first != does.end();
-         first = std::find_if(first + 1, does.end(), isFirst)) {
-        int last = *first;
-        while (std::binary_search(does.begin(), does.end(), (last + 1) % kTurn)) {
-            last = (last + 1) % kTurn;
-        }
-        ranges += (ranges.empty() ? "from " : " or from ") + std::to_string(*first) +
-                  (last < *first ? " through 0 to " : " to ") + std::to_string(last);
-    }
-    return "pa=\"" + std::to_string(nearest) + "\", the nearest of the position angles " + ranges +
-           " degrees, which do at this hour angle" + (pointing.number == 1 ? "" : " for the first field too");
+/** The position angles that suit both a field and the first one, in words; empty if there are none. */
+std::string positionAnglesOf(const CheckedDocument& document, const Telescope& telescope,
+                             const FieldPointing& pointing) {
+    const std::string angles =
+        positionAnglesInWords(telescope, {document.pointings.front().parallacticAngle, pointing.parallacticAngle},
+                              document.pointing->positionAngle());
+    const std::string ofBoth = pointing.number == 1 ? "" : " for the first field too";
+    return angles.empty() ? "" : angles + ", which do at this hour angle" + ofBoth;
 }
 
 /** What to do about a field that the rotator cannot follow. @param angles, hours that do, in words */
@@ -245,7 +201,7 @@ void findFieldsBeyondRotator(const Rule& rule, const CheckedDocument& document, 
             continue;
         }
         const std::string hours = HourAngleSearch(document, pointing).inWords();
-        const std::string angles = positionAngles(document, telescope, pointing);
+        const std::string angles = positionAnglesOf(document, telescope, pointing);
         const bool isPlacedAtAngle = pointing.number == 1 && document.observation != nullptr;
         problems.add(
             rule, severityOf(pointing),
@@ -378,21 +334,6 @@ std::optional<Telescope> siteUnderSky(const CheckedDocument& document) {
     return site;
 }
 
-/** Date and time of a pointing, UTC, ISO 8601. */
-std::string timeOf(const FocalPlane& pointing) {
-    double utc1 = 0.0;
-    double utc2 = 0.0;
-    int year = 0;
-    int month = 0;
-    int day = 0;
-    int time[4] = {}; // NOLINT(*-avoid-c-arrays): what the library fills
-    // A positive status only says that leap seconds are not known for the date.
-    static_cast<void>(eraTaiutc(kMjdZero, pointing.date(), &utc1, &utc2));
-    static_cast<void>(eraD2dtf("UTC", 0, utc1, utc2, &year, &month, &day, time));
-    return QString::asprintf("%04d-%02d-%02dT%02d:%02d:%02dZ", year, month, day, time[0], time[1], time[2])
-        .toStdString();
-}
-
 /** Whether the hour angle, and so the hour of the night, was chosen by anyone. */
 bool isHourAngleChosen(const CheckedDocument& document) {
     return document.options.estimates.hourAngle != kHourAngleNotGiven ||
@@ -412,7 +353,7 @@ void findSunlight(const Rule& rule, const CheckedDocument& document, Problems& p
         problems.add(rule, isHourAngleChosen(document) ? Severity::Warning : Severity::Note,
                      valueOrOpening(element, document.options.estimates.epoch == kNotGiven ? attr::epoch : attr::ha),
                      "The Sun stands at an altitude of " + degreesText(sun.altitude) +
-                         " degrees at the time of the observation, " + timeOf(*document.pointing) +
+                         " degrees at the time of the observation, " + utcText(document.pointing->date(), 0) +
                          ", and it is dark below -12",
                      "Choose an epoch at which the field stands in the night sky, or another hour angle");
     }
@@ -431,7 +372,7 @@ void findMoonlight(const Rule& rule, const CheckedDocument& document, Problems& 
         if (moon.altitude > 0.0 && distance < kNear && isHighEnough(document, pointing)) {
             problems.add(rule, placeOf(document, pointing, attr::raD, attr::targra),
                          "The Moon is " + degreesText(distance) + " degrees away from field " +
-                             std::to_string(pointing.number) + " at " + timeOf(*document.pointing) +
+                             std::to_string(pointing.number) + " at " + utcText(document.pointing->date(), 0) +
                              ", at an altitude of " + degreesText(moon.altitude) + " degrees",
                          "Choose an epoch some days earlier or later");
         }
