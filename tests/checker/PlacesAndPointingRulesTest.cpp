@@ -176,3 +176,13 @@ TEST(PlacesAndPointingRules, AnHourAngleThatTheHelpNamesForAnotherFieldSuitsTheF
     EXPECT_THAT(helpWithFieldAt("249.997633"), ::testing::MatchesRegex("Choose an .* from 0.[56]5? to 3.45 hours, .*"));
     EXPECT_THAT(helpWithFieldAt("339.997633"), HasSubstr("no hour angle suits both it and the first field"));
 }
+
+TEST(PlacesAndPointingRules, APositionAngleThatTheHelpNamesForAnotherFieldSuitsTheFirstToo) {
+    const std::string north =
+        field("", target("T", "190.000000", "69.000000") + target("G", "190.100000", "69.000000"));
+    const std::string help = checked(document(kField + north)).problems.back().help;
+    EXPECT_THAT(help, ::testing::MatchesRegex("Write pa=\".*\", the nearest of the position angles from .* to .* or "
+                                              "from .* to .* degrees, which do at this hour angle for the first .*"));
+    const std::string angle = help.substr(10, help.find('"', 10) - 10);
+    EXPECT_THAT(told(document(kField + north, kNight, angle)), IsEmpty()) << help;
+}
