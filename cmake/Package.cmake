@@ -46,12 +46,14 @@ that it reads and writes, and the files of the instrument to begin one's own.")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME veko-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS "tzdata")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS "bash-completion, veko-configure")
 set(CPACK_DEBIAN_TOOLS_DESCRIPTION
     "checks field definitions for a 603-fibre integral-field unit
 Finds every problem of a document before veko_configure runs on it: tells the
 line, the column, what is wrong and what to do, as text, JSON or SARIF, and
-mends what can be mended for certain.
+mends what can be mended for certain. Tells when a field can be observed, and
+what ends it.
 .
 The instrument is compiled in; the package needs no other of this program.")
 
