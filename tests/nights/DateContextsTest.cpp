@@ -31,6 +31,8 @@ double largestError(double begin, double end, int instants) {
 TEST(DateContexts, AreAsNearToTheLibrarysAsTheySay) {
     EXPECT_LT(largestError(57500.0, 57900.0, 800), DateContexts::kLargestError);
     for (double begin = 15100.0; begin < 88000.0; begin += 2345.6) {
-        EXPECT_LT(largestError(begin, begin + 1.0, 20), DateContexts::kLargestError) << begin;
+        for (const double nights : {1.0, 2.0, 4.0, 9.0}) {
+            EXPECT_LT(largestError(begin, begin + nights, 20), DateContexts::kLargestError) << begin << ", " << nights;
+        }
     }
 }

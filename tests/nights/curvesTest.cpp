@@ -16,11 +16,13 @@ constexpr double kMillisecond = 1e-3 / 86400;
 /** A day that begins at an ordinary date. */
 constexpr double kBegin = 61442.5;
 constexpr double kEnd = kBegin + 1;
+/** Half a second from the turn the wave is lower by this. */
+const double kDepth = 1 - std::cos(2 * kPi * 0.5 / 86400);
 
 /** A wave of a day that is highest in its middle. @param offset by which it is lifted, radians */
 Curve wave(double offset) {
     const auto value = [offset](double mjdTai) { return offset - std::cos(2 * kPi * (mjdTai - kBegin)); };
-    return {value, value, {kBegin + 0.5 + 400.0 / 86400}}; // as far off as a turn may be
+    return {value, {kBegin + 0.5 + 0.9 * kTurnError}};
 }
 
 } // namespace
@@ -33,20 +35,25 @@ TEST(Curves, PassZeroWhereTheyDo) {
 }
 
 TEST(Curves, AreFoundToPassZeroForASecond) {
-    // Half a second from the turn the wave is lower by this.
-    const double depth = 1 - std::cos(2 * kPi * 0.5 / 86400);
-    const std::vector<double> found = crossings(wave(depth - 1), kBegin, kEnd);
+    const std::vector<double> found = crossings(wave(kDepth - 1), kBegin, kEnd);
     ASSERT_EQ(found.size(), 2U);
     EXPECT_NEAR((found.at(1) - found.at(0)) * 86400, 1.0, 1e-3);
-    EXPECT_TRUE(crossings(wave(-1 - depth), kBegin, kEnd).empty());
+    EXPECT_TRUE(crossings(wave(-1 - kDepth), kBegin, kEnd).empty());
 }
 
-TEST(Curves, ThatPassSlowlyAreFollowedWithoutAnError) {
-    Curve slow = wave(0.0);
-    slow.exact = [](double mjdTai) { return 1e-7 * (mjdTai - kBegin - 0.4); };
-    slow.value = [](double mjdTai) { return 1e-7 * (mjdTai - kBegin - 0.4) + 1e-10; };
-    slow.turns.clear();
-    EXPECT_THAT(crossings(slow, kBegin, kEnd), ElementsAre(DoubleNear(kBegin + 0.4, kMillisecond)));
+TEST(Curves, AreFoundToPassZeroWhereTheTurnIsThoughtToBeOutside) {
+    EXPECT_EQ(crossings(wave(kDepth - 1), kBegin, kBegin + 0.51).size(), 2U);
+    EXPECT_EQ(crossings(wave(kDepth - 1), kBegin + 0.4999, kBegin + 0.51).size(), 2U);
+}
+
+TEST(Curves, AreFoundToPassZeroJustBeforeAJump) {
+    Curve jumping = wave(0.0);
+    constexpr double kJump = kBegin + 0.2501;
+    jumping.value = [smooth = jumping.value](double mjdTai) { return smooth(mjdTai) - (mjdTai < kJump ? 0.0 : 0.1); };
+    jumping.jumps = {kJump};
+    EXPECT_THAT(crossings(jumping, kBegin, kBegin + 0.5),
+                ElementsAre(DoubleNear(kBegin + 0.25, kMillisecond), DoubleNear(kJump, kMillisecond),
+                            DoubleNear(kBegin + 0.25 + std::asin(0.1) / (2 * kPi), kMillisecond)));
 }
 
 TEST(Curves, TurnWhereTheyDo) {

@@ -9,31 +9,33 @@ namespace pos {
 
 namespace {
 
-constexpr std::size_t kPoints = 4;
-constexpr double kLargestSpacing = 0.5; // days
+/** As many points are used where there are as many. */
+constexpr std::size_t kMostPoints = 12;
+constexpr double kLargestSpacing = 0.4; // days
+/** At the ends of a span, where the points are on one side, the polynomial needs them closer together. */
+constexpr std::size_t kIntervalsForTheEnds = 4;
 
 /** What a context consists of. */
 using Numbers = std::array<double, sizeof(eraASTROM) / sizeof(double)>;
 
-/** The weights of equally spaced points in the polynomial through them (Lagrange). @param x with the points at 0, 1, …
+/** The weight of one of some equally spaced points in the polynomial through them. @param x with the points at 0, 1, …
  */
-std::array<double, kPoints> weightsAt(double x) {
-    std::array<double, kPoints> weights{};
-    for (std::size_t i = 0; i < kPoints; ++i) {
-        weights.at(i) = 1.0;
-        for (std::size_t j = 0; j < kPoints; ++j) {
-            if (j != i) {
-                weights.at(i) *= (x - static_cast<double>(j)) / (static_cast<double>(i) - static_cast<double>(j));
-            }
+double weightAt(double x, std::size_t point, std::size_t points) {
+    double numerator = 1.0;
+    double denominator = 1.0;
+    for (std::size_t other = 0; other < points; ++other) {
+        if (other != point) {
+            numerator *= x - static_cast<double>(other);
+            denominator *= static_cast<double>(point) - static_cast<double>(other);
         }
     }
-    return weights;
+    return numerator / denominator;
 }
 
 } // namespace
 
 DateContexts::DateContexts(double begin, double end) : begin_(begin) {
-    const auto intervals = std::max(kPoints - 1, static_cast<std::size_t>(std::ceil((end - begin) / kLargestSpacing)));
+    const auto intervals = static_cast<std::size_t>(std::ceil((end - begin) / kLargestSpacing)) + kIntervalsForTheEnds;
     spacing_ = (end - begin) / static_cast<double>(intervals);
     nodes_.reserve(intervals + 1);
     for (std::size_t i = 0; i <= intervals; ++i) {
@@ -42,15 +44,17 @@ DateContexts::DateContexts(double begin, double end) : begin_(begin) {
 }
 
 DateContext DateContexts::at(double mjdTai) const {
+    const std::size_t points = std::min(kMostPoints, nodes_.size());
     const double x = (mjdTai - begin_) / spacing_;
-    const double lastStart = static_cast<double>(nodes_.size() - kPoints);
-    const double start = std::clamp(std::floor(x) - 1, 0.0, lastStart); // in the middle of the points, where there are
-    const std::array<double, kPoints> weights = weightsAt(x - start);
+    // The instant is in the middle of the points, where there are enough on either side.
+    const double middle = std::floor(x - static_cast<double>(points) / 2 + 1);
+    const auto start = static_cast<std::size_t>(std::clamp(middle, 0.0, static_cast<double>(nodes_.size() - points)));
     Numbers numbers{};
-    for (std::size_t i = 0; i < kPoints; ++i) {
-        const auto node = std::bit_cast<Numbers>(nodes_.at(static_cast<std::size_t>(start) + i).astrom);
+    for (std::size_t i = 0; i < points; ++i) {
+        const double weight = weightAt(x - static_cast<double>(start), i, points);
+        const auto node = std::bit_cast<Numbers>(nodes_.at(start + i).astrom);
         for (std::size_t n = 0; n < numbers.size(); ++n) {
-            numbers.at(n) += weights.at(i) * node.at(n);
+            numbers.at(n) += weight * node.at(n);
         }
     }
     DateContext context = nodes_.front();

@@ -12,16 +12,16 @@
 namespace pos {
 
 /**
- * The contexts of a span of time. The astronomy library makes some of them, at most half a day apart; the others are
- * interpolated between four of these by cubic polynomials, number by number.
+ * The contexts of a span of time. The astronomy library makes some of them, at most 0.4 days apart; the others are
+ * interpolated between twelve of these, or all, by a polynomial, number by number.
  *
- * The fastest terms that matter are those of the nutation with periods of 9 to 14 days, 0.03 to 0.2 arcsec: half a day
- * apart they leave at most 0.05 mas.
+ * Nothing that matters in the model takes less than some days to turn, so that what is left is hardly more than the
+ * rounding of the numbers.
  */
 class DateContexts {
 public:
-    /** How far a place by an interpolated context may be from the library's, radians: 0.05 mas. */
-    static constexpr double kLargestError = 2.5e-10;
+    /** How far a place by an interpolated context may be from the library's, radians: 0.002 microarcseconds. */
+    static constexpr double kLargestError = 1e-14;
 
     /** @param begin, end of the span, MJD, TAI */
     DateContexts(double begin, double end);

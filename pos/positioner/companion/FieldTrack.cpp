@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 
 namespace pos {
 
@@ -24,7 +23,17 @@ struct Range {
     double middle() const {
         return (low + high) / 2;
     }
+    bool isWholeTurn() const {
+        return high - low >= 2 * kPi;
+    }
 };
+
+FocalPlane withoutAir(FocalPlane pointing) {
+    Conditions conditions = pointing.conditions();
+    conditions.pressure = 0.0;
+    pointing.setConditions(conditions);
+    return pointing;
+}
 
 std::vector<double> merged(std::vector<double> instants, const std::vector<double>& more) {
     instants.insert(instants.end(), more.begin(), more.end());
@@ -34,13 +43,11 @@ std::vector<double> merged(std::vector<double> instants, const std::vector<doubl
 
 } // namespace
 
+FieldTrack::FieldTrack(const FocalPlane& pointing, const Telescope& telescope, const DateContexts& contexts)
+    : pointing_(pointing), airless_(withoutAir(pointing)), telescope_(telescope), contexts_(contexts) {}
+
 const FocalPlane& FieldTrack::at(double mjdTai) {
     pointing_.setDate(contexts_.at(mjdTai));
-    return pointing_;
-}
-
-const FocalPlane& FieldTrack::exactlyAt(double mjdTai) {
-    pointing_.setDate(DateContext(mjdTai));
     return pointing_;
 }
 
@@ -56,64 +63,63 @@ double FieldTrack::rotatorFromMiddle() {
     return wrapAngle(rotatorAngle() - Range(telescope_).middle());
 }
 
+/** Without air, through which the hour angle would not change evenly near the pole. */
 std::vector<double> FieldTrack::transits(double hourAngle, double begin, double end) {
-    const double toGo = hourAngle - at(begin).hourAngle();
-    double instant = begin + (toGo < 0 ? toGo + 2 * kPi : toGo) / kHourAngleRate;
+    const auto toGo = [&](double mjdTai) {
+        airless_.setDate(contexts_.at(mjdTai));
+        return wrapAngle(hourAngle - airless_.hourAngle());
+    };
+    const double fromBegin = toGo(begin);
+    double instant = begin + (fromBegin < 0 ? fromBegin + 2 * kPi : fromBegin) / kHourAngleRate;
     std::vector<double> found;
     while (instant <= end) {
-        for (int step = 0; step < 2; ++step) {
-            instant -= wrapAngle(at(instant).hourAngle() - hourAngle) / kHourAngleRate;
-        }
+        instant += toGo(instant) / kHourAngleRate;
         found.push_back(instant);
         instant += 2 * kPi / kHourAngleRate;
     }
     return found;
 }
 
-std::vector<double> FieldTrack::culminations(double begin, double end) {
-    return merged(transits(0.0, begin, end), transits(kPi, begin, end));
-}
-
-/**
- * Where a field passes due east and due west, the parallactic angle turns. A field that is nearer to the pole than the
- * zenith is never passes there.
- */
-std::vector<double> FieldTrack::primeVerticals(double begin, double end) {
-    const double cosine = std::tan(at(begin).tangentDec()) / std::tan(telescope_.latitude);
-    if (!(std::fabs(cosine) < 1)) {
-        return {};
-    }
-    return merged(transits(std::acos(cosine), begin, end), transits(-std::acos(cosine), begin, end));
+std::vector<double> FieldTrack::oppositeTransits(double hourAngle, double begin, double end) {
+    return merged(transits(hourAngle, begin - kTurnError, end + kTurnError),
+                  transits(hourAngle + kPi, begin - kTurnError, end + kTurnError));
 }
 
 Curve FieldTrack::altitudeAbove(double limit, double begin, double end) {
-    const auto above = [limit](const FocalPlane& pointing) { return kPi / 2 - limit - pointing.zenithDistance(); };
-    return {[this, above](double mjdTai) { return above(at(mjdTai)); },
-            [this, above](double mjdTai) { return above(exactlyAt(mjdTai)); }, culminations(begin, end)};
+    const auto above = [this, limit](double mjdTai) { return kPi / 2 - limit - at(mjdTai).zenithDistance(); };
+    // Where the field hardly rises or sets, precession, nutation and aberration turn it at other times.
+    constexpr double kLeastSwing = 1e-5; // radians
+    const bool isStill = std::cos(at(begin).tangentDec()) * std::cos(telescope_.latitude) < kLeastSwing;
+    return {above, isStill ? turnsOf(above, begin, end) : oppositeTransits(0.0, begin, end)};
 }
 
-Curve FieldTrack::rotatorInside(double begin, double end) {
-    const Range range(telescope_);
-    const double halfWidth = (range.high - range.low) / 2;
-    const auto fromMiddle = [this](double mjdTai) {
-        at(mjdTai);
-        return rotatorFromMiddle();
+/**
+ * With the parallactic angle p of the limit, the quantity is sin p · C − cos p · S, where
+ *     S = cos φ · cos δ · sin H,
+ *     C = cos δ · (sin φ · cos δ − cos φ · sin δ · cos H)
+ * are sine and cosine of the field's parallactic angle, times sin z · cos δ. Its derivative by H is zero where
+ *     tan H = cos p / (sin p · sin δ).
+ */
+Curve FieldTrack::rotatorAbove(double limit, double begin, double end, const std::vector<double>& jumps) {
+    const double ofLimit = pointing_.rotatorOffset() + pointing_.positionAngle() - limit;
+    airless_.setDate(contexts_.at(begin));
+    const double turn = std::atan2(std::cos(ofLimit), std::sin(ofLimit) * std::sin(airless_.tangentDec()));
+    const auto above = [this, limit](double mjdTai) {
+        const FocalPlane& pointing = at(mjdTai);
+        return std::sin(pointing.zenithDistance()) * std::cos(pointing.tangentDec()) * std::sin(rotatorAngle() - limit);
     };
-    const auto inside = [this, halfWidth] { return halfWidth - std::fabs(rotatorFromMiddle()); };
-    std::vector<double> turns = merged(culminations(begin, end), primeVerticals(begin, end));
-    // Where refraction ends, the parallactic angle jumps.
-    turns = merged(turns, crossings(altitudeAbove(telescope_.horizonLimit, begin, end), begin, end));
-    // In the middle of its range the rotator turns from one limit to the other, and half a turn away back again.
-    turns = merged(turns, crossings({fromMiddle, fromMiddle, turns}, begin, end));
-    return {[this, inside](double mjdTai) {
-                at(mjdTai);
-                return inside();
-            },
-            [this, inside](double mjdTai) {
-                exactlyAt(mjdTai);
-                return inside();
-            },
-            turns};
+    return {above, oppositeTransits(turn, begin, end), jumps};
+}
+
+std::vector<Curve> FieldTrack::rotatorLimits(double begin, double end) {
+    const Range range(telescope_);
+    if (range.isWholeTurn()) {
+        return {};
+    }
+    const std::vector<double> refractionEnds =
+        crossings(altitudeAbove(telescope_.horizonLimit, begin - kTurnError, end + kTurnError), begin - kTurnError,
+                  end + kTurnError);
+    return {rotatorAbove(range.low, begin, end, refractionEnds), rotatorAbove(range.high, begin, end, refractionEnds)};
 }
 
 } // namespace pos

@@ -25,14 +25,10 @@ public:
      * @param telescope limits of the rotator
      * @param contexts of the span, which must outlive this object
      */
-    FieldTrack(const FocalPlane& pointing, const Telescope& telescope, const DateContexts& contexts)
-        : pointing_(pointing), telescope_(telescope), contexts_(contexts) {}
+    FieldTrack(const FocalPlane& pointing, const Telescope& telescope, const DateContexts& contexts);
 
-    /** The pointing at an instant, to DateContexts::kLargestError; good until the next call. */
+    /** The pointing at an instant, good until the next call. */
     const FocalPlane& at(double mjdTai);
-
-    /** The same without an error, a hundred times as slow. */
-    const FocalPlane& exactlyAt(double mjdTai);
 
     /** The rotator angle at the instant asked for last, radians, in [−π, π]. */
     double rotatorAngle();
@@ -55,15 +51,20 @@ public:
     /** The altitude less a limit, radians. */
     Curve altitudeAbove(double limit, double begin, double end);
 
-    /** How far the rotator is inside its limits, radians. */
-    Curve rotatorInside(double begin, double end);
+    /**
+     * What passes zero where the rotator reaches a limit, or the angle half a turn from it: the sine of the angle
+     * between them, times those of the field's distances from zenith and pole. It changes no faster than the field
+     * moves, while the rotator turns half about in no time where the field passes the zenith.
+     */
+    std::vector<Curve> rotatorLimits(double begin, double end);
 
 private:
     std::vector<double> transits(double hourAngle, double begin, double end);
-    std::vector<double> culminations(double begin, double end);
-    std::vector<double> primeVerticals(double begin, double end);
+    std::vector<double> oppositeTransits(double hourAngle, double begin, double end);
+    Curve rotatorAbove(double limit, double begin, double end, const std::vector<double>& jumps);
 
     FocalPlane pointing_;
+    FocalPlane airless_;
     Telescope telescope_;
     const DateContexts& contexts_;
 };

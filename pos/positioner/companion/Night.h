@@ -12,9 +12,9 @@ namespace pos {
 
 /** A night, from mean local noon at a longitude to the next. */
 struct Night {
-    QDate evening; ///< the date of the evening at the site
-    double begin;  ///< MJD, TAI
-    double end;    ///< MJD, TAI
+    QDate evening;      ///< the date of the evening at the site
+    double begin = 0.0; ///< MJD, TAI
+    double end = 0.0;   ///< MJD, TAI
 };
 
 /** @param eastLongitude radians */

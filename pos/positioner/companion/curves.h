@@ -13,18 +13,26 @@ namespace pos {
 /** A quantity of an instant, MJD, TAI. */
 using Quantities = std::function<double(double)>;
 
-/** A continuous quantity, an angle in radians, and what is known about it. */
+/** How far a root may be from where it is found: 0.01 ms, in days. */
+inline constexpr double kRootError = 1e-5 / 86400;
+
+/** How far a turn may be from where it is thought to be: an hour, in days. */
+inline constexpr double kTurnError = 1.0 / 24;
+
+/** A quantity, at most about 1, and what is known about it. */
 struct Curve {
-    Quantities value;          ///< to DateContexts::kLargestError
-    Quantities exact;          ///< without an error, and slowly
-    std::vector<double> turns; ///< between which it rises or falls, to a few minutes; ascending
+    Quantities value;
+    /** Here, to kTurnError, it turns; those up to kTurnError outside the interval in question count too. Ascending. */
+    std::vector<double> turns;
+    /** Here, to kRootError, it jumps. */
+    std::vector<double> jumps = {};
 };
 
 /**
- * The instants at which a curve passes zero, to 0.1 ms, ascending.
+ * The instants at which a curve passes zero, to kRootError, ascending.
  *
- * Each is the root between two turns (TOMS 748). A turn that comes near zero is sought anew (Brent) without an error,
- * so that two roots a second apart are found, and so is a root through which the curve passes slowly.
+ * Each is the root between two turns (TOMS 748). A turn that comes near zero is sought first (Brent), so that two roots
+ * a second apart are found.
  */
 std::vector<double> crossings(const Curve& curve, double begin, double end);
 

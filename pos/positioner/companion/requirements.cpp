@@ -51,7 +51,7 @@ double instantOfHighest(FieldTrack& track, const std::vector<Stretch>& stretches
 
 /** A quantity of Sun or Moon, in a few hours of which there is at most one turn. */
 Curve slowCurve(const Quantities& value, double begin, double end) {
-    return {value, value, turnsOf(value, begin, end)};
+    return {value, turnsOf(value, begin, end)};
 }
 
 class DarkSky : public Requirement {
@@ -153,7 +153,7 @@ public:
     RotatorInReach(FieldTrack& track, const Telescope& telescope) : track_(track), telescope_(telescope) {}
 
     std::vector<Curve> curves(double begin, double end) override {
-        return {track_.rotatorInside(begin, end)};
+        return track_.rotatorLimits(begin, end);
     }
     bool holds(double mjdTai) override {
         track_.at(mjdTai);

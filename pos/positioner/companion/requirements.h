@@ -19,7 +19,7 @@ class FieldTrack;
 
 /** What a window needs, beside the limits of the rotator. */
 struct WindowOptions {
-    double zenithDistanceLimit;                ///< the field must be nearer to the zenith, radians
+    double zenithDistanceLimit = 0.0;          ///< the field must be nearer to the zenith, radians
     std::optional<double> sunAltitude = {};    ///< the Sun must be lower, radians
     std::optional<double> largestAirmass = {}; ///< at least 1
     std::optional<double> moonDistance = {};   ///< while the Moon is up it must be farther away, radians
@@ -43,7 +43,12 @@ struct Stretch {
 /** Something that must hold. */
 class Requirement {
 public:
+    Requirement() = default;
     virtual ~Requirement() = default;
+    Requirement(const Requirement&) = delete;
+    Requirement& operator=(const Requirement&) = delete;
+    Requirement(Requirement&&) = delete;
+    Requirement& operator=(Requirement&&) = delete;
 
     /** It begins and ceases to hold only where one of these passes zero. */
     virtual std::vector<Curve> curves(double begin, double end) = 0;

@@ -24,6 +24,8 @@ std::vector<Stretch> narrowed(const std::vector<Stretch>& stretches, Requirement
             cuts.insert(cuts.end(), found.begin(), found.end());
         }
         std::sort(cuts.begin(), cuts.end());
+        const auto isSame = [](double one, double other) { return other - one < 2 * kRootError; };
+        cuts.erase(std::unique(cuts.begin(), cuts.end(), isSame), cuts.end());
         bool heldBefore = false;
         for (std::size_t i = 1; i < cuts.size(); ++i) {
             const Stretch part = {cuts.at(i - 1), cuts.at(i), stretch.beginLimit, stretch.endLimit};
