@@ -1,6 +1,7 @@
 #include "Program.h"
 #include "TemporaryFolder.h"
 #include "fieldDefinition.h"
+#include "ownConfiguration.h"
 
 #include <QDateTime>
 #include <QString>
@@ -190,6 +191,15 @@ TEST(WindowCommand, TimesAreToldInAnotherZoneToo) {
     const QDateTime utc = QDateTime::fromString(QString::fromStdString(best["utc"]), Qt::ISODateWithMs);
     EXPECT_EQ(best["local"].get<std::string>(),
               utc.addSecs(5 * 3600 + 1800).toString("yyyy-MM-ddTHH:mm:ss.zzz").toStdString() + "+05:30");
+}
+
+TEST(WindowCommand, ReadsNoBundle) {
+    const TemporaryFolder folder;
+    OwnConfiguration configuration;
+    configuration.vekoDefinition.clear();
+    const ProgramResult result = window(joined({"-c", configuration.write(folder)}, kPlace));
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.status, 0);
 }
 
 TEST(WindowCommand, WhatCannotBeReadEndsWithStatusTwoAndTheOthersAreTold) {

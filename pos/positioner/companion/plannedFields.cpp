@@ -2,12 +2,10 @@
 
 #include "CelestialPositionXML.h"
 #include "ConditionsXML.h"
-#include "Field.h"
 #include "FieldTargets.h"
 #include "Instrument.h"
 #include "TargetXML.h"
 #include "TelescopeConfig.h"
-#include "Veko.h"
 #include "angles.h"
 #include "xmlKeywords.h"
 #include "xmlStructure.h"
@@ -54,7 +52,7 @@ std::vector<FieldNight> findFieldNights(Instrument& instrument, const Plan& plan
     const Telescope telescope = readTelescope(instrument.config());
     Conditions conditions = plan.conditions;
     conditions.epoch = nights.front().begin;
-    FocalPlane pointing = instrument.pointedVeko(Field(Astrometric{}), conditions).focalPlane;
+    FocalPlane pointing(instrument.config(), VEKO, Astrometric{}, 0.0, conditions);
     std::vector<FieldNight> all;
     int number = 0;
     for (const ICRS& place : plan.fields) {
