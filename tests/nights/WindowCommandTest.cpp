@@ -79,10 +79,10 @@ TEST(WindowCommand, TellsEachNightInJson) {
         EXPECT_EQ(window["longest"], true);
         EXPECT_EQ(window["best"]["limit"], nullptr);
         for (const char* moment : {"start", "end", "best"}) {
-            EXPECT_EQ(
-                namesOf(window[moment]),
-                (Command{"utc", "mjdTai", "epoch", "lstHours", "hourAngleHours", "altitudeDeg", "airmass", "azimuthDeg",
-                         "parallacticDeg", "rotatorDeg", "rotatorAboveLowDeg", "rotatorBelowHighDeg", "limit"}));
+            EXPECT_EQ(namesOf(window[moment]),
+                      (Command{"utc", "mjdTai", "epoch", "lstHours", "hourAngleHours", "runHourAngleHours",
+                               "altitudeDeg", "airmass", "azimuthDeg", "parallacticDeg", "rotatorDeg",
+                               "rotatorAboveLowDeg", "rotatorBelowHighDeg", "limit"}));
         }
     }
 }
@@ -231,7 +231,7 @@ TEST(WindowCommand, RefusesArgumentsThatCannotBeMeant) {
           {{"--night", "1850-01-01", "f.xml"}, "'1850-01-01' is not between 1900 and 2100"},
           {{"--from", "2027-01-01", "f.xml"}, "--from requires --to"},
           {{"--from", "2027-01-02", "--to", "2027-01-01", "f.xml"}, "the last night is before the first"},
-          {{"--twilight", "dusk", "f.xml"}, "'dusk' is not a number from -90 to 90"},
+          {{"--twilight", "dusk", "f.xml"}, "'dusk' is not a number from -90 to 0"},
           {{"--airmass", "0.9", "f.xml"}, "'0.9' is not a number from 1 to 40"},
           {{"--time-zone", "Moon/Base", "f.xml"}, "the system knows no time zone 'Moon/Base'"}}) {
         const ProgramResult result = window(arguments);

@@ -49,10 +49,10 @@ def runs_of(window, random_numbers):
     """The arguments of runs, each with the message with which it must be refused, empty where it must succeed."""
     start, best, end = (window[name] for name in ("start", "best", "end"))
     length = end["mjdTai"] - start["mjdTai"]
-    yield moved(best, MILLISECOND if best["mjdTai"] < start["mjdTai"] + length / 2 else -MILLISECOND), ""
+    yield moved(best, 0), ""
     yield moved(start, random_numbers.uniform(0, length)), ""
     for moment, outwards in ((start, -MILLISECOND), (end, MILLISECOND)):
-        yield moved(moment, -outwards), ""
+        yield moved(moment, 0), ""
         if moment["limit"] in REFUSALS:
             yield moved(moment, outwards), REFUSALS[moment["limit"]]
 

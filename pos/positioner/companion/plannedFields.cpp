@@ -3,6 +3,7 @@
 #include "CelestialPositionXML.h"
 #include "ConditionsXML.h"
 #include "FieldTargets.h"
+#include "FieldTrack.h"
 #include "Instrument.h"
 #include "TargetXML.h"
 #include "TelescopeConfig.h"
@@ -53,6 +54,8 @@ std::vector<FieldNight> findFieldNights(Instrument& instrument, const Plan& plan
     Conditions conditions = plan.conditions;
     conditions.epoch = nights.front().begin;
     FocalPlane pointing(instrument.config(), VEKO, Astrometric{}, 0.0, conditions);
+    pointing.setFieldCentre(plan.fields.front().toAstrometric(conditions.epoch), plan.positionAngle);
+    FieldTrack first(pointing, telescope, contexts);
     std::vector<FieldNight> all;
     int number = 0;
     for (const ICRS& place : plan.fields) {
@@ -60,6 +63,11 @@ std::vector<FieldNight> findFieldNights(Instrument& instrument, const Plan& plan
         for (const Night& night : nights) {
             pointing.setFieldCentre(place.toAstrometric(night.begin), plan.positionAngle);
             all.push_back({file, number, findWindows(pointing, telescope, contexts, night, options)});
+            for (Window& window : all.back().found.windows) {
+                for (Moment* moment : {&window.start, &window.best, &window.end}) {
+                    moment->runHourAngle = first.at(moment->mjdTai).hourAngle();
+                }
+            }
         }
     }
     return all;

@@ -28,6 +28,7 @@ Json jsonOf(const Moment& moment, const char* limit, const WindowStyle& style) {
                  {"epoch", julianEpochOf(moment.mjdTai)},
                  {"lstHours", radiansToHours(moment.siderealTime)},
                  {"hourAngleHours", radiansToHours(moment.hourAngle)},
+                 {"runHourAngleHours", radiansToHours(moment.runHourAngle)},
                  {"altitudeDeg", radiansToDegrees(moment.altitude)},
                  {"airmass", numberOrNull(moment.airmass)},
                  {"azimuthDeg", radiansToDegrees(moment.azimuth)},

@@ -19,6 +19,7 @@ struct WindowStyle {
     std::optional<QTimeZone> timeZone = {}; ///< in which times are given beside UTC
     Telescope telescope = {};               ///< whose rotator has limits
     std::string place = {};                 ///< title of a place that is none of a document
+    bool isSeason = false;                  ///< whether each window of a table is one line
 };
 
 /** JSON: {"version": 1, "nights": […]}. Times in UTC by ISO 8601; what is no number is null. */

@@ -84,18 +84,19 @@ std::vector<Row> rowsOf(const WindowStyle& style) {
                              {"UTC", [utc](const Moment& moment) { return clockOf(utc(moment)); }}};
     if (style.timeZone) {
         const auto local = [zone = *style.timeZone](const Moment& moment) { return localText(moment.mjdTai, zone); };
-        rows.insert(rows.end(),
-                    {{"date, " + style.timeZone->id(), [local](const Moment& moment) { return dateOf(local(moment)); }},
-                     {"time", [local](const Moment& moment) { return clockOf(local(moment)); }}});
+        rows.insert(rows.end(), {{"local date", [local](const Moment& moment) { return dateOf(local(moment)); }},
+                                 {"local time", [local](const Moment& moment) { return clockOf(local(moment)); }}});
     }
     rows.insert(
         rows.end(),
         {{"MJD (TAI)", [](const Moment& moment) { return fixedText(moment.mjdTai, 8); }},
          {"epoch (--epoch)", [](const Moment& moment) { return fixedText(julianEpochOf(moment.mjdTai), 12); }},
-         {"hour angle, h (--ha)", [](const Moment& moment) { return decimals(radiansToHours(moment.hourAngle), 5); }},
+         {"hour angle, h", [](const Moment& moment) { return decimals(radiansToHours(moment.hourAngle), 5); }},
+         {"of field 1 (--ha)", [](const Moment& moment) { return decimals(radiansToHours(moment.runHourAngle), 5); }},
          {"sidereal time", [](const Moment& moment) { return sexagesimal(moment.siderealTime); }},
          {"altitude, deg", [](const Moment& moment) { return degrees(moment.altitude); }},
-         {"airmass", [](const Moment& moment) { return fixedText(moment.airmass, 3); }},
+         {"airmass",
+          [](const Moment& moment) { return std::isfinite(moment.airmass) ? fixedText(moment.airmass, 3) : "-"; }},
          {"azimuth, deg", [](const Moment& moment) { return degrees(moment.azimuth); }},
          {"parallactic, deg", [](const Moment& moment) { return degrees(moment.parallacticAngle); }},
          {"rotator, deg", [](const Moment& moment) { return degrees(moment.rotatorAngle); }},
@@ -131,10 +132,18 @@ QString nightText(const NightWindows& night, const WindowStyle& style) {
     return text;
 }
 
-const std::vector<int> kSeasonWidths = {2, 13, 13, 13, 13, 13, 6, 1};
+const std::vector<int> kSeasonWidths = {2, 13, 13, 13, 13, 13, 6, 8, 14, 1};
+
+QString seasonHead(const WindowStyle& style) {
+    QStringList names = {"", "night", "start (UTC)", "from", "end (UTC)", "to", "hours", "highest"};
+    return lineOf(style.timeZone ? names << "start (local)"
+                                         << "end (local)"
+                                 : names,
+                  kSeasonWidths);
+}
 
 /** One line a window. */
-QString seasonText(const NightWindows& night) {
+QString seasonText(const NightWindows& night, const WindowStyle& style) {
     const QString date = night.night.evening.toString(Qt::ISODate);
     if (night.windows.empty()) {
         return "  " + date + "  -  " + wrapped(QString::fromStdString(night.reason), 17).trimmed() + '\n';
@@ -142,17 +151,28 @@ QString seasonText(const NightWindows& night) {
     QString text;
     for (const Window& window : night.windows) {
         const bool isMarked = night.windows.size() > 1 && window.isLongest;
-        text += lineOf({"", date + (isMarked ? " *" : ""), clockOf(utcText(window.start.mjdTai, 3)),
-                        wordOf(window.startLimit), clockOf(utcText(window.end.mjdTai, 3)), wordOf(window.endLimit),
-                        fixedText(window.length() * 24, 2).rightJustified(5),
-                        fixedText(radiansToDegrees(window.best.altitude), 2)},
-                       kSeasonWidths);
+        QStringList cells = {"",
+                             date + (isMarked ? " *" : ""),
+                             clockOf(utcText(window.start.mjdTai, 3)),
+                             wordOf(window.startLimit),
+                             clockOf(utcText(window.end.mjdTai, 3)),
+                             wordOf(window.endLimit),
+                             fixedText(window.length() * 24, 2).rightJustified(5),
+                             fixedText(radiansToDegrees(window.best.altitude), 2)};
+        if (style.timeZone) {
+            cells << clockOf(localText(window.start.mjdTai, *style.timeZone))
+                  << clockOf(localText(window.end.mjdTai, *style.timeZone));
+        }
+        text += lineOf(cells, kSeasonWidths);
     }
     return text;
 }
 
 QString titleOf(const FieldNight& night, const WindowStyle& style) {
-    return QString::fromStdString(night.file ? *night.file + ", field " + std::to_string(night.field) : style.place);
+    const QString zone = style.timeZone ? "\n  Local times are those of " + QString(style.timeZone->id()) + '.' : "";
+    const QString date = style.isSeason ? "" : ", night of " + night.found.night.evening.toString(Qt::ISODate);
+    return QString::fromStdString(night.file ? *night.file + ", field " + std::to_string(night.field) : style.place) +
+           date + zone + "\n\n";
 }
 
 bool areOfOneField(const FieldNight& a, const FieldNight& b) {
@@ -167,14 +187,10 @@ std::string windowTable(const std::vector<FieldNight>& nights, const WindowStyle
         const auto last =
             std::find_if(first, nights.end(), [&](const FieldNight& night) { return !areOfOneField(night, *first); });
         text += text.isEmpty() ? "" : "\n";
-        if (last - first == 1) {
-            text += titleOf(*first, style) + ", night of " + first->found.night.evening.toString(Qt::ISODate) + "\n\n" +
-                    nightText(first->found, style);
-        } else {
-            text += titleOf(*first, style) + "\n\n" +
-                    lineOf({"", "night", "start (UTC)", "from", "end (UTC)", "to", "hours", "highest"}, kSeasonWidths);
-            std::for_each(first, last, [&](const FieldNight& night) { text += seasonText(night.found); });
-        }
+        text += titleOf(*first, style) + (style.isSeason ? seasonHead(style) : "");
+        std::for_each(first, last, [&](const FieldNight& night) {
+            text += style.isSeason ? seasonText(night.found, style) : nightText(night.found, style);
+        });
         first = last;
     }
     return text.toStdString();

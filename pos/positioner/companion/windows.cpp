@@ -61,7 +61,8 @@ Moment momentAt(FieldTrack& track, double mjdTai) {
             altitude < 0 ? std::numeric_limits<double>::quiet_NaN() : airmass(altitude),
             pointing.azimuth(),
             pointing.parallacticAngle(),
-            track.rotatorAngle()};
+            track.rotatorAngle(),
+            pointing.hourAngle()};
 }
 
 Window windowOf(FieldTrack& track, const Stretch& stretch) {
@@ -77,6 +78,19 @@ Window windowOf(FieldTrack& track, const Stretch& stretch) {
     return window;
 }
 
+/**
+ * Moves ends inwards by more than what the epoch of a run rounds, 10 microseconds, so that the run accepts the ends
+ * too.
+ */
+Stretch accepted(Stretch stretch) {
+    constexpr double kInwards = 1e-4 / 86400; // days
+    if (stretch.end - stretch.begin > 4 * kInwards) {
+        stretch.begin += kInwards;
+        stretch.end -= kInwards;
+    }
+    return stretch;
+}
+
 /** The beginning of a sentence: when all else holds that was required. */
 std::string whenElse(const std::vector<Stretch>& stretches, const Night& night) {
     const double begin = stretches.front().begin;
@@ -84,7 +98,7 @@ std::string whenElse(const std::vector<Stretch>& stretches, const Night& night) 
     const bool isWholeNight = begin == night.begin && end == night.end;
     return isWholeNight ? "In this night "
                         : "From " + utcText(begin, 0).substr(11, 5) + " to " + utcText(end, 0).substr(11, 5) +
-                              " UTC, when all else allows it, ";
+                              " UTC, as far as all else allows it, ";
 }
 
 std::string minutesText(double days) {
@@ -119,7 +133,7 @@ NightWindows findWindows(const FocalPlane& pointing, const Telescope& telescope,
     NightWindows found{night, {}, {}};
     for (const Stretch& stretch : stretches) {
         if (length(stretch) >= options.shortest) {
-            found.windows.push_back(windowOf(track, stretch));
+            found.windows.push_back(windowOf(track, accepted(stretch)));
             found.windows.back().isLongest = stretch.begin == longest.begin;
         }
     }

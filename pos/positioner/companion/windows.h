@@ -26,6 +26,7 @@ struct Moment {
     double azimuth;      ///< observed, from north through east, 0 to 2π
     double parallacticAngle;
     double rotatorAngle; ///< −π to π
+    double runHourAngle; ///< what a run takes for the moment: the hour angle of its document's first field, −π to π
 };
 
 /** An interval in which everything holds that is required. */

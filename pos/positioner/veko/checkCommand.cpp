@@ -4,7 +4,6 @@
 #include "Progress.h"
 #include "angles.h"
 #include "catalogueJson.h"
-#include "checkEstimates.h"
 #include "checkInstrument.h"
 #include "fileAccess.h"
 #include "fixes.h"
@@ -166,14 +165,6 @@ std::optional<CheckedInstrument> openInstrument(const CheckArguments& arguments,
         std::cerr << error.what() << std::endl;
         files.push_back(unchecked(arguments.run.configFile, error.what()));
         return std::nullopt;
-    }
-}
-
-/** Tells on the error stream what is wrong with the numbers that options give. */
-void tellOptions(const Estimates& estimates, Instrument& instrument) {
-    for (const auto& [name, problem] : checkEstimates(estimates, instrument)) {
-        std::cerr << "--" << name << ": " << severityWord(problem.severity) << ": " << problem.message << " ["
-                  << problem.rule->code << "]\nhelp: " << problem.help << '\n';
     }
 }
 

@@ -1,9 +1,11 @@
 #include "sharedOptions.h"
 
 #include "angles.h"
+#include "checkEstimates.h"
 
 #include <cmath>
 #include <cstdlib>
+#include <iostream>
 #include <sstream>
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -52,6 +54,13 @@ void addRunOptions(CLI::App& command, RunOptions& options) {
 void addRunOptionsOfNights(CLI::App& command, RunOptions& options) {
     addRunOptions(command, options);
     command.remove_option(command.get_option("--ha"));
+}
+
+void tellOptions(const Estimates& estimates, Instrument& instrument) {
+    for (const auto& [name, problem] : checkEstimates(estimates, instrument)) {
+        std::cerr << "--" << name << ": " << severityWord(problem.severity) << ": " << problem.message << " ["
+                  << problem.rule->code << "]\nhelp: " << problem.help << '\n';
+    }
 }
 
 CLI::Validator within(double low, double high) {

@@ -14,6 +14,8 @@
 
 namespace pos {
 
+class Instrument;
+
 /** The instrument and the estimates, as veko_configure has them. */
 struct RunOptions {
     std::string configFile = ":/configure.xml";
@@ -33,6 +35,9 @@ void addRunOptionsOfNights(CLI::App& command, RunOptions& options);
 
 /** Accepts finite numbers of a range alone. */
 CLI::Validator within(double low, double high);
+
+/** Tells on the error stream what is wrong with the numbers that options give. */
+void tellOptions(const Estimates& estimates, Instrument& instrument);
 
 /** When text is coloured: "auto", "always" or "never". */
 void addColourOption(CLI::App& command, std::string& colour);

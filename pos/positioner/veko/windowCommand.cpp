@@ -51,7 +51,7 @@ const std::map<std::string, double> kTwilights = {{"civil", -6.0}, {"nautical", 
 /** Why a text is no twilight; empty where it is one. */
 std::string refusalOfTwilight(const std::string& text) {
     const bool isKnown = text == "none" || kTwilights.contains(text);
-    return isKnown ? "" : within(-90, 90)(text);
+    return isKnown ? "" : within(-90, 0)(text);
 }
 
 /** The altitude below which the Sun must be, radians. */
@@ -67,14 +67,19 @@ QDate dateOf(const std::string& text) {
     return QDate::fromString(QString::fromStdString(text), Qt::ISODate);
 }
 
+bool areSunAndMoonKnown(QDate date) {
+    return date.year() >= 1900 && date.year() <= 2100;
+}
+
 /** Why a text is no night; empty where it is one. */
 std::string refusalOfNight(const std::string& text) {
     const QDate date = dateOf(text);
     if (!date.isValid() || text.size() != std::string("YYYY-MM-DD").size()) {
         return "'" + text + "' is not a date YYYY-MM-DD";
     }
-    const bool isKnown = date.year() >= 1900 && date.year() <= 2100;
-    return isKnown ? "" : "'" + text + "' is not between 1900 and 2100, the years in which Sun and Moon are known";
+    return areSunAndMoonKnown(date)
+               ? ""
+               : "'" + text + "' is not between 1900 and 2100, the years in which Sun and Moon are known";
 }
 
 std::string refusalOfTimeZone(const std::string& text) {
@@ -98,7 +103,9 @@ class WindowFinder {
 public:
     explicit WindowFinder(const WindowArguments& arguments)
         : arguments_(arguments), config_(arguments.run.configFile.c_str(), PosConfig::XML), instrument_(config_),
-          telescope_(readTelescope(config_)) {}
+          telescope_(readTelescope(config_)) {
+        tellOptions(arguments.run.estimates(), instrument_);
+    }
 
     const Telescope& telescope() const {
         return telescope_;
@@ -145,9 +152,9 @@ private:
                 "There is no epoch, so that the night is not known: give --night, or --from and --to");
         }
         const Night night = nightAround(plan.conditions.epoch, longitude);
-        const std::string refusal = refusalOfNight(night.evening.toString(Qt::ISODate).toStdString());
-        if (!refusal.empty()) {
-            throw std::runtime_error("The epoch is that of the night " + refusal);
+        if (!areSunAndMoonKnown(night.evening)) {
+            throw std::runtime_error(
+                "The epoch is not between 1900 and 2100, the years in which Sun and Moon are known");
         }
         return {night};
     }
@@ -194,11 +201,11 @@ int findAndPrint(const WindowArguments& arguments) {
             isTrouble = true;
         }
     }
-    WindowStyle style{{}, finder.telescope(), titleOfPlace(arguments)};
+    WindowStyle style{{}, finder.telescope(), titleOfPlace(arguments), !arguments.from.empty()};
     if (!arguments.timeZone.empty()) {
         style.timeZone = QTimeZone(QByteArray::fromStdString(arguments.timeZone));
     }
-    if (!nights.empty()) {
+    if (!nights.empty() || arguments.format != "table") {
         std::cout << textOf(nights, arguments.format, style);
     }
     const bool hasOne =
@@ -245,7 +252,7 @@ void addNightOptions(CLI::App& command, WindowArguments& arguments) {
 }
 
 void addRequirementOptions(CLI::App& command, WindowArguments& arguments) {
-    command.add_option("--twilight", arguments.twilight, "or the degrees that the Sun is below")
+    command.add_option("--twilight", arguments.twilight, "or the altitude of the Sun, degrees")
         ->check(refusalOfTwilight, "")
         ->type_name("civil|nautical|astronomical|none")
         ->capture_default_str();
