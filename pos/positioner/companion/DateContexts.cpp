@@ -13,7 +13,7 @@ namespace {
 constexpr std::size_t kMostPoints = 12;
 constexpr double kLargestSpacing = 0.4; // days
 /** At the ends of a span, where the points are on one side, the polynomial needs them closer together. */
-constexpr std::size_t kIntervalsForTheEnds = 4;
+constexpr std::size_t kIntervalsForTheEnds = 3;
 
 /** What a context consists of. */
 using Numbers = std::array<double, sizeof(eraASTROM) / sizeof(double)>;
