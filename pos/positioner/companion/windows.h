@@ -31,11 +31,11 @@ struct Moment {
 
 /** An interval in which everything holds that is required. */
 struct Window {
-    Moment start;
-    Moment end;
-    Moment best; ///< the highest
-    WindowLimit startLimit;
-    WindowLimit endLimit;
+    Moment start{};
+    Moment end{};
+    Moment best{}; ///< the highest
+    WindowLimit startLimit = WindowLimit::Noon;
+    WindowLimit endLimit = WindowLimit::Noon;
     bool isLongest = false;
 
     /** Days. */
