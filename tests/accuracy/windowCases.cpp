@@ -108,6 +108,11 @@ public:
         return LimitsCalc(telescope_, pointing_, 0.0).rotatorAngle();
     }
 
+    /** Small near zenith and pole, where what a place moves by, or rounding, turns the rotator by more. */
+    double steadiness(double mjdTai) {
+        return std::sin(zenithDistance(mjdTai)) * std::cos(pointing_.tangentDec());
+    }
+
 private:
     FocalPlane pointing_;
     Telescope telescope_;
@@ -136,26 +141,23 @@ std::vector<double> dipsOf(const std::function<double(double)>& value, const Nig
     return dips;
 }
 
-/**
- * A case without limits of the rotator, and a duration of 1 to 3 seconds. What swings less than this from its highest
- * to its lowest has, for milliseconds, the same altitude to the last digit of a double.
- */
+/** A case without limits of the rotator, and a duration of 1 to 3 seconds. */
 struct Draft {
-    static constexpr double kLeastSwing = 2e-3; // radians
     WindowCase made;
     double half; ///< days
 
-    explicit Draft(Numbers& numbers) : half(numbers.between(1.05, 3) / 2 * kSecond) {
-        double swing = 0.0;
-        while (swing < kLeastSwing) {
-            made = anyCase(numbers, oneOf(numbers, {28.760583, numbers.between(-80, 80), 0, 89.5}));
-            const CIRS place = made.pointing.centre.toCirs(made.night.begin);
-            swing = 2 * std::cos(place.dec) * std::cos(made.pointing.telescope.latitude);
-        }
+    explicit Draft(Numbers& numbers)
+        : made(anyCase(numbers, oneOf(numbers, {28.760583, numbers.between(-80, 80), 0, 89.5}))),
+          half(numbers.between(1.05, 3) / 2 * kSecond) {
         made.pointing.telescope.rotatorLowLimit = rad(-400);
         made.pointing.telescope.rotatorHighLimit = rad(400);
     }
 };
+
+/** Whether two angles are apart by more than rounding leaves open: what stands still has no end. */
+bool areApart(double one, double other) {
+    return std::fabs(one - other) > 1e-11;
+}
 
 /** Sets the horizon limit to where the field is just before and after it culminates. @param sign 1 at the highest */
 WindowCase grazingTheHorizon(Numbers& numbers, double sign) {
@@ -164,8 +166,11 @@ WindowCase grazingTheHorizon(Numbers& numbers, double sign) {
         Sky sky(draft.made);
         const auto depth = [&](double mjdTai) { return sign * sky.zenithDistance(mjdTai); };
         const std::vector<double> dips = dipsOf(depth, draft.made.night);
-        if (!dips.empty() && sky.zenithDistance(dips.front()) < rad(95)) {
-            draft.made.zenithDistanceLimit = sky.zenithDistance(dips.front() + draft.half);
+        if (dips.empty() || sky.zenithDistance(dips.front()) > rad(95)) {
+            continue;
+        }
+        draft.made.zenithDistanceLimit = sky.zenithDistance(dips.front() + draft.half);
+        if (areApart(draft.made.zenithDistanceLimit, sky.zenithDistance(dips.front()))) {
             return draft.made;
         }
     }
@@ -184,7 +189,10 @@ WindowCase grazingARotatorLimit(Numbers& numbers, double sign) {
         }
         const double limit = angle(dips.front() + draft.half);
         (sign > 0 ? telescope.rotatorHighLimit : telescope.rotatorLowLimit) = limit;
-        return draft.made;
+        const double steadiness = sky.steadiness(dips.front());
+        if (areApart(limit * steadiness, angle(dips.front()) * steadiness)) {
+            return draft.made;
+        }
     }
 }
 
@@ -200,12 +208,11 @@ WindowCase betweenRotatorLimits(Numbers& numbers, bool beyond) {
             telescope.rotatorOffset += kPi - Sky(draft.made).rotatorAngle(last);
         }
         Sky sky(draft.made);
-        if (sky.zenithDistance(first) > draft.made.zenithDistanceLimit) {
-            continue;
-        }
-        const auto [low, high] = std::minmax(sky.rotatorAngle(first), sky.rotatorAngle(last));
-        const bool isRising = sky.rotatorAngle(first) == low;
-        if (beyond && !isRising) {
+        const double atFirst = sky.rotatorAngle(first);
+        const double atLast = sky.rotatorAngle(last);
+        const auto [low, high] = std::minmax({atFirst, atLast});
+        if (sky.zenithDistance(first) > draft.made.zenithDistanceLimit || !areApart(low, high) ||
+            (beyond && atFirst > atLast)) {
             continue;
         }
         telescope.rotatorLowLimit = low;
@@ -228,6 +235,9 @@ WindowCase grazingTheEndOfRefraction(Numbers& numbers) {
             continue;
         }
         telescope.horizonLimit = kPi / 2 - sky.zenithDistance(dips.front() + draft.half);
+        if (!areApart(kPi / 2 - telescope.horizonLimit, sky.zenithDistance(dips.front()))) {
+            continue;
+        }
         draft.made.zenithDistanceLimit = kPi / 2 - telescope.horizonLimit + rad(0.001);
         return draft.made;
     }
@@ -240,6 +250,13 @@ std::vector<WindowKind> windowsBySite() {
         WindowCase made = anyCase(numbers, oneOf(numbers, {-90, 90}));
         // The rotator rests there all night, and not at a limit, where rounding decides.
         made.pointing.positionAngle = numbers.between(-kPi, kPi);
+        // A field hardly moves there: let some pass the limit, as fast as rounding lets a millisecond be told.
+        Sky sky(made);
+        const double instant = numbers.between(made.night.begin, made.night.end);
+        const double perSecond = sky.zenithDistance(instant + kSecond) - sky.zenithDistance(instant);
+        if (numbers.between(0, 1) < 0.5 && std::fabs(perSecond) > 2e-12) {
+            made.zenithDistanceLimit = sky.zenithDistance(instant);
+        }
         return made;
     };
     const auto at = [](const std::vector<double>& latitudes) {
