@@ -133,13 +133,27 @@ def differences(name: str, page: str, measured: str) -> list[str]:
     return found
 
 
-def check(texts: dict[str, str]) -> int:
-    blocks = dict(BLOCK.findall(PAGE.read_text()))
+def check(page: pathlib.Path, texts: dict[str, str]) -> int:
+    blocks = dict(BLOCK.findall(page.read_text()))
     found = [f"{name}: only on one side" for name in sorted(set(blocks) ^ set(texts))]
     for name in sorted(set(blocks) & set(texts)):
         found += differences(name, blocks[name], texts[name])
-    print("\n".join(found) or f"All {len(texts)} tables of {PAGE.relative_to(PROJECT)} are as measured.")
+    print("\n".join(found) or f"All {len(texts)} tables of {page.relative_to(PROJECT)} are as measured.")
     return 1 if found else 0
+
+
+def show(page: pathlib.Path, tables: Tables, option: str) -> int:
+    """Prints tables, compares them with a page, or puts them there."""
+    texts = {name: markdown(rows) for name, rows in tables.items()}
+    if option == "--check":
+        return check(page, texts)
+    if option == "--write":
+        page.write_text(BLOCK.sub(lambda m: f"<!-- measured: {m[1]} -->\n{texts[m[1]]}<!-- end -->\n",
+                                  page.read_text()))
+        return 0
+    for name, text in texts.items():
+        print(f"<!-- measured: {name} -->\n{text}<!-- end -->\n")
+    return 0
 
 
 def main() -> int:
@@ -149,16 +163,7 @@ def main() -> int:
     tables = chain_tables(build)
     tables.update(tables_of_lines(run(build / "tests" / "accuracy" / "measure_accuracy")))
     tables.update(tables_of_lines(run(sys.executable, "-B", LEFT_OUT)))
-    texts = {name: markdown(rows) for name, rows in tables.items()}
-    if option == "--check":
-        return check(texts)
-    if option == "--write":
-        PAGE.write_text(BLOCK.sub(lambda m: f"<!-- measured: {m[1]} -->\n{texts[m[1]]}<!-- end -->\n",
-                                  PAGE.read_text()))
-        return 0
-    for name, text in texts.items():
-        print(f"<!-- measured: {name} -->\n{text}<!-- end -->\n")
-    return 0
+    return show(PAGE, tables, option)
 
 
 if __name__ == "__main__":
