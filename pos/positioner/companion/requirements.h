@@ -17,6 +17,9 @@ namespace pos {
 class DateContexts;
 class FieldTrack;
 
+/** More than an epoch rounds when a run is given it, days: with ends told so far inwards the run accepts them, too. */
+inline constexpr double kMarginOfRuns = 1e-4 / 86400;
+
 /** What a window needs, beside the limits of the rotator. */
 struct WindowOptions {
     double zenithDistanceLimit = 0.0;          ///< the field must be nearer to the zenith, radians
@@ -24,6 +27,7 @@ struct WindowOptions {
     std::optional<double> largestAirmass = {}; ///< at least 1
     std::optional<double> moonDistance = {};   ///< while the Moon is up it must be farther away, radians
     double shortest = 0.0;                     ///< shorter windows do not count, days
+    double margin = 0.0;                       ///< how far inwards ends are told, days
 };
 
 /** What ends a window. */

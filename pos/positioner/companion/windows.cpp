@@ -78,15 +78,11 @@ Window windowOf(FieldTrack& track, const Stretch& stretch) {
     return window;
 }
 
-/**
- * Moves ends inwards by more than what the epoch of a run rounds, 10 microseconds, so that the run accepts the ends
- * too.
- */
-Stretch accepted(Stretch stretch) {
-    constexpr double kInwards = 1e-4 / 86400; // days
-    if (stretch.end - stretch.begin > 4 * kInwards) {
-        stretch.begin += kInwards;
-        stretch.end -= kInwards;
+/** Moves the ends of a stretch inwards, where it is not too short for that. */
+Stretch inside(Stretch stretch, double margin) {
+    if (stretch.end - stretch.begin > 4 * margin) {
+        stretch.begin += margin;
+        stretch.end -= margin;
     }
     return stretch;
 }
@@ -133,7 +129,7 @@ NightWindows findWindows(const FocalPlane& pointing, const Telescope& telescope,
     NightWindows found{night, {}, {}};
     for (const Stretch& stretch : stretches) {
         if (length(stretch) >= options.shortest) {
-            found.windows.push_back(windowOf(track, accepted(stretch)));
+            found.windows.push_back(windowOf(track, inside(stretch, options.margin)));
             found.windows.back().isLongest = stretch.begin == longest.begin;
         }
     }

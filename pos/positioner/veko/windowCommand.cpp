@@ -95,6 +95,7 @@ WindowOptions optionsOf(const WindowArguments& arguments) {
         options.moonDistance = degreesToRadians(arguments.moon);
     }
     options.shortest = arguments.minimum / (24 * 60);
+    options.margin = kMarginOfRuns;
     return options;
 }
 
