@@ -30,6 +30,10 @@ double noonOf(QDate date, double eastLongitude) {
 
 } // namespace
 
+bool areSunAndMoonKnown(QDate date) {
+    return date.year() >= 1900 && date.year() <= 2100;
+}
+
 double utcOf(double mjdTai) {
     double zero = 0.0;
     double utc = 0.0;

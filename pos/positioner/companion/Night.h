@@ -23,6 +23,9 @@ Night nightOf(QDate evening, double eastLongitude);
 /** The night to which an instant belongs; that of the evening before, at most, at an instant without a date. */
 Night nightAround(double mjdTai, double eastLongitude);
 
+/** Whether it is known where Sun and Moon stand at a date: from 1900 to 2100. */
+bool areSunAndMoonKnown(QDate date);
+
 /** MJD, UTC. */
 double utcOf(double mjdTai);
 

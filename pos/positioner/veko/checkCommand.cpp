@@ -72,13 +72,6 @@ int explain(const std::string& code, const std::string& format) {
     return kClean;
 }
 
-/** Why a text is no radius of a field; empty where it is one. */
-std::string refusalOfRadius(const std::string& text) {
-    double degrees = 0.0;
-    const bool isRadius = CLI::detail::lexical_cast(text, degrees) && degrees > 0.0 && degrees <= 90.0;
-    return isRadius ? "" : "'" + text + "' is not above 0 and at most 90 degrees";
-}
-
 /** The bytes of a file, or of the standard input for "-". @throw std::runtime_error where they cannot be had */
 QByteArray bytesOf(const std::string& name, Progress& progress) {
     if (name == "-") {
@@ -238,10 +231,7 @@ Command addCheckCommand(CLI::App& program) {
     CLI::Option* const file =
         command->add_option("FILE", arguments->files, "field definitions; - is the standard input")->type_name("");
     addRunOptions(*command, arguments->run);
-    command->add_option("--field_radius", arguments->fieldRadius, "how far apart places may be, up to 90")
-        ->check(refusalOfRadius, "")
-        ->type_name("DEGREES")
-        ->capture_default_str();
+    addFieldRadiusOption(*command, arguments->fieldRadius);
     command->add_option("--format", arguments->format, "form of what is found")
         ->check(CLI::IsMember({"text", "json", "sarif"}))
         ->type_name("text|json|sarif")

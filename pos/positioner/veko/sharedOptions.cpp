@@ -26,6 +26,13 @@ const CLI::Validator& finite() {
     return validator;
 }
 
+/** Why a text is no radius of a field; empty where it is one. */
+std::string refusalOfRadius(const std::string& text) {
+    double degrees = 0.0;
+    const bool isRadius = CLI::detail::lexical_cast(text, degrees) && degrees > 0.0 && degrees <= 90.0;
+    return isRadius ? "" : "'" + text + "' is not above 0 and at most 90 degrees";
+}
+
 constexpr const char* kGroup = "As in veko_configure";
 
 CLI::Option* addNumber(CLI::App& command, const std::string& name, double& value, const std::string& description,
@@ -61,6 +68,13 @@ void tellOptions(const Estimates& estimates, Instrument& instrument) {
         std::cerr << "--" << name << ": " << severityWord(problem.severity) << ": " << problem.message << " ["
                   << problem.rule->code << "]\nhelp: " << problem.help << '\n';
     }
+}
+
+void addFieldRadiusOption(CLI::App& command, double& degrees) {
+    command.add_option("--field_radius", degrees, "how far apart places may be, up to 90")
+        ->check(refusalOfRadius, "")
+        ->type_name("DEGREES")
+        ->capture_default_str();
 }
 
 CLI::Validator within(double low, double high) {

@@ -33,6 +33,9 @@ void addRunOptions(CLI::App& command, RunOptions& options);
 /** The same without the hour angle, for commands that look at all hour angles. */
 void addRunOptionsOfNights(CLI::App& command, RunOptions& options);
 
+/** How far apart centre and targets of a field may be. @param degrees must live as long as the command */
+void addFieldRadiusOption(CLI::App& command, double& degrees);
+
 /** Accepts finite numbers of a range alone. */
 CLI::Validator within(double low, double high);
 

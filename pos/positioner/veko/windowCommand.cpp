@@ -5,6 +5,7 @@
 #include "PosConfig.h"
 #include "TelescopeConfig.h"
 #include "angles.h"
+#include "nightOptions.h"
 #include "positionAngles.h"
 #include "sharedOptions.h"
 #include "windowRecords.h"
@@ -35,10 +36,7 @@ struct WindowArguments {
     std::string night;
     std::string from;
     std::string to;
-    std::string twilight = "nautical";
-    double airmass = 0.0; ///< 0 for any
-    double moon = 0.0;
-    double minimum = 0.0; ///< minutes
+    RequirementOptions requirements;
     std::string format = "table";
     std::string timeZone;
 };
@@ -46,57 +44,8 @@ struct WindowArguments {
 /** The exit statuses of the command. */
 enum Status { kEachHasOne = 0, kNone = 1, kTrouble = 2 };
 
-const std::map<std::string, double> kTwilights = {{"civil", -6.0}, {"nautical", -12.0}, {"astronomical", -18.0}};
-
-/** Why a text is no twilight; empty where it is one. */
-std::string refusalOfTwilight(const std::string& text) {
-    const bool isKnown = text == "none" || kTwilights.contains(text);
-    return isKnown ? "" : within(-90, 0)(text);
-}
-
-/** The altitude below which the Sun must be, radians. */
-std::optional<double> sunAltitude(const std::string& twilight) {
-    if (twilight == "none") {
-        return std::nullopt;
-    }
-    const auto known = kTwilights.find(twilight);
-    return degreesToRadians(known != kTwilights.end() ? known->second : std::stod(twilight));
-}
-
-QDate dateOf(const std::string& text) {
-    return QDate::fromString(QString::fromStdString(text), Qt::ISODate);
-}
-
-bool areSunAndMoonKnown(QDate date) {
-    return date.year() >= 1900 && date.year() <= 2100;
-}
-
-/** Why a text is no night; empty where it is one. */
-std::string refusalOfNight(const std::string& text) {
-    const QDate date = dateOf(text);
-    if (!date.isValid() || text.size() != std::string("YYYY-MM-DD").size()) {
-        return "'" + text + "' is not a date YYYY-MM-DD";
-    }
-    return areSunAndMoonKnown(date)
-               ? ""
-               : "'" + text + "' is not between 1900 and 2100, the years in which Sun and Moon are known";
-}
-
 std::string refusalOfTimeZone(const std::string& text) {
     return QTimeZone(QByteArray::fromStdString(text)).isValid() ? "" : "the system knows no time zone '" + text + "'";
-}
-
-WindowOptions optionsOf(const WindowArguments& arguments) {
-    WindowOptions options{arguments.run.estimates().zenithDistanceLimit, sunAltitude(arguments.twilight)};
-    if (arguments.airmass > 0) {
-        options.largestAirmass = arguments.airmass;
-    }
-    if (arguments.moon > 0) {
-        options.moonDistance = degreesToRadians(arguments.moon);
-    }
-    options.shortest = arguments.minimum / (24 * 60);
-    options.margin = kMarginOfRuns;
-    return options;
 }
 
 /** Finds the windows that the arguments ask for. */
@@ -133,7 +82,8 @@ private:
     std::vector<FieldNight> of(const Plan& plan, const std::optional<std::string>& file) {
         const std::vector<Night> nights = nightsOf(plan);
         const auto contexts = contexts_.try_emplace(nights.front().evening, nights.front().begin, nights.back().end);
-        return findFieldNights(instrument_, plan, file, nights, contexts.first->second, optionsOf(arguments_));
+        return findFieldNights(instrument_, plan, file, nights, contexts.first->second,
+                               arguments_.requirements.windowOptions(arguments_.run.estimates().zenithDistanceLimit));
     }
 
     std::vector<Night> nightsOf(const Plan& plan) const {
@@ -252,20 +202,6 @@ void addNightOptions(CLI::App& command, WindowArguments& arguments) {
     to->needs(from);
 }
 
-void addRequirementOptions(CLI::App& command, WindowArguments& arguments) {
-    command.add_option("--twilight", arguments.twilight, "or the altitude of the Sun, degrees")
-        ->check(refusalOfTwilight, "")
-        ->type_name("civil|nautical|astronomical|none")
-        ->capture_default_str();
-    command.add_option("--airmass", arguments.airmass, "greatest airmass")->check(within(1, 40))->type_name("NUMBER");
-    command.add_option("--moon", arguments.moon, "least distance from the Moon while it is up")
-        ->check(within(0, 180))
-        ->type_name("DEGREES");
-    command.add_option("--minimum", arguments.minimum, "length of the shortest window that counts")
-        ->check(within(0, 1440))
-        ->type_name("MINUTES");
-}
-
 } // namespace
 
 Command addWindowCommand(CLI::App& program) {
@@ -274,7 +210,7 @@ Command addWindowCommand(CLI::App& program) {
     command->add_option("FILE", arguments->files, "field definitions; - is the standard input")->type_name("");
     addPlaceOptions(*command, *arguments);
     addNightOptions(*command, *arguments);
-    addRequirementOptions(*command, *arguments);
+    addRequirementOptions(*command, arguments->requirements);
     addRunOptionsOfNights(*command, arguments->run);
     command->add_option("--format", arguments->format, "form of what is found")
         ->check(CLI::IsMember({"table", "csv", "json"}))
