@@ -46,7 +46,8 @@ install(
   COMPONENT program)
 
 install(TARGETS veko RUNTIME COMPONENT tools)
-install(FILES man/veko.1 man/veko-check.1 man/veko-window.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT tools)
+install(FILES man/veko.1 man/veko-check.1 man/veko-report.1 man/veko-window.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1"
+        COMPONENT tools)
 install(FILES completions/veko DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" COMPONENT tools)
 
 # The headers lie in a folder of their own, which is on the consumer's include path: #include "FocalPlane.h".

@@ -1,6 +1,7 @@
 #include "commands.h"
 
 #include "checkCommand.h"
+#include "reportCommand.h"
 #include "windowCommand.h"
 
 namespace pos {
@@ -9,6 +10,7 @@ std::vector<Command> addCommands(CLI::App& program) {
     return {
         addCheckCommand(program),
         addWindowCommand(program),
+        addReportCommand(program),
     };
 }
 

@@ -1,0 +1,100 @@
+#include "ReportedFibre.h"
+
+#include "Veko.h"
+#include "angles.h"
+#include "xmlKeywords.h"
+
+#include <cstdlib>
+#include <map>
+
+namespace pos {
+
+namespace {
+
+FibreKind kindOf(FibreStatus status, const std::string& spaxel) {
+    switch (status.value()) {
+    case FibreStatus::Enabled:
+        return spaxel.starts_with('S') ? FibreKind::Sky : FibreKind::Science;
+    case FibreStatus::Disabled:
+        return FibreKind::Disabled;
+    case FibreStatus::Absent:
+        return FibreKind::Absent;
+    default:
+        return FibreKind::Broken;
+    }
+}
+
+bool isOnFibre(const QDomElement& target) {
+    return target.tagName() == tag::target && !target.attribute(attr::ifuSpaxel).isEmpty() &&
+           target.attribute(attr::ifuSpaxel) != kMissingValue;
+}
+
+/** The targets of the fibres by identifier. */
+std::map<std::uint32_t, QDomElement> targetsOnFibres(const QDomElement& field) {
+    std::map<std::uint32_t, QDomElement> targets;
+    for (QDomElement child = field.firstChildElement(); !child.isNull(); child = child.nextSiblingElement()) {
+        if (isOnFibre(child)) {
+            const qint64 fibre = child.attribute(attr::fibreid).toLongLong();
+            targets.emplace(static_cast<std::uint32_t>(std::abs(fibre)), child);
+        }
+    }
+    return targets;
+}
+
+double numberIn(const QDomElement& target, const QString& attribute) {
+    return target.attribute(attribute).toDouble();
+}
+
+} // namespace
+
+const char* wordOf(FibreKind kind) {
+    switch (kind) {
+    case FibreKind::Science:
+        return "science";
+    case FibreKind::Sky:
+        return "sky";
+    case FibreKind::Broken:
+        return "broken";
+    case FibreKind::Disabled:
+        return "disabled";
+    case FibreKind::Absent:
+        return "absent";
+    }
+    return "";
+}
+
+std::vector<ReportedFibre> reportedFibres(const QDomElement& field, const Veko& veko) {
+    const std::map<std::uint32_t, QDomElement> targets = targetsOnFibres(field);
+    const FocalPlane& pointing = veko.focalPlane;
+    std::vector<ReportedFibre> all;
+    for (const auto& [id, fibre] : veko.fibres) {
+        const std::string& spaxel = veko.names.at(id);
+        const FibreKind kind = kindOf(fibre.status, spaxel);
+        const auto found = targets.find(id);
+        if (found != targets.end()) {
+            const QDomElement& target = found->second;
+            all.push_back({id,
+                           target.attribute(attr::ifuSpaxel).toStdString(),
+                           kind,
+                           {numberIn(target, attr::targx), numberIn(target, attr::targy)},
+                           numberIn(target, attr::targra),
+                           numberIn(target, attr::targdec)});
+        } else {
+            const PlateCoordinates plate = fibre.platePosition();
+            const Astrometric sky = pointing.xyToCirs(plate).toAstrometric(pointing.dateContext());
+            all.push_back({id, spaxel, kind, plate, radiansToDegrees(sky.ra), radiansToDegrees(sky.dec)});
+        }
+    }
+    return all;
+}
+
+bool isConfigured(const QDomElement& field) {
+    for (QDomElement child = field.firstChildElement(); !child.isNull(); child = child.nextSiblingElement()) {
+        if (isOnFibre(child) && child.attribute(attr::automatic).toInt() != 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace pos

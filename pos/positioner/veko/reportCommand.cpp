@@ -1,0 +1,98 @@
+#include "reportCommand.h"
+
+#include "OutputFile.h"
+#include "PosConfig.h"
+#include "Report.h"
+#include "angles.h"
+#include "fileAccess.h"
+#include "nightOptions.h"
+#include "reportPage.h"
+#include "sharedOptions.h"
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <memory>
+#include <stdexcept>
+
+namespace pos {
+
+namespace {
+
+/** What the arguments ask for. */
+struct ReportArguments {
+    std::string file;
+    std::string output;
+    RunOptions run;
+    std::string night;
+    RequirementOptions requirements;
+    double fieldRadius = 1.0; ///< degrees
+    double exposure = 60.0;   ///< minutes
+};
+
+/** The words of the command line. */
+std::vector<std::string> commandLine() {
+    std::ifstream words("/proc/self/cmdline", std::ios::binary);
+    std::vector<std::string> line;
+    for (std::string word; std::getline(words, word, '\0');) {
+        line.push_back(word);
+    }
+    return line;
+}
+
+QByteArray bytesOf(const std::string& name) {
+    const std::optional<QByteArray> content = readFile(name == "-" ? "/dev/stdin" : name);
+    if (!content) {
+        throw std::runtime_error(name + " could not be opened");
+    }
+    return *content;
+}
+
+/** Refuses an output that would replace what the page is made of. */
+void refuseIfRead(const std::string& output, const std::vector<DocumentRead>& documents) {
+    for (const DocumentRead& document : documents) {
+        std::error_code notThere;
+        if (std::filesystem::equivalent(output, document.name, notThere)) {
+            throw std::runtime_error("The output file " + output + " is the " + document.what + " in use");
+        }
+    }
+}
+
+int writeReport(const ReportArguments& arguments) {
+    const Estimates estimates = arguments.run.estimates();
+    const Report report =
+        makeReport({arguments.file, bytesOf(arguments.file), arguments.run.configFile, estimates,
+                    arguments.night.empty() ? std::nullopt : std::optional(dateOf(arguments.night)),
+                    arguments.requirements.windowOptions(estimates.zenithDistanceLimit),
+                    degreesToRadians(arguments.fieldRadius), arguments.exposure / (24 * 60), commandLine()});
+    refuseIfRead(arguments.output, report.documents);
+    writeFile(arguments.output, reportPage(report));
+    return 0;
+}
+
+} // namespace
+
+Command addReportCommand(CLI::App& program) {
+    const auto arguments = std::make_shared<ReportArguments>();
+    CLI::App* const command = program.add_subcommand("report", "make a page to see a field definition on");
+    command->add_option("FILE", arguments->file, "field definition, configured or not; - is the standard input")
+        ->required()
+        ->type_name("");
+    command->add_option("-o,--output", arguments->output, "file to write the page to")->required()->type_name("FILE");
+    command
+        ->add_option("--night", arguments->night, "date of the evening at the site; default: that of the observation")
+        ->check(refusalOfNight, "")
+        ->type_name("YYYY-MM-DD");
+    addRequirementOptions(*command, arguments->requirements);
+    command->add_option("--exposure", arguments->exposure, "length of the exposure, for refraction")
+        ->check(within(0, 1440))
+        ->type_name("MINUTES")
+        ->capture_default_str();
+    addFieldRadiusOption(*command, arguments->fieldRadius);
+    addRunOptions(*command, arguments->run);
+    return {command, [arguments] { return writeReport(*arguments); }};
+}
+
+} // namespace pos
