@@ -3,6 +3,7 @@
 #include "FieldTargets.h"
 #include "Instrument.h"
 #include "PosConfig.h"
+#include "ReadDocument.h"
 #include "SkyMaskXML.h"
 #include "TargetXML.h"
 #include "TelescopeConfig.h"
@@ -13,9 +14,7 @@
 #include "fileAccess.h"
 #include "instrumentFiles.h"
 #include "placeVeko.h"
-#include "xmlEncoding.h"
 #include "xmlKeywords.h"
-#include "xmlParse.h"
 #include "xmlStructure.h"
 
 #include <QCryptographicHash>
@@ -109,7 +108,7 @@ ReportedField reportField(Veko& veko, const PlacedField& placed, const QDomEleme
             colourShifts(pointing, request.exposure)};
 }
 
-/** The fields of a document. @param element behind which the next one is sought */
+/** The fields of a document. */
 std::vector<QDomElement> fieldsOf(const QDomDocument& document) {
     const QDomElement root = document.documentElement();
     std::vector<QDomElement> fields;
@@ -119,12 +118,33 @@ std::vector<QDomElement> fieldsOf(const QDomDocument& document) {
     return fields;
 }
 
+/** Whether a run has written the targets of the fibres into all fields. */
+bool isConfigured(const QDomDocument& document) {
+    const std::vector<QDomElement> fields = fieldsOf(document);
+    return !fields.empty() && std::all_of(fields.begin(), fields.end(),
+                                          [](const QDomElement& field) { return hasGeneratedTargets(field); });
+}
+
+/** A copy of a configured document as it was before: without the targets that a run has made. */
+QDomDocument beforeTheRun(const QDomDocument& document) {
+    QDomDocument copy = document.cloneNode().toDocument();
+    for (QDomElement field : fieldsOf(copy)) {
+        for (QDomElement child = field.firstChildElement(); !child.isNull();) {
+            const QDomElement next = child.nextSiblingElement();
+            if (isGenerated(child)) {
+                field.removeChild(child);
+            }
+            child = next;
+        }
+    }
+    return copy;
+}
+
 /** Configures the document, unless that has been done, and looks at its fields. */
 void reportFields(Instrument& instrument, const Estimates& estimates, Report& report) {
     const std::vector<QDomElement> fields = fieldsOf(report.document);
-    report.wasConfigured = std::all_of(fields.begin(), fields.end(), isConfigured);
-    const PlacedDocument placed = placeDocument(
-        instrument, report.wasConfigured ? report.document.cloneNode().toDocument() : report.document, estimates);
+    const PlacedDocument placed =
+        placeDocument(instrument, report.wasConfigured ? beforeTheRun(report.document) : report.document, estimates);
     report.conditions = placed.veko.focalPlane.conditions();
     if (!report.wasConfigured) {
         saveTargets(placed);
@@ -163,10 +183,12 @@ void reportNight(Instrument& instrument, const Plan& plan, Report& report) {
     }
     report.shown = partShown(report, contexts);
     for (std::size_t i = 0; i < report.fields.size(); ++i) {
-        FocalPlane pointing = report.fields.at(i).pointing;
-        pointing.setFieldCentre(plan.fields.at(i).toAstrometric(report.night.begin), plan.positionAngle);
+        ReportedField& field = report.fields.at(i);
+        field.followed = plan.fields.at(i).toAstrometric(report.night.begin);
+        FocalPlane pointing = field.pointing;
+        pointing.setFieldCentre(field.followed, plan.positionAngle);
         FieldTrack track(pointing, report.telescope, contexts);
-        report.fields.at(i).night = sampleNight(track, contexts, report.shown.first, report.shown.second);
+        field.night = sampleNight(track, contexts, report.shown.first, report.shown.second);
     }
 }
 
@@ -203,12 +225,16 @@ Report makeReport(const ReportRequest& request) {
     const Estimates estimates = estimatesOf(request, report.telescope);
     report.checked.push_back(
         {request.file, checkDocument(request.bytes, request.file, instrument, {estimates, request.fieldRadius, true})});
+    const ReadDocument read = readDocument(request.bytes, request.file);
+    report.document = read.parsed.document;
+    report.wasConfigured = !read.fault && isConfigured(report.document);
+    // Those of a configured document tell of configuring it again.
     const std::string errors = errorsIn(report.checked);
-    if (!errors.empty()) {
+    if (!errors.empty() && !report.wasConfigured) {
         throw std::runtime_error(errors);
     }
+    requireDataModelVersion(report.document);
 
-    report.document = parseXml(decodeXml(request.bytes, request.file), request.file).document;
     report.observation = findObservationElement(report.document.documentElement()).attribute("name").toStdString();
     Plan plan = readPlan(report.document, estimates);
     if (!plan.hasEpoch) {

@@ -77,6 +77,7 @@ struct ReportedField {
     double fieldRadiusMm; ///< on the plate
     FocalPlane pointing;  ///< at the moment
     std::vector<ColourShift> colours;
+    Astrometric followed = {}; ///< the place whose night this is
     NightWindows windows = {};
     std::vector<NightSample> night = {};
 };
@@ -108,8 +109,10 @@ struct Report {
  *
  * The moment is that to which the run comes. Where a night is asked for, and no epoch, it is sought in that night.
  *
- * @throw std::runtime_error for a document that the run refuses, with each error and its place on a line of its own;
- * for one without an epoch; for a night beyond the years 1900 to 2100; what checkInstrument throws
+ * A configured document is seen as it is; its problems are those of configuring it again.
+ *
+ * @throw std::runtime_error for another document that the run refuses, with each error and its place on a line of its
+ * own; for one without an epoch; for a night beyond the years 1900 to 2100; what checkInstrument throws
  */
 Report makeReport(const ReportRequest& request);
 

@@ -88,9 +88,13 @@ std::vector<ReportedFibre> reportedFibres(const QDomElement& field, const Veko& 
     return all;
 }
 
-bool isConfigured(const QDomElement& field) {
+bool isGenerated(const QDomElement& target) {
+    return isOnFibre(target) && target.attribute(attr::automatic).toInt() != 0;
+}
+
+bool hasGeneratedTargets(const QDomElement& field) {
     for (QDomElement child = field.firstChildElement(); !child.isNull(); child = child.nextSiblingElement()) {
-        if (isOnFibre(child) && child.attribute(attr::automatic).toInt() != 0) {
+        if (isGenerated(child)) {
             return true;
         }
     }

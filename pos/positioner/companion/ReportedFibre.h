@@ -45,8 +45,11 @@ struct ReportedFibre {
  */
 std::vector<ReportedFibre> reportedFibres(const QDomElement& field, const Veko& veko);
 
+/** Whether a run has made a target, for a fibre. */
+bool isGenerated(const QDomElement& target);
+
 /** Whether a run has written the targets of the fibres into a field. */
-bool isConfigured(const QDomElement& field);
+bool hasGeneratedTargets(const QDomElement& field);
 
 } // namespace pos
 

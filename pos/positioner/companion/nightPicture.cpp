@@ -19,9 +19,9 @@ using Json = nlohmann::ordered_json;
 
 // Pixels of the picture's own: the altitude above, the rotator angle below.
 constexpr double kWidth = 760;
-constexpr double kLeft = 44;
-constexpr double kRight = kWidth - 44;
-constexpr double kRowOfWindow = 18;
+constexpr double kLeft = 58;
+constexpr double kRight = kWidth - 50;
+constexpr double kRowOfWindow = 22;
 constexpr double kAltitudeHeight = 270;
 constexpr double kBetween = 34;
 constexpr double kRotatorHeight = 150;
@@ -177,7 +177,7 @@ Json windowsOf(const NightView& view, const std::vector<Window>& windows) {
                          {"end", pixels(end)},
                          {"width", pixels(std::max(end - begin, 1.0))},
                          {"labelX", pixels(std::clamp((begin + end) / 2, kLeft + kHalfLabel, kRight - kHalfLabel))},
-                         {"labelY", pixels(13 + row)},
+                         {"labelY", pixels(17 + row)},
                          {"start", clockText(window.start.mjdTai)},
                          {"startLimit", wordOf(window.startLimit)},
                          {"stop", clockText(window.end.mjdTai)},

@@ -155,7 +155,7 @@ Json arrowTo(const PlateView& view, PlateCoordinates place) {
     const Pixel direction{x / length, y / length};
     const double reach = kEdge / std::max(std::fabs(direction.x), std::fabs(direction.y)) - kLength;
     Json json = arrow({kSize / 2 + reach * direction.x, kSize / 2 + reach * direction.y}, direction, kLength);
-    const double labelX = std::clamp(kSize / 2 + (reach - 16) * direction.x, 80.0, kSize - 80);
+    const double labelX = std::clamp(kSize / 2 + (reach - 16) * direction.x, 100.0, kSize - 100);
     json["label"] = Pixel{labelX, kSize / 2 + (reach - 16) * direction.y + 4}.json();
     return json;
 }

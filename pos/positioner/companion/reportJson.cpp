@@ -89,9 +89,28 @@ Json jsonOf(const Report& report, const ReportedField& field) {
             {"centre", jsonOf(field.centre)},
             {"science", std::move(science)},
             {"guide", std::move(guide)},
+            {"followed",
+             {{"raDeg", radiansToDegrees(field.followed.ra)}, {"decDeg", radiansToDegrees(field.followed.dec)}}},
             {"night", nightJson(field.night)},
             {"windows", windowsJson(report, field)},
             {"reason", field.windows.windows.empty() ? Json(field.windows.reason) : Json()}};
+}
+
+Json siteJson(const Telescope& site) {
+    return {{"eastLongitudeDeg", radiansToDegrees(site.eastLongitude)},
+            {"latitudeDeg", radiansToDegrees(site.latitude)},
+            {"heightM", site.height},
+            {"refractionFromDeg", radiansToDegrees(site.horizonLimit)},
+            {"rotatorOffsetDeg", radiansToDegrees(site.rotatorOffset)},
+            {"rotatorLowDeg", radiansToDegrees(site.rotatorLowLimit)},
+            {"rotatorHighDeg", radiansToDegrees(site.rotatorHighLimit)}};
+}
+
+Json conditionsJson(const Conditions& conditions) {
+    return {{"mjdTai", decimals(conditions.epoch, 8)},
+            {"temperatureK", conditions.temperature},
+            {"pressureMbar", conditions.pressure},
+            {"relativeHumidity", conditions.relativeHumidity}};
 }
 
 /** All problems, each with its file. */
@@ -116,7 +135,9 @@ std::string reportJson(const Report& report) {
         fields.push_back(jsonOf(report, field));
     }
     return jsonForScript({{"version", 1},
-                          {"momentMjdTai", decimals(report.conditions.epoch, 8)},
+                          {"site", siteJson(report.telescope)},
+                          {"conditions", conditionsJson(report.conditions)},
+                          {"positionAngleDeg", radiansToDegrees(report.fields.front().pointing.positionAngle())},
                           {"fields", std::move(fields)},
                           {"problems", problemsJson(report.checked)},
                           {"provenance", provenanceJson(report)}});
