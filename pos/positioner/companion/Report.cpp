@@ -51,7 +51,7 @@ Estimates estimatesOf(const ReportRequest& request, const Telescope& telescope) 
 }
 
 void requireKnownNight(const Night& night) {
-    if (night.evening.year() < 1900 || night.evening.year() > 2100) {
+    if (!areSunAndMoonKnown(night.evening)) {
         throw std::runtime_error("The night of " + night.evening.toString(Qt::ISODate).toStdString() +
                                  " is not between 1900 and 2100, the years in which Sun and Moon are known");
     }

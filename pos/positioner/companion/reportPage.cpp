@@ -38,12 +38,12 @@ Json factsOf(const Report& report) {
             fact("MJD (TAI)", numberText(air.epoch, 6)),
             fact("Night of", report.night.evening.toString(Qt::ISODate).toStdString()),
             fact("Position angle", degreesText(pointing.positionAngle(), 2) + "°"),
-            fact("Temperature", numberText(air.temperature, 1) + " K"),
-            fact("Pressure", numberText(air.pressure, 1) + " mbar"),
+            fact("Temperature", numberText(air.temperature, 1) + "\u00a0K"),
+            fact("Pressure", numberText(air.pressure, 1) + "\u00a0mbar"),
             fact("Relative humidity", numberText(air.relativeHumidity, 2)),
-            fact("Site", degreesText(report.telescope.latitude, 4) + "° N, " +
-                             degreesText(report.telescope.eastLongitude, 4) + "° E, " +
-                             numberText(report.telescope.height, 0) + " m")};
+            fact("Site", degreesText(report.telescope.latitude, 4) + "°\u00a0N, " +
+                             degreesText(report.telescope.eastLongitude, 4) + "°\u00a0E, " +
+                             numberText(report.telescope.height, 0) + "\u00a0m")};
 }
 
 Json problemsOf(const std::vector<CheckedFile>& files) {
