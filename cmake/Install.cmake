@@ -31,7 +31,7 @@ install(
 # Beside the examples and the schemas, as in the sources, so that links between them hold.
 install(
   FILES docs/accuracy.md docs/checks.md docs/documents.md docs/input-and-output.md docs/many-documents.md
-        docs/messages.md docs/position.md docs/tutorial.md
+        docs/messages.md docs/position.md docs/tutorial.md docs/window.md
   DESTINATION "${program_data}/docs"
   COMPONENT program)
 install(FILES docs/pictures/check.svg DESTINATION "${program_data}/docs/pictures" COMPONENT program)

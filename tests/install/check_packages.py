@@ -120,7 +120,7 @@ class Packages(unittest.TestCase):
 
     def test_manual_pages_schemas_and_completion_can_be_read(self):
         pages = [page for usr in (self.usr, self.tools) for page in usr.glob("share/man/man?/*.gz")]
-        self.assertEqual(len(pages), 4)
+        self.assertEqual({page.stem for page in pages}, {page.name for page in (HERE.parents[1] / "man").iterdir()})
         for page in pages:
             self.assertRegex(gzip.decompress(page.read_bytes()).decode(), rf"(?m)^\.TH \S+ {page.suffixes[0][1]}\b")
         for schema in (self.usr / "share/veko_configure/schemas").iterdir():

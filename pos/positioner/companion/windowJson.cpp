@@ -81,7 +81,7 @@ std::string cellOf(const Json& value) {
     if (!value.is_string()) {
         return textOf(value, -1);
     }
-    const auto text = value.get<std::string>();
+    auto text = value.get<std::string>();
     if (text.find_first_of(",\"\r\n") == std::string::npos) {
         return text;
     }
@@ -99,12 +99,11 @@ std::string lineOf(const Json& cells) {
 
 /** All of a line of the CSV, by name. @param window of the night; nothing where it has none */
 Json rowOf(const FieldNight& night, const Window* window, const WindowStyle& style) {
+    Json ofWindow;
+    flatten(jsonOf(window != nullptr ? *window : Window{}, style), "", ofWindow);
     Json row = jsonOf(night);
-    flatten(jsonOf(window != nullptr ? *window : Window{}, style), "", row);
-    if (window == nullptr) {
-        for (auto& [name, value] : row.items()) {
-            value = jsonOf(night).contains(name) ? value : Json();
-        }
+    for (const auto& [name, value] : ofWindow.items()) {
+        row[name] = window != nullptr ? value : Json();
     }
     row["reason"] = reasonOf(night);
     return row;
