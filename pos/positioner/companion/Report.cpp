@@ -78,10 +78,16 @@ ReportedPlace placeOf(const QDomElement& target, const FocalPlane& pointing) {
             {target.attribute(attr::targx).toDouble(), target.attribute(attr::targy).toDouble()}};
 }
 
+/** The masks of a field; none where one cannot be read or drawn: the run passes over those of other fields than the
+ * first. */
 std::vector<ReportedMask> masksOf(const QDomElement& field, const FocalPlane& pointing) {
     std::vector<ReportedMask> masks;
-    for (const SkyMask& mask : createSkyMasksXML(field.firstChildElement(tag::avoidanceList))) {
-        masks.push_back({mask, pointing.cirsToXy(mask.centre.toCirs(pointing.dateContext()))});
+    try {
+        for (const SkyMask& mask : createSkyMasksXML(field.firstChildElement(tag::avoidanceList))) {
+            masks.push_back({mask, pointing.cirsToXy(mask.centre.toCirs(pointing.dateContext()))});
+        }
+    } catch (const std::runtime_error&) {
+        return {};
     }
     return masks;
 }

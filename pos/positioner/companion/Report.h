@@ -49,7 +49,7 @@ struct ReportedPlace {
 /** A region to avoid. */
 struct ReportedMask {
     SkyMask mask;
-    PlateCoordinates plate; ///< of its centre
+    PlateCoordinates plate{0.0, 0.0}; ///< of its centre
 };
 
 /** How the sky lies on the plate: where a small step to the north and to the east leads, mm per radian. */

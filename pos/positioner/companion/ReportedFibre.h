@@ -8,6 +8,7 @@
 #include "PlateCoordinates.h"
 
 #include <QDomElement>
+#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -20,8 +21,8 @@ class Veko;
 enum class FibreKind { Science, Sky, Broken, Disabled, Absent };
 
 /** All of them, in the order in which people want to read of them. */
-inline constexpr FibreKind kFibreKinds[] = {FibreKind::Science, FibreKind::Sky, FibreKind::Broken, FibreKind::Disabled,
-                                            FibreKind::Absent}; // NOLINT(*-avoid-c-arrays)
+inline constexpr std::array kFibreKinds = {FibreKind::Science, FibreKind::Sky, FibreKind::Broken, FibreKind::Disabled,
+                                           FibreKind::Absent};
 
 /** "science", "sky", … */
 const char* wordOf(FibreKind kind);

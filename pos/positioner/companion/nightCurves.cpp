@@ -18,7 +18,9 @@ constexpr double kHalfAnHour = 0.5 / 24;
 std::pair<double, double> darkPart(const Telescope& site, const DateContexts& contexts, const Night& night) {
     double first = night.end;
     double last = night.begin;
-    for (double instant = night.begin; instant < night.end; instant += kTenMinutes) {
+    const int steps = static_cast<int>((night.end - night.begin) / kTenMinutes);
+    for (int step = 0; step <= steps; ++step) {
+        const double instant = night.begin + step * kTenMinutes;
         if (sunFrom(site, contexts.at(instant)).altitude < 0) {
             first = std::min(first, instant);
             last = instant;
@@ -33,18 +35,19 @@ std::pair<double, double> darkPart(const Telescope& site, const DateContexts& co
 std::vector<NightSample> sampleNight(FieldTrack& track, const DateContexts& contexts, double begin, double end) {
     constexpr double kMicroday = 1e-6; // written with so many decimals, an instant stays what it is
     const double taiLessUtc = begin - utcOf(begin);
+    const auto first = static_cast<qint64>(std::ceil((begin - taiLessUtc) / kTenMinutes));
+    const auto last = static_cast<qint64>(std::floor((end - taiLessUtc) / kTenMinutes));
     std::vector<NightSample> samples;
-    for (double steps = std::ceil((begin - taiLessUtc) / kTenMinutes);; steps += 1) {
-        const double instant = std::round((steps * kTenMinutes + taiLessUtc) / kMicroday) * kMicroday;
-        if (instant > end) {
-            return samples;
-        }
+    for (qint64 step = first; step <= last; ++step) {
+        const double instant =
+            std::round((static_cast<double>(step) * kTenMinutes + taiLessUtc) / kMicroday) * kMicroday;
         const DateContext context = contexts.at(instant);
         const FocalPlane& pointing = track.at(instant);
         samples.push_back({instant, kPi / 2 - pointing.zenithDistance(), track.rotatorAngle(),
                            pointing.parallacticAngle(), sunFrom(track.telescope(), context).altitude,
                            moonFrom(track.telescope(), context).altitude});
     }
+    return samples;
 }
 
 } // namespace pos

@@ -10,6 +10,7 @@
 #include <cmath>
 #include <functional>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 namespace pos {
 
@@ -43,7 +44,7 @@ Json pixels(double value) {
 class NightView {
 public:
     NightView(std::pair<double, double> shown, std::size_t windows)
-        : shown_(shown), top_(kRowOfWindow * static_cast<double>(std::max<std::size_t>(windows, 1)) + 10) {}
+        : shown_(std::move(shown)), top_(kRowOfWindow * static_cast<double>(std::max<std::size_t>(windows, 1)) + 10) {}
 
     double x(double mjdTai) const {
         return kLeft + (mjdTai - shown_.first) / (shown_.second - shown_.first) * (kRight - kLeft);
@@ -93,7 +94,7 @@ constexpr std::array<std::pair<double, const char*>, 4> kDarkness = {
     {{-18, "night"}, {-12, "astronomical"}, {-6, "nautical"}, {0, "civil"}}};
 
 const char* darknessAt(double sunAltitude) {
-    const auto found = std::find_if(kDarkness.begin(), kDarkness.end(), [&](const auto& darkness) {
+    const auto* const found = std::find_if(kDarkness.begin(), kDarkness.end(), [&](const auto& darkness) {
         return radiansToDegrees(sunAltitude) < darkness.first;
     });
     return found == kDarkness.end() ? "day" : found->second;
