@@ -53,7 +53,7 @@ set(CPACK_DEBIAN_TOOLS_DESCRIPTION
 Finds every problem of a document before veko_configure runs on it: tells the
 line, the column, what is wrong and what to do, as text, JSON or SARIF, and
 mends what can be mended for certain. Tells when a field can be observed, and
-what ends it.
+what ends it, and makes a page to see it on.
 .
 The instrument is compiled in; the package needs no other of this program.")
 
