@@ -45,13 +45,9 @@ bool isUnknown(const FieldPointing& pointing, double value) {
 }
 
 /** The rotator angle at a parallactic angle, radians. */
-double rotatorAngle(const CheckedDocument& document, double parallacticAngle, double positionAngle) {
-    return wrapAngle(document.pointing->rotatorOffset() - parallacticAngle + positionAngle);
-}
-
-/** The same at the position angle of the document. */
 double rotatorAngle(const CheckedDocument& document, double parallacticAngle) {
-    return rotatorAngle(document, parallacticAngle, document.pointing->positionAngle());
+    const FocalPlane& pointing = *document.pointing;
+    return wrapAngle(pointing.rotatorOffset() - parallacticAngle + pointing.positionAngle());
 }
 
 /**
