@@ -1,6 +1,7 @@
 #include "CheckedDocument.h"
 
 #include "TargetWalk.h"
+#include "numberText.h"
 #include "xmlKeywords.h"
 #include "xmlStructure.h"
 
@@ -86,6 +87,10 @@ std::vector<const SourceElement*> findTargetsRead(const std::vector<CheckedField
 }
 
 } // namespace
+
+bool isGenerated(const SourceElement& target) {
+    return integerOf(target.node.attribute(attr::automatic)).value_or(0) != 0;
+}
 
 void findParts(CheckedDocument& document) {
     const SourceElement& root = document.root;

@@ -94,6 +94,9 @@ template <typename Visit> void visitElements(const SourceElement& element, const
     }
 }
 
+/** Whether a run has made a target. */
+bool isGenerated(const SourceElement& target);
+
 /** Finds the parts of a document that the run reads, as the run finds them, and the names that it does not know. */
 void findParts(CheckedDocument& document);
 

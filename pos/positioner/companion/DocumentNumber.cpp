@@ -44,9 +44,9 @@ std::optional<double> valueOf(Quantity quantity, const QString& text) {
 }
 
 /** Gathers the numbers of one element after the other. */
-class Gatherer {
+class NumberGatherer {
 public:
-    explicit Gatherer(const CheckedDocument& document)
+    explicit NumberGatherer(const CheckedDocument& document)
         : options_(document.options), targetsRead_(document.targetsRead.begin(), document.targetsRead.end()) {}
 
     void addElement(const SourceElement& element, const Meanings& meanings, bool isRead) {
@@ -103,7 +103,7 @@ private:
 } // namespace
 
 std::vector<DocumentNumber> numbersOf(const CheckedDocument& document) {
-    Gatherer gatherer(document);
+    NumberGatherer gatherer(document);
     if (document.observation != nullptr) {
         gatherer.addElement(*document.observation, kObservation, true);
     }

@@ -13,11 +13,11 @@ namespace {
 constexpr double kHourAngleRate = 2 * kPi * 1.00273790934;
 
 /** The range of rotator angles that are between the limits: those of a wrapped angle. */
-struct Range {
+struct RotatorRange {
     double low;
     double high;
 
-    explicit Range(const Telescope& telescope)
+    explicit RotatorRange(const Telescope& telescope)
         : low(std::max(telescope.rotatorLowLimit, -kPi)), high(std::min(telescope.rotatorHighLimit, kPi)) {}
 
     double middle() const {
@@ -60,7 +60,7 @@ bool FieldTrack::isRotatorInside() {
 }
 
 double FieldTrack::rotatorFromMiddle() {
-    return wrapAngle(rotatorAngle() - Range(telescope_).middle());
+    return wrapAngle(rotatorAngle() - RotatorRange(telescope_).middle());
 }
 
 /** Without air, through which the hour angle would not change evenly near the pole. */
@@ -112,7 +112,7 @@ Curve FieldTrack::rotatorAbove(double limit, double begin, double end, const std
 }
 
 std::vector<Curve> FieldTrack::rotatorLimits(double begin, double end) {
-    const Range range(telescope_);
+    const RotatorRange range(telescope_);
     if (range.isWholeTurn()) {
         return {};
     }

@@ -101,9 +101,9 @@ std::optional<std::string> readerRefusal(InstrumentPart part, const QString& ele
 }
 
 /** Gathers the values of a document. */
-class Gatherer {
+class ValueGatherer {
 public:
-    explicit Gatherer(InstrumentDocument& document) : document_(document) {}
+    explicit ValueGatherer(InstrumentDocument& document) : document_(document) {}
 
     void gather() {
         const bool isThere = document_.content != nullptr;
@@ -233,7 +233,7 @@ const SourceElement* firstChild(const SourceElement& element, const QString& nam
 void findParts(InstrumentDocument& document) {
     const bool isBelow = document.part == InstrumentPart::FocalPlaneMap && document.root.name() != document.rootName;
     document.content = isBelow ? firstChild(document.root, document.rootName) : &document.root;
-    Gatherer(document).gather();
+    ValueGatherer(document).gather();
 }
 
 } // namespace pos

@@ -16,8 +16,8 @@ constexpr Range kKilopascal = {30.0, 110.0};
 constexpr Range kBar = {0.3, 1.1};
 constexpr Range kPascal = {30000.0, 110000.0};
 /** Hour angles beyond are no hours counted from 0 to 24. */
-constexpr double kDay = 24.0;
-constexpr double kTurn = 360.0;
+constexpr double kHoursInADay = 24.0;
+constexpr double kFullTurn = 360.0;
 
 /** A number of another unit in the document's. */
 OtherUnit converted(const char* unit, const DocumentNumber& number, double factor, double offset, int moreDecimals) {
@@ -52,10 +52,10 @@ std::optional<OtherUnit> otherHumidity(const DocumentNumber& number) {
 
 std::optional<OtherUnit> otherHourAngle(const DocumentNumber& number) {
     const double size = std::fabs(*number.value);
-    if (size <= kDay || size > kTurn) {
+    if (size <= kHoursInADay || size > kFullTurn) {
         return std::nullopt;
     }
-    return size <= kTurn / 2 ? converted("degrees", number, 1.0 / 15, 0.0, 4) : OtherUnit{"degrees", std::nullopt};
+    return size <= kFullTurn / 2 ? converted("degrees", number, 1.0 / 15, 0.0, 4) : OtherUnit{"degrees", std::nullopt};
 }
 
 std::optional<OtherUnit> otherParallax(const DocumentNumber& number) {

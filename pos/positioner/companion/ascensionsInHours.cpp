@@ -12,7 +12,7 @@ namespace pos {
 
 namespace {
 
-constexpr double kDay = 24.0; ///< hours
+constexpr double kHoursInATurn = 24.0;
 
 /** A place that a document gives, degrees. */
 struct GivenPlace {
@@ -48,7 +48,8 @@ bool isInHours(const GivenPlace& place, const GivenPlace& other, double radius) 
         return eraSeps(degreesToRadians(raDeg), degreesToRadians(place.dec), degreesToRadians(other.ra),
                        degreesToRadians(other.dec));
     };
-    return place.ra >= 0.0 && place.ra < kDay && distance(place.ra) > radius && distance(15 * place.ra) < radius;
+    return place.ra >= 0.0 && place.ra < kHoursInATurn && distance(place.ra) > radius &&
+           distance(15 * place.ra) < radius;
 }
 
 /** The places to which the run points: centre, science target and guide star. */

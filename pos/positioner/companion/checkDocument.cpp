@@ -32,7 +32,7 @@ bool isPlain(const SourceElement& element, int depth) {
 }
 
 /** The message of the run's failure on a document, which it changes; nothing where it succeeds or cannot begin. */
-std::optional<std::string> failureOf(CheckedDocument& document, QDomDocument tree) {
+std::optional<std::string> failureOfRun(CheckedDocument& document, QDomDocument tree) {
     if (!document.options.isInstrumentSound) {
         return std::nullopt;
     }
@@ -87,7 +87,7 @@ void checkTree(const ReadDocument& read, Instrument& instrument, const CheckOpti
     }
     findParts(document);
     if (!read.fault) {
-        document.failure = failureOf(document, read.parsed.document.cloneNode().toDocument());
+        document.failure = failureOfRun(document, read.parsed.document.cloneNode().toDocument());
     }
     pointDocument(document);
     applyRules(document, problems);

@@ -24,9 +24,9 @@ struct StrayName {
 };
 
 /** Walks over a document of the instrument with its vocabulary. */
-class NameWalk {
+class InstrumentNameWalk {
 public:
-    explicit NameWalk(const InstrumentDocument& document) : document_(document) {}
+    explicit InstrumentNameWalk(const InstrumentDocument& document) : document_(document) {}
 
     std::vector<StrayName> walk() {
         const SourceElement& root = document_.root;
@@ -138,7 +138,7 @@ std::string notKnown(const InstrumentDocument& document, const StrayName& name) 
 }
 
 template <typename Add> void visitStray(const InstrumentDocument& document, StrayName::Kind kind, const Add& add) {
-    for (const StrayName& name : NameWalk(document).walk()) {
+    for (const StrayName& name : InstrumentNameWalk(document).walk()) {
         if (name.kind == kind) {
             add(name);
         }

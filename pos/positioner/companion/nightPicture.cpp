@@ -36,10 +36,6 @@ constexpr double kHighestShown = 90;
 
 constexpr double kHour = 1.0 / 24;
 
-Json pixels(double value) {
-    return pictureText(value, 1);
-}
-
 /** The axes of a night's picture. */
 class NightView {
 public:

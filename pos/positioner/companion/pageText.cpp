@@ -24,6 +24,10 @@ std::string pictureText(double value, int decimals) {
     return text == "-0" ? "0" : text.toStdString();
 }
 
+std::string pixels(double value) {
+    return pictureText(value, 1);
+}
+
 std::string degreesText(double radians, int decimals) {
     return numberText(radiansToDegrees(radians), decimals);
 }

@@ -15,6 +15,9 @@ std::string numberText(double value, int decimals);
 /** A number for a picture: no more decimals than it needs, at most so many. */
 std::string pictureText(double value, int decimals);
 
+/** A length in a picture. */
+std::string pixels(double value);
+
 /** An angle in degrees with so many decimals. @param radians the angle */
 std::string degreesText(double radians, int decimals);
 

@@ -22,10 +22,6 @@ constexpr double kSize = 720;
 /** A fibre as it is drawn, radians: 1.3 arcsec; the definition of the bundle does not tell its size. */
 constexpr double kFibreRadius = degreesToRadians(1.3 / 3600);
 
-Json pixels(double value) {
-    return pictureText(value, 1);
-}
-
 /** A place in a picture, pixels from its upper left corner. */
 struct Pixel {
     double x;
@@ -108,7 +104,7 @@ Json scaleBar(const PlateView& view, const PlateAxes& axes, Pixel guide) {
             {"label", std::to_string(isMinutes ? chosen / 60 : chosen) + (isMinutes ? " arcmin" : " arcsec")}};
 }
 
-Json jsonOf(const ReportedFibre& fibre) {
+Json drawnFibre(const ReportedFibre& fibre) {
     return {{"id", std::to_string(fibre.id)},     {"spaxel", fibre.spaxel},
             {"x", pictureText(fibre.plate.x, 3)}, {"y", pictureText(fibre.plate.y, 3)},
             {"ra", pictureText(fibre.raDeg, 5)},  {"dec", pictureText(fibre.decDeg, 5)}};
@@ -121,7 +117,7 @@ Json kindsOf(const std::vector<ReportedFibre>& fibres) {
         Json ofKind = Json::array();
         for (const ReportedFibre& fibre : fibres) {
             if (fibre.kind == kind) {
-                ofKind.push_back(jsonOf(fibre));
+                ofKind.push_back(drawnFibre(fibre));
             }
         }
         if (!ofKind.empty()) {

@@ -11,7 +11,7 @@ namespace pos {
 
 namespace {
 
-constexpr int kTurn = 360; // degrees
+constexpr int kWholeDegreesInATurn = 360;
 
 /** Whether the rotator can follow, with some room at the limits. Angles are radians. */
 bool isWithinLimits(const Telescope& telescope, double parallacticAngle, double positionAngle) {
@@ -23,14 +23,15 @@ bool isWithinLimits(const Telescope& telescope, double parallacticAngle, double 
 /** Angles, whole degrees in ascending order, as ranges, of which one may go through 0. */
 std::string rangesOf(const std::vector<int>& angles) {
     const auto isFirst = [&](int angle) {
-        return !std::binary_search(angles.begin(), angles.end(), (angle + kTurn - 1) % kTurn);
+        return !std::binary_search(angles.begin(), angles.end(),
+                                   (angle + kWholeDegreesInATurn - 1) % kWholeDegreesInATurn);
     };
-    std::string ranges = angles.size() == kTurn ? "from 0 to 359" : "";
+    std::string ranges = angles.size() == kWholeDegreesInATurn ? "from 0 to 359" : "";
     for (auto first = std::find_if(angles.begin(), angles.end(), isFirst); first != angles.end();
          first = std::find_if(first + 1, angles.end(), isFirst)) {
         int last = *first;
-        while (std::binary_search(angles.begin(), angles.end(), (last + 1) % kTurn)) {
-            last = (last + 1) % kTurn;
+        while (std::binary_search(angles.begin(), angles.end(), (last + 1) % kWholeDegreesInATurn)) {
+            last = (last + 1) % kWholeDegreesInATurn;
         }
         ranges += (ranges.empty() ? "from " : " or from ") + std::to_string(*first) +
                   (last < *first ? " through 0 to " : " to ") + std::to_string(last);
@@ -51,7 +52,7 @@ std::string shortText(double value) {
 std::string positionAnglesInWords(const Telescope& telescope, const std::vector<double>& parallacticAngles,
                                   double present) {
     std::vector<int> does;
-    for (int angle = 0; angle < kTurn; ++angle) {
+    for (int angle = 0; angle < kWholeDegreesInATurn; ++angle) {
         if (std::all_of(parallacticAngles.begin(), parallacticAngles.end(), [&](double parallacticAngle) {
                 return isWithinLimits(telescope, parallacticAngle, degreesToRadians(angle));
             })) {

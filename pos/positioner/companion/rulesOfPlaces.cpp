@@ -27,7 +27,7 @@ double separation(Astrometric a, Astrometric b) {
     return eraSeps(a.ra, a.dec, b.ra, b.dec);
 }
 
-std::string degreesText(double radians) {
+std::string inDegrees(double radians) {
     return fixedText(radiansToDegrees(radians), 2).toStdString() + " degrees";
 }
 
@@ -93,13 +93,13 @@ void findPlacesApart(const Rule& rule, const CheckedDocument& document, Problems
         const ThreePlaces places(field, radius);
         const auto add = [&](const SourceElement& element, const std::string& who, Astrometric place, Astrometric other,
                              const std::string& otherName, const std::string& help) {
-            std::string message = who + " is " + degreesText(separation(place, other)) + " away from the ";
+            std::string message = who + " is " + inDegrees(separation(place, other)) + " away from the ";
             message += otherName + ", and --field_radius is " + QString::number(radiansToDegrees(radius)).toStdString();
             problems.add(rule, coordinateOff(element, place, other), message, help);
         };
         if (places.scienceIsAstray()) {
             add(*field.science, "The " + nameOf(*field.science), *places.science, *places.guide,
-                "guide star and " + degreesText(separation(*places.science, *places.centre)) + " from the field centre",
+                "guide star and " + inDegrees(separation(*places.science, *places.centre)) + " from the field centre",
                 "Correct its targra and targdec, in decimal degrees");
         }
         if (places.centreIsAstray()) {
@@ -226,11 +226,6 @@ private:
 
 std::string lineOf(const CheckedDocument& document, const SourceElement& element) {
     return "line " + std::to_string(document.text.lineOf(element.tag.begin));
-}
-
-/** Whether a run has made the target. */
-bool isGenerated(const SourceElement& target) {
-    return integerOf(target.node.attribute(attr::automatic)).value_or(0) != 0;
 }
 
 void findTargetsOnTop(const Rule& rule, const CheckedDocument& document, Problems& problems) {

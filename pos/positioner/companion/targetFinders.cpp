@@ -19,11 +19,6 @@ std::string labelOf(const SourceElement& target) {
     return name.isEmpty() ? "a target without a name" : "target '" + name.toStdString() + "'";
 }
 
-/** Whether a run has made the target. */
-bool isGenerated(const SourceElement& target) {
-    return integerOf(target.node.attribute(attr::automatic)).value_or(0) != 0;
-}
-
 QString useOf(const SourceElement& target) {
     return target.node.attribute(attr::targuse);
 }

@@ -24,7 +24,7 @@ constexpr double kDegreesInATurn = 360.0;
 constexpr Range kHeights = {-430.0, 8900.0};
 /** A rotator may turn by more than a turn, but hardly by more to one side. Degrees. */
 constexpr Range kRotator = {-2 * kDegreesInATurn, 2 * kDegreesInATurn};
-constexpr Range kTurn = {-kDegreesInATurn, kDegreesInATurn};
+constexpr Range kTurns = {-kDegreesInATurn, kDegreesInATurn};
 /** Distortion changes the scale on the axis by some per cent. */
 constexpr Range kScales = {0.9, 1.1};
 
@@ -37,8 +37,8 @@ const std::map<QString, Range>& likelyRanges() {
                                                     {"rotator_offset", kRotator},
                                                     {"plate_a", kRotator},
                                                     {"plate_b", kRotator},
-                                                    {attr::r0, kTurn},
-                                                    {attr::orientation, kTurn}};
+                                                    {attr::r0, kTurns},
+                                                    {attr::orientation, kTurns}};
     return ranges;
 }
 

@@ -14,7 +14,7 @@ namespace pos {
 
 namespace {
 
-constexpr int kWidth = 79;
+constexpr int kLineWidth = 79;
 constexpr int kLabelWidth = 23;
 constexpr int kMomentWidth = 19;
 
@@ -27,13 +27,13 @@ QString clockOf(const std::string& iso) {
 }
 
 /** Without a sign where all digits are 0. */
-QString decimals(double value, int number) {
+QString decimalText(double value, int number) {
     const QString text = fixedText(value, number);
     return text.startsWith('-') && text.toDouble() == 0 ? text.mid(1) : text;
 }
 
-QString degrees(double radians) {
-    return decimals(radiansToDegrees(radians), 3);
+QString threeDecimals(double radians) {
+    return decimalText(radiansToDegrees(radians), 3);
 }
 
 /** Hours as "21:04:05". */
@@ -66,7 +66,7 @@ QString wrapped(const QString& text, int indent) {
     QString all;
     QString line = margin;
     for (const QString& word : text.split(' ')) {
-        if (line.size() > indent && line.size() + word.size() > kWidth) {
+        if (line.size() > indent && line.size() + word.size() > kLineWidth) {
             all += line.trimmed().prepend(margin) + '\n';
             line = margin;
         }
@@ -91,19 +91,20 @@ std::vector<Row> rowsOf(const WindowStyle& style) {
         rows.end(),
         {{"MJD (TAI)", [](const Moment& moment) { return fixedText(moment.mjdTai, 8); }},
          {"epoch (--epoch)", [](const Moment& moment) { return fixedText(julianEpochOf(moment.mjdTai), 12); }},
-         {"hour angle, h", [](const Moment& moment) { return decimals(radiansToHours(moment.hourAngle), 5); }},
-         {"of field 1 (--ha)", [](const Moment& moment) { return decimals(radiansToHours(moment.runHourAngle), 5); }},
+         {"hour angle, h", [](const Moment& moment) { return decimalText(radiansToHours(moment.hourAngle), 5); }},
+         {"of field 1 (--ha)",
+          [](const Moment& moment) { return decimalText(radiansToHours(moment.runHourAngle), 5); }},
          {"sidereal time", [](const Moment& moment) { return sexagesimal(moment.siderealTime); }},
-         {"altitude, deg", [](const Moment& moment) { return degrees(moment.altitude); }},
+         {"altitude, deg", [](const Moment& moment) { return threeDecimals(moment.altitude); }},
          {"airmass",
           [](const Moment& moment) { return std::isfinite(moment.airmass) ? fixedText(moment.airmass, 3) : "-"; }},
-         {"azimuth, deg", [](const Moment& moment) { return degrees(moment.azimuth); }},
-         {"parallactic, deg", [](const Moment& moment) { return degrees(moment.parallacticAngle); }},
-         {"rotator, deg", [](const Moment& moment) { return degrees(moment.rotatorAngle); }},
-         {"  above low limit",
-          [low = style.telescope.rotatorLowLimit](const Moment& moment) { return degrees(moment.rotatorAngle - low); }},
+         {"azimuth, deg", [](const Moment& moment) { return threeDecimals(moment.azimuth); }},
+         {"parallactic, deg", [](const Moment& moment) { return threeDecimals(moment.parallacticAngle); }},
+         {"rotator, deg", [](const Moment& moment) { return threeDecimals(moment.rotatorAngle); }},
+         {"  above low limit", [low = style.telescope.rotatorLowLimit](
+                                   const Moment& moment) { return threeDecimals(moment.rotatorAngle - low); }},
          {"  below high limit", [high = style.telescope.rotatorHighLimit](const Moment& moment) {
-              return degrees(high - moment.rotatorAngle);
+              return threeDecimals(high - moment.rotatorAngle);
           }}});
     return rows;
 }

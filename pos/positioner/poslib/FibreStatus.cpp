@@ -17,7 +17,7 @@ static_assert(kWords.size() == FibreStatus::Absent + 1 && kWords[FibreStatus::En
               kWords[FibreStatus::BadFerrule] == "bad ferrule" && kWords[FibreStatus::NoMagnet] == "no magnet" &&
               kWords[FibreStatus::NoPrism] == "no prism" && kWords[FibreStatus::Absent] == "absent");
 
-FibreStatus::Value parse(const std::string& text) {
+FibreStatus::Value parseStatus(const std::string& text) {
     std::string lower = text;
     std::transform(lower.begin(), lower.end(), lower.begin(),
                    [](unsigned char character) { return static_cast<char>(std::tolower(character)); });
@@ -27,7 +27,7 @@ FibreStatus::Value parse(const std::string& text) {
 
 } // namespace
 
-FibreStatus::FibreStatus(const std::string& text) : value_(parse(text)) {}
+FibreStatus::FibreStatus(const std::string& text) : value_(parseStatus(text)) {}
 
 FibreStatus::operator std::string() const {
     return value_ < kWords.size() ? std::string(kWords.at(value_)) : std::string();

@@ -16,7 +16,7 @@ static_assert(kLetters.size() == TargetUse::R + 1 && kLetters[TargetUse::T] == "
               kLetters[TargetUse::G] == "G" && kLetters[TargetUse::S] == "S" && kLetters[TargetUse::E] == "E" &&
               kLetters[TargetUse::R] == "R");
 
-TargetUse::Value parse(const std::string& text) {
+TargetUse::Value parseUse(const std::string& text) {
     std::string upper = text;
     std::transform(upper.begin(), upper.end(), upper.begin(),
                    [](unsigned char character) { return static_cast<char>(std::toupper(character)); });
@@ -29,7 +29,7 @@ TargetUse::Value parse(const std::string& text) {
 
 } // namespace
 
-TargetUse::TargetUse(const std::string& text) : value_(parse(text)) {}
+TargetUse::TargetUse(const std::string& text) : value_(parseUse(text)) {}
 
 TargetUse::operator std::string() const {
     return value_ < kLetters.size() ? std::string(kLetters.at(value_)) : std::string();

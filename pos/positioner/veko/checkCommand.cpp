@@ -37,19 +37,16 @@ struct CheckArguments {
     bool diff = false;
 };
 
-/** The exit statuses of the command. */
-enum Status { kClean = 0, kProblems = 1, kTrouble = 2 };
-
 int list(const std::string& format) {
     if (format == "json") {
         std::cout << catalogueJson(allRules());
-        return kClean;
+        return kGood;
     }
     for (const Rule* rule : allRules()) {
         std::cout << rule->code << "  " << severityWord(rule->severity)
                   << std::string(9 - std::string(severityWord(rule->severity)).size(), ' ') << rule->title << '\n';
     }
-    return kClean;
+    return kGood;
 }
 
 int explain(const std::string& code, const std::string& format) {
@@ -62,14 +59,14 @@ int explain(const std::string& code, const std::string& format) {
     const Rule& rule = **found;
     if (format == "json") {
         std::cout << catalogueJson({&rule});
-        return kClean;
+        return kGood;
     }
     std::cout << rule.code << " (" << severityWord(rule.severity) << "): " << rule.title << "\n\n"
               << rule.explanation << '\n';
     if (*rule.wrong != '\0') {
         std::cout << "\nWrong:\n    " << rule.wrong << "\nRight:\n    " << rule.right << '\n';
     }
-    return kClean;
+    return kGood;
 }
 
 /** The bytes of a file, or of the standard input for "-". @throw std::runtime_error where they cannot be had */
@@ -210,7 +207,7 @@ int check(const CheckArguments& arguments) {
     const std::vector<CheckedFile> files = checkAll(arguments);
     const bool isTrouble = !std::all_of(files.begin(), files.end(), isChecked);
     if (arguments.diff) {
-        return isTrouble ? kTrouble : kClean;
+        return isTrouble ? kTrouble : kGood;
     }
     if (arguments.format == "json") {
         std::cout << problemJson(files);
@@ -220,7 +217,7 @@ int check(const CheckArguments& arguments) {
         printText(files, {terminalWidth(), useColour(arguments.colour)});
     }
     const bool isBad = count(files, Severity::Error) > 0 || (arguments.strict && count(files, Severity::Warning) > 0);
-    return isTrouble ? kTrouble : isBad ? kProblems : kClean;
+    return isTrouble ? kTrouble : isBad ? kBad : kGood;
 }
 
 } // namespace

@@ -11,6 +11,13 @@
 
 namespace pos {
 
+/** How a command ends. */
+enum ExitStatus {
+    kGood = 0,   ///< it found nothing amiss
+    kBad = 1,    ///< it found problems, a field without a window
+    kTrouble = 2 ///< something could not be done
+};
+
 /** A command that is part of the program. */
 struct Command {
     CLI::App* arguments;      ///< parses them

@@ -14,9 +14,6 @@
 
 namespace {
 
-/** Something could not be done at all. */
-constexpr int kTrouble = 2;
-
 int run(int argc, char** argv) {
     CLI::App program("help with field definitions, beside veko_configure", "veko");
     program.formatter(std::make_shared<pos::HelpFormatter>());
@@ -30,7 +27,7 @@ int run(int argc, char** argv) {
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return program.exit(error) == 0 ? 0 : kTrouble;
+        return program.exit(error) == 0 ? 0 : pos::kTrouble;
     }
     const auto asked = std::find_if(commands.begin(), commands.end(),
                                     [](const pos::Command& command) { return command.arguments->parsed(); });
@@ -38,7 +35,7 @@ int run(int argc, char** argv) {
     std::cout.flush();
     if (!std::cout) {
         std::cerr << "The standard output could not be written" << std::endl;
-        return kTrouble;
+        return pos::kTrouble;
     }
     return status;
 }
@@ -59,5 +56,5 @@ int main(int argc, char* argv[]) {
     } catch (const std::exception& error) {
         std::cerr << error.what() << std::endl;
     }
-    return kTrouble;
+    return pos::kTrouble;
 }

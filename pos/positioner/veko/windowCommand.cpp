@@ -41,9 +41,6 @@ struct WindowArguments {
     std::string timeZone;
 };
 
-/** The exit statuses of the command. */
-enum Status { kEachHasOne = 0, kNone = 1, kTrouble = 2 };
-
 std::string refusalOfTimeZone(const std::string& text) {
     return QTimeZone(QByteArray::fromStdString(text)).isValid() ? "" : "the system knows no time zone '" + text + "'";
 }
@@ -161,33 +158,33 @@ int findAndPrint(const WindowArguments& arguments) {
     }
     const bool hasOne =
         std::any_of(nights.begin(), nights.end(), [](const FieldNight& night) { return !night.found.windows.empty(); });
-    return isTrouble ? kTrouble : hasOne ? kEachHasOne : kNone;
+    return isTrouble ? kTrouble : hasOne ? kGood : kBad;
 }
 
 void addPlaceOptions(CLI::App& command, WindowArguments& arguments) {
-    constexpr const char* kGroup = "A place instead of files";
+    constexpr const char* kPlaceGroup = "A place instead of files";
     CLI::Option* const ra = command.add_option("--ra", arguments.ra, "right ascension")->check(within(0, 360));
     CLI::Option* const dec = command.add_option("--dec", arguments.dec, "declination")->check(within(-90, 90));
-    ra->needs(dec)->type_name("DEGREES")->group(kGroup);
-    dec->needs(ra)->type_name("DEGREES")->group(kGroup);
+    ra->needs(dec)->type_name("DEGREES")->group(kPlaceGroup);
+    dec->needs(ra)->type_name("DEGREES")->group(kPlaceGroup);
     command.add_option("--pa", arguments.positionAngle, "position angle")
         ->check(within(-360, 360))
         ->needs(ra)
         ->type_name("DEGREES")
         ->capture_default_str()
-        ->group(kGroup);
+        ->group(kPlaceGroup);
     command.add_option("--temperature", arguments.temperature, "temperature at the telescope")
         ->check(within(150, 350))
         ->needs(ra)
         ->type_name("KELVIN")
         ->capture_default_str()
-        ->group(kGroup);
+        ->group(kPlaceGroup);
     command.add_option("--relative_humidity", arguments.relativeHumidity, "humidity at the telescope, 0 to 1")
         ->check(within(0, 1))
         ->needs(ra)
         ->type_name("NUMBER")
         ->capture_default_str()
-        ->group(kGroup);
+        ->group(kPlaceGroup);
 }
 
 void addNightOptions(CLI::App& command, WindowArguments& arguments) {
