@@ -10,8 +10,8 @@ using namespace pos;
 
 namespace {
 
-constexpr double kSecond = 1.0 / 86400; // days
-constexpr double kMillisecond = 1e-3 * kSecond;
+constexpr double kSecondInDays = 1.0 / 86400; // days
+constexpr double kMillisecond = 1e-3 * kSecondInDays;
 
 /** An instant at which windows begin or end: those found, or those scanned. */
 struct Edge {
@@ -89,7 +89,7 @@ void WindowDifferences::add(const WindowCase& made) {
         } else if (edge.isFound) {
             invented += checks.pass(edge.instant + length / 2) == isInFound ? 0 : 1;
         } else {
-            lost += length > kSecond ? 1 : 0;
+            lost += length > kSecondInDays ? 1 : 0;
         }
     }
     for (const Window& window : found) {

@@ -2,7 +2,7 @@
 #include "TemporaryFolder.h"
 #include "fieldDefinition.h"
 #include "hostileRun.h"
-#include "privilege.h"
+#include "surroundings.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 #include "fileAccess.h"
 #include "hostileRun.h"
 #include "measuredRun.h"
-#include "privilege.h"
+#include "surroundings.h"
 
 #include <filesystem>
 #include <future>

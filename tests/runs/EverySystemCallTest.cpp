@@ -1,6 +1,6 @@
 #include "outputRun.h"
 #include "ownConfiguration.h"
-#include "privilege.h"
+#include "surroundings.h"
 
 #include <algorithm>
 #include <gmock/gmock.h>

@@ -1,5 +1,5 @@
-#include "extendedAttributes.h"
 #include "outputRun.h"
+#include "surroundings.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 #include "outputRun.h"
-#include "privilege.h"
+#include "surroundings.h"
 
 #include <gtest/gtest.h>
 #include <sstream>

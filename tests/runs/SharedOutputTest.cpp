@@ -76,22 +76,22 @@ protected:
 
 class SharedOutputLock : public TracedRun {};
 
-const std::string kOld(500'000, 'o');
+const std::string kLongOld(500'000, 'o');
 
 } // namespace
 
 TEST_F(SharedOutput, IsNotTouchedWhileAnotherWriterHasIt) {
-    write("out.xml", kOld);
+    write("out.xml", kLongOld);
     FileLock lock(path("out.xml"));
     std::future<ProgramResult> result = startWaiting();
-    EXPECT_TRUE(readBytes(path("out.xml")) == kOld);
+    EXPECT_TRUE(readBytes(path("out.xml")) == kLongOld);
     lock.leave();
     expectEnd(result.get(), 0, "");
     EXPECT_TRUE(readBytes(path("out.xml")) == expected_);
 }
 
 TEST_F(SharedOutput, GetsBackWhatTheWriterBeforeHasLeft) {
-    write("out.xml", kOld);
+    write("out.xml", kLongOld);
     FileLock lock(path("out.xml"));
     std::future<ProgramResult> result = startWaiting(limitedTo(8));
     const std::string left(300'000, 'l');
@@ -111,7 +111,7 @@ TEST_F(SharedOutput, IsOneWholeDocumentInTheEnd) {
     expectEnd(runOnLonger(path("longer.xml")), 0, "");
     const std::string expectedLonger = readBytes(path("longer.xml"));
     ASSERT_GT(expectedLonger.size(), expected_.size());
-    write("out.xml", kOld);
+    write("out.xml", kLongOld);
     const int file = ::open(path("out.xml").c_str(), O_RDWR);
     const std::string inPlace = "/dev/fd/" + std::to_string(file);
     for (int time = 0; time < 20; ++time) {
@@ -128,9 +128,9 @@ TEST_F(SharedOutput, IsOneWholeDocumentInTheEnd) {
 }
 
 TEST_F(SharedOutputLock, ThatCannotBeHadLeavesTheOutputUntouched) {
-    write("out.xml", kOld);
+    write("out.xml", kLongOld);
     expectEnd(runTraced(kInPlace, {"-e", "inject=flock:error=ENOLCK"}), 1, notWritten(kInPlace, "No locks available"));
-    EXPECT_TRUE(readBytes(path("out.xml")) == kOld);
+    EXPECT_TRUE(readBytes(path("out.xml")) == kLongOld);
     expectEnd(runTraced(kInPlace, {"-e", "inject=flock:error=EINTR:when=1..3"}), 0, "");
     EXPECT_TRUE(readBytes(path("out.xml")) == expected_);
     EXPECT_NE(trace().find("EINTR (Interrupted system call) (INJECTED)"), std::string::npos);

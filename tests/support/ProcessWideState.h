@@ -1,6 +1,9 @@
 #ifndef POS_TESTS_PROCESSWIDESTATE_H
 #define POS_TESTS_PROCESSWIDESTATE_H
 
+#include "Version.h"
+#include "pointing.h"
+
 #include <gtest/gtest.h>
 
 /**
@@ -10,8 +13,20 @@
  */
 class ProcessWideState : public testing::Test {
 protected:
-    void SetUp() override;
-    void TearDown() override;
+    void SetUp() override {
+        reset();
+    }
+    void TearDown() override {
+        reset();
+    }
+
+private:
+    static void reset() {
+        pos::datamver.clear();
+        pos::FocalPlaneCoordinates::setOptics(kOptics);
+        pos::FocalPlaneCoordinates::setRotation(0.0);
+        pos::PlateCoordinates::setGeometry({{}, pos::PLATE_A, 0.0});
+    }
 };
 
 #endif

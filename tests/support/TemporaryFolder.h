@@ -7,6 +7,10 @@
 #include <string>
 #include <sys/stat.h>
 
+/** Beginnings of names that decoders change: U+FFFD, which they put in the place of bad bytes, and U+FEFF. */
+inline const std::string kReplacementCharacter = "\xef\xbf\xbd";
+inline const std::string kByteOrderMark = "\xef\xbb\xbf";
+
 /** A folder of a test's own, removed with all that is in it when the object goes. */
 class TemporaryFolder {
 public:

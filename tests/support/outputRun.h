@@ -4,7 +4,7 @@
 #include "Program.h"
 #include "TemporaryFolder.h"
 #include "fieldDefinition.h"
-#include "privilege.h"
+#include "surroundings.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>

@@ -1,6 +1,10 @@
 #ifndef POS_TESTS_TOLERANCES_H
 #define POS_TESTS_TOLERANCES_H
 
+#include <limits>
+
+/** No number at all. */
+inline constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 /** Rounding of doubles in plate coordinates of up to 300 mm, mm. */
 inline constexpr double kPlateToleranceMm = 1e-9;
 /** Rounding of doubles in angles of a few radians. */

@@ -1,9 +1,9 @@
 #include "CelestialPosition.h"
+#include "tolerances.h"
 
 #include <cmath>
 #include <erfa.h>
 #include <gtest/gtest.h>
-#include <limits>
 #include <vector>
 
 using namespace pos;
@@ -11,7 +11,6 @@ using namespace pos;
 namespace {
 
 constexpr double kPiText = 3.141592653589793;
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 /** A date on the TAI scale whose TT in days differs from it in more than the last bit. */
 constexpr double kDate = 57754.375;

@@ -14,7 +14,6 @@ namespace {
 
 class FocalPlaneCoordinatesTest : public ProcessWideState {};
 
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 /** One degree of field angle in the embedded map: 202.841 + 3.0191 - 0.0995944 mm. */

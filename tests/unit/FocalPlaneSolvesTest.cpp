@@ -17,7 +17,6 @@ namespace {
 
 class FocalPlaneSolvesTest : public ProcessWideState {};
 
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr Astrometric kCentre{1.0, 0.5};
 const std::string kNotConverging = "Field centre not converging";
 const std::string kNotInThePlane = "celestial position not in the tangent plane";

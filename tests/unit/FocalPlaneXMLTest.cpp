@@ -35,7 +35,7 @@ protected:
 
 /** Of the height an exact tie. */
 constexpr Telescope kNearGreenwich = {.eastLongitude = rad(-0.1234564), .latitude = rad(0.000004), .height = -12.25};
-constexpr Telescope kSouth = {.eastLongitude = rad(90.0), .latitude = rad(-31.2500049), .height = 100.0};
+constexpr Telescope kSouthern = {.eastLongitude = rad(90.0), .latitude = rad(-31.2500049), .height = 100.0};
 
 } // namespace
 
@@ -48,7 +48,7 @@ TEST_F(FocalPlaneXML, HoldsSiteOpticsAndPlatesInTheirUnitsAndDecimals) {
 }
 
 TEST_F(FocalPlaneXML, IsWrittenOverAnotherButForThePlatesWhichItAddsAgain) {
-    EXPECT_EQ(recorded("", {kNearGreenwich, kSouth}),
+    EXPECT_EQ(recorded("", {kNearGreenwich, kSouthern}),
               tree("<telescope east_longitude='90.000000' latitude='-31.25000' height='100.0'/>"
                    "<focal_plane_map focal_length='11730.1' nominal_focal_length='11724.2'><optical_axis>" +
                    kPlateA + kOtherPlates + kPlateA + kOtherPlates +
@@ -59,7 +59,7 @@ TEST_F(FocalPlaneXML, KeepsWhatElseItsElementsHoldAndAPlateDirectlyUnderTheMapIn
     EXPECT_EQ(recorded("<telescope name='north' height='1'><dome/></telescope><focal_plane_map>"
                        "<PLATE_A x0='9' colour='red'/><distortion_coefficients c7='0.5' note='kept'/>"
                        "</focal_plane_map>",
-                       {kSouth}),
+                       {kSouthern}),
               tree("<telescope name='north' east_longitude='90.000000' latitude='-31.25000' height='100.0'><dome/>"
                    "</telescope><focal_plane_map focal_length='11730.1' nominal_focal_length='11724.2'>"
                    "<PLATE_A x0='1.063' y0='-1.063' r0='0.500' colour='red'/><distortion_coefficients c1='200' "

@@ -13,13 +13,11 @@ namespace {
 namespace fs = std::filesystem;
 using Names = std::set<std::string>;
 
-const std::string kContent = "<new/>";
+const std::string kShortContent = "<new/>";
 const std::string kLatin1 = "caf\xe9";
-const std::string kReplacementCharacter = "\xef\xbf\xbd"; // U+FFFD, which decoders put in the place of bad bytes
-const std::string kByteOrderMark = "\xef\xbb\xbf";
 
 void write(const std::string& name) {
-    writeFile(name, QByteArray::fromStdString(kContent));
+    writeFile(name, QByteArray::fromStdString(kShortContent));
 }
 
 } // namespace
@@ -34,7 +32,7 @@ TEST(OutputFileName, IsTakenByteForByte) {
         for (int time = 0; time < 2; ++time) {
             write(folder.path(name));
             EXPECT_EQ(entriesOf(folder.name()), Names({name})) << PrintToString(name);
-            EXPECT_EQ(folder.read(name), kContent) << PrintToString(name);
+            EXPECT_EQ(folder.read(name), kShortContent) << PrintToString(name);
         }
     }
 }
@@ -77,7 +75,7 @@ TEST(OutputFileName, LeadsToTheRightFileThroughALinkInAnotherEncoding) {
             folder.write(kLatin1, "a much longer older content");
         }
         write(folder.path("link"));
-        EXPECT_EQ(folder.read(kLatin1), kContent);
+        EXPECT_EQ(folder.read(kLatin1), kShortContent);
         EXPECT_EQ(folder.read("caf" + kReplacementCharacter), "different");
         EXPECT_EQ(entriesOf(folder.name()), Names({"link", kLatin1, "caf" + kReplacementCharacter}));
     }
@@ -90,7 +88,7 @@ TEST(OutputFileName, IsFoundFromAFolderInAnotherEncoding) {
     const WorkingFolder here(folder.path(kLatin1));
     for (int time = 0; time < 2; ++time) {
         write("out.xml");
-        EXPECT_EQ(readBytes("out.xml"), kContent);
+        EXPECT_EQ(readBytes("out.xml"), kShortContent);
         EXPECT_EQ(entriesOf(folder.path(kLatin1)), Names({"out.xml"}));
         EXPECT_EQ(entriesOf(folder.path("caf" + kReplacementCharacter)), Names());
     }
@@ -112,8 +110,8 @@ TEST(OutputFileName, OfAFileThatBeginsWithAColonCanBeGivenWithItsFolder) {
     const TemporaryFolder folder;
     const WorkingFolder here(folder.name());
     write("./:out.xml");
-    EXPECT_EQ(folder.read(":out.xml"), kContent);
+    EXPECT_EQ(folder.read(":out.xml"), kShortContent);
     fs::create_symlink(":linked.xml", folder.path("link"));
     write("link");
-    EXPECT_EQ(folder.read(":linked.xml"), kContent);
+    EXPECT_EQ(folder.read(":linked.xml"), kShortContent);
 }

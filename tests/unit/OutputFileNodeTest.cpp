@@ -1,6 +1,5 @@
 #include "OutputFile.h"
 #include "TemporaryFolder.h"
-#include "privilege.h"
 #include "surroundings.h"
 #include "thrown.h"
 
@@ -22,7 +21,7 @@ namespace fs = std::filesystem;
 using Names = std::set<std::string>;
 
 /** More than a pipe holds. */
-const QByteArray kContent(300'000, 'n');
+const QByteArray kLongContent(300'000, 'n');
 
 /** A file of the test's own, open until the object goes, and the names that the kernel gives to it meanwhile. */
 class OpenFile {
@@ -104,8 +103,8 @@ TEST(OutputFileNode, FifoPassesEverythingOnAndStaysAFifo) {
     fs::create_symlink("fifo", folder.path("link"));
     for (const std::string name : {"fifo", "link"}) {
         std::future<std::string> received = readInBackground(fifo);
-        writeFile(folder.path(name), kContent);
-        EXPECT_TRUE(received.get() == kContent.toStdString()) << name;
+        writeFile(folder.path(name), kLongContent);
+        EXPECT_TRUE(received.get() == kLongContent.toStdString()) << name;
         EXPECT_TRUE(S_ISFIFO(statusOf(fifo).st_mode)) << name;
     }
     EXPECT_EQ(entriesOf(folder.name()), Names({"fifo", "link"}));
@@ -120,7 +119,7 @@ TEST(OutputFileNode, FifoWhoseReaderLeavesIsAnErrorAndStaysAFifo) {
         char firstByte = 0;
         EXPECT_EQ(::read(file.number(), &firstByte, 1), 1);
     });
-    EXPECT_EQ(messageOf([&] { writeFile(fifo, kContent); }),
+    EXPECT_EQ(messageOf([&] { writeFile(fifo, kLongContent); }),
               "File write error: Unable to write output file " + fifo + ": Broken pipe");
     reader.get();
     EXPECT_TRUE(S_ISFIFO(statusOf(fifo).st_mode));
@@ -131,8 +130,8 @@ TEST(OutputFileNode, DeviceTakesTheContentAndStaysADevice) {
     const TemporaryFolder folder;
     REQUIRE_PRIVILEGE(makeMemoryDevice(folder.path("null"), kNull), "the right to make and use device nodes");
     fs::create_symlink("null", folder.path("link"));
-    writeFile(folder.path("null"), kContent);
-    writeFile(folder.path("link"), kContent);
+    writeFile(folder.path("null"), kLongContent);
+    writeFile(folder.path("link"), kLongContent);
     expectMemoryDevice(folder.path("null"), kNull);
     EXPECT_EQ(entriesOf(folder.name()), Names({"link", "null"}));
 }
@@ -141,7 +140,7 @@ TEST(OutputFileNode, FullDeviceIsAnErrorAndStaysADevice) {
     const TemporaryFolder folder;
     const std::string full = folder.path("full");
     REQUIRE_PRIVILEGE(makeMemoryDevice(full, kFull), "the right to make and use device nodes");
-    for (const QByteArray& content : {kContent, QByteArray("x")}) {
+    for (const QByteArray& content : {kLongContent, QByteArray("x")}) {
         EXPECT_EQ(messageOf([&] { writeFile(full, content); }),
                   "File write error: Unable to write output file " + full + ": No space left on device");
     }
@@ -156,7 +155,7 @@ TEST(OutputFileNode, SocketCannotBeOpenedAndStaysASocket) {
     address.sun_family = AF_UNIX;
     folder.path("socket").copy(static_cast<char*>(address.sun_path), sizeof address.sun_path - 1);
     ASSERT_EQ(::bind(socket, reinterpret_cast<struct sockaddr*>(&address), sizeof address), 0);
-    EXPECT_EQ(messageOf([&] { writeFile(folder.path("socket"), kContent); }),
+    EXPECT_EQ(messageOf([&] { writeFile(folder.path("socket"), kLongContent); }),
               "File open error: Unable to open output file");
     ::close(socket);
     EXPECT_TRUE(S_ISSOCK(statusOf(folder.path("socket")).st_mode));
@@ -174,9 +173,9 @@ TEST(OutputFileNode, PipeBehindADescriptorTakesTheContent) {
             fs::create_symlink(name, folder.path("link"));
             name = folder.path("link");
         }
-        writeFile(name, kContent);
+        writeFile(name, kLongContent);
         ::close(ends[1]);
-        EXPECT_TRUE(received.get() == kContent.toStdString());
+        EXPECT_TRUE(received.get() == kLongContent.toStdString());
         ::close(ends[0]);
     }
     EXPECT_EQ(entriesOf(folder.name()), Names({"link"}));
@@ -193,9 +192,9 @@ TEST(OutputFileNode, FileBehindADescriptorIsOverwrittenInPlace) {
         fs::create_symlink(file.procName(), folder.path("link"));
         for (const std::string& alias : {file.procName(), file.devName(), folder.path("link")}) {
             folder.write("out.xml", old);
-            writeFile(alias, kContent);
-            EXPECT_TRUE(folder.read("out.xml") == kContent.toStdString()) << alias;
-            EXPECT_TRUE(folder.read("other.xml") == kContent.toStdString()) << alias;
+            writeFile(alias, kLongContent);
+            EXPECT_TRUE(folder.read("out.xml") == kLongContent.toStdString()) << alias;
+            EXPECT_TRUE(folder.read("other.xml") == kLongContent.toStdString()) << alias;
         }
         EXPECT_EQ(statusOf(name).st_ino, inode);
         EXPECT_EQ(modeOf(name), 0640u);
@@ -221,15 +220,16 @@ TEST(OutputFileNode, DeletedFileBehindADescriptorGetsTheContentAndNoName) {
     const TemporaryFolder folder;
     const OpenFile file(folder.write("out.xml", "old"), O_RDWR);
     fs::remove(folder.path("out.xml"));
-    writeFile(file.procName(), kContent);
-    EXPECT_TRUE(readBytes(file.procName()) == kContent.toStdString());
+    writeFile(file.procName(), kLongContent);
+    EXPECT_TRUE(readBytes(file.procName()) == kLongContent.toStdString());
     EXPECT_EQ(entriesOf(folder.name()), Names());
 }
 
 TEST(OutputFileNode, DescriptorOfAFolderCannotBeOpened) {
     const TemporaryFolder folder;
     const OpenFile file(folder.name(), O_RDONLY | O_DIRECTORY);
-    EXPECT_EQ(messageOf([&] { writeFile(file.procName(), kContent); }), "File open error: Unable to open output file");
+    EXPECT_EQ(messageOf([&] { writeFile(file.procName(), kLongContent); }),
+              "File open error: Unable to open output file");
     EXPECT_EQ(entriesOf(folder.name()), Names());
 }
 
@@ -240,10 +240,10 @@ TEST(OutputFileNode, MountPointIsOverwrittenInPlace) {
     {
         const Mount mount = Mount::file(file, point);
         REQUIRE_PRIVILEGE(mount.mounted(), "the right to mount");
-        writeFile(point, kContent);
-        EXPECT_TRUE(readBytes(point) == kContent.toStdString());
+        writeFile(point, kLongContent);
+        EXPECT_TRUE(readBytes(point) == kLongContent.toStdString());
     }
-    EXPECT_TRUE(readBytes(file) == kContent.toStdString());
+    EXPECT_TRUE(readBytes(file) == kLongContent.toStdString());
     EXPECT_EQ(readBytes(point), "below the mount");
     EXPECT_EQ(entriesOf(folder.name()), Names({"file.xml", "point.xml"}));
 }
@@ -254,10 +254,10 @@ TEST(OutputFileNode, AppendOnlyFolderTakesANewFileAndLetsTheOlderOneBeOverwritte
     const ino_t inode = statusOf(old).st_ino;
     const AppendOnly appendOnly(folder.name());
     REQUIRE_PRIVILEGE(appendOnly.made(), "the right to make a folder append-only");
-    writeFile(old, kContent);
-    writeFile(folder.path("new.xml"), kContent);
-    EXPECT_TRUE(readBytes(old) == kContent.toStdString());
-    EXPECT_TRUE(folder.read("new.xml") == kContent.toStdString());
+    writeFile(old, kLongContent);
+    writeFile(folder.path("new.xml"), kLongContent);
+    EXPECT_TRUE(readBytes(old) == kLongContent.toStdString());
+    EXPECT_TRUE(folder.read("new.xml") == kLongContent.toStdString());
     EXPECT_EQ(statusOf(old).st_ino, inode);
     EXPECT_EQ(entriesOf(folder.name()), Names({"new.xml", "old.xml"}));
 }
@@ -270,7 +270,7 @@ TEST(OutputFileNode, AppendOnlyFolderKeepsTheOlderContentAndTakesNoUnfinishedFil
     for (const std::string& name : {old, folder.path("new.xml")}) {
         EXPECT_EQ(messageOf([&] {
                       const FileSizeLimit limit(1000);
-                      writeFile(name, kContent);
+                      writeFile(name, kLongContent);
                   }),
                   "File write error: Unable to write output file " + name + ": File too large");
     }

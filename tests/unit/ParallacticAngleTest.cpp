@@ -4,15 +4,12 @@
 #include "tolerances.h"
 
 #include <cmath>
-#include <limits>
 
 using namespace pos;
 
 namespace {
 
 class ParallacticAngleTest : public ProcessWideState {};
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 /** Halfway between the equator and a pole, where the tangent of the latitude is 1. */
 constexpr Telescope kNorth = telescopeAt(45.0);

@@ -10,27 +10,28 @@ using namespace pos;
 
 namespace {
 
-SkyMask read(const std::string& attributes) {
+SkyMask readMask(const std::string& attributes) {
     return createSkyMaskXML(parseElement("<mask " + attributes + "/>"));
 }
 
 } // namespace
 
 TEST(SkyMaskXML, ReadsCentreAndRadius) {
-    const SkyMask mask = read("RA_d='45.00000' Dec_d='-22.50000' radius='-1.25'");
+    const SkyMask mask = readMask("RA_d='45.00000' Dec_d='-22.50000' radius='-1.25'");
     EXPECT_NEAR(mask.centre.ra, 3.141592653589793 / 4, kAngleTolerance);
     EXPECT_NEAR(mask.centre.dec, -3.141592653589793 / 8, kAngleTolerance);
     EXPECT_EQ(mask.radius, -1.25);
 }
 
 TEST(SkyMaskXML, WithoutARadiusTheRadiusIsThree) {
-    EXPECT_EQ(read("").radius, 3.0);
+    EXPECT_EQ(readMask("").radius, 3.0);
 }
 
 TEST(SkyMaskXML, RefusesABadCentreInTheNameOfTheMaskBeforeABadRadius) {
-    EXPECT_EQ(messageOf([] { read("RA_d='east' radius='abc'"); }), "Sky mask has an invalid RA 'east'");
+    EXPECT_EQ(messageOf([] { readMask("RA_d='east' radius='abc'"); }), "Sky mask has an invalid RA 'east'");
     for (const std::string text : {"", "%%%", "2 arcmin"}) {
-        EXPECT_EQ(messageOf([&] { read("radius='" + text + "'"); }), "Sky mask has an invalid radius '" + text + "'");
+        EXPECT_EQ(messageOf([&] { readMask("radius='" + text + "'"); }),
+                  "Sky mask has an invalid radius '" + text + "'");
     }
 }
 

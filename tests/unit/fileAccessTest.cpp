@@ -10,13 +10,6 @@
 using namespace pos;
 using namespace std::string_literals;
 
-namespace {
-
-const std::string kReplacementCharacter = "\xef\xbf\xbd"; // U+FFFD, which decoders put in the place of bad bytes
-const std::string kByteOrderMark = "\xef\xbb\xbf";
-
-} // namespace
-
 TEST(FileNameFromBytes, DecodesUtf8AndTurnsNothingIntoAnotherForm) {
     const char32_t beyondTheBasicPlane = 0x1f600;
     EXPECT_EQ(fileNameFromBytes("\xc3\xa9.xml"), QString(QChar(0xe9)) + ".xml");

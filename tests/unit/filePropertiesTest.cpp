@@ -1,7 +1,6 @@
 #include "OutputFile.h"
 #include "TemporaryFolder.h"
-#include "extendedAttributes.h"
-#include "privilege.h"
+#include "surroundings.h"
 
 #include <gtest/gtest.h>
 #include <map>
@@ -13,14 +12,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const QByteArray kContent = "<new/>";
+const QByteArray kNewContent = "<new/>";
 /** Writes over a file and expects another one in its place. */
 void replace(const std::string& name) {
     // Keeps the number of the old file from being given to the new one.
     fs::create_hard_link(name, name + ".old");
     const ino_t before = statusOf(name).st_ino;
-    writeFile(name, kContent);
-    EXPECT_EQ(readBytes(name), kContent.toStdString());
+    writeFile(name, kNewContent);
+    EXPECT_EQ(readBytes(name), kNewContent.toStdString());
     EXPECT_NE(statusOf(name).st_ino, before);
     fs::remove(name + ".old");
 }
@@ -42,7 +41,7 @@ TEST(FileProperties, AccessControlListOfTheFolderIsNotTakenOn) {
     const std::string name = folder.write("out.xml", "old");
     ASSERT_EQ(::chmod(name.c_str(), 0640), 0);
     REQUIRE_PRIVILEGE(setAttribute(folder.name(), kDefaultList, kNamedUser), "a file system with access control lists");
-    writeFile(folder.path("new.xml"), kContent);
+    writeFile(folder.path("new.xml"), kNewContent);
     EXPECT_EQ(attribute(folder.path("new.xml"), kAccessList), kNamedUser);
     replace(name);
     EXPECT_EQ(attribute(name, kAccessList), std::nullopt);
@@ -85,7 +84,7 @@ TEST(FileProperties, EveryAttributeIsKept) {
     }
     fs::create_symlink("out.xml", folder.path("link"));
     replace(name);
-    writeFile(folder.path("link"), kContent);
+    writeFile(folder.path("link"), kNewContent);
     for (const auto& [attributeName, value] : attributes) {
         EXPECT_EQ(attribute(name, attributeName), value) << attributeName;
     }

@@ -1,5 +1,5 @@
 #include "fieldDefinition.h"
-#include "parsedXml.h"
+#include "xml.h"
 
 #include <vector>
 

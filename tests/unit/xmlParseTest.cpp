@@ -1,6 +1,5 @@
 #include "xmlParse.h"
 
-#include "parsedXml.h"
 #include "xml.h"
 #include "xmlSerialise.h"
 
