@@ -37,7 +37,7 @@ void writeInstrument(FuzzedDataProvider& bytes, const std::map<std::string, std:
         const bool isChanged = (changed & file) != 0;
         writeBytes(name, !isChanged ? content
                          : isText   ? bytes.ConsumeRandomLengthString()
-                                    : editedDocument(bytes, {parsed(content)}));
+                                    : editedDocument(bytes, {nodeOf(content)}));
         file *= 2;
     }
 }

@@ -24,7 +24,7 @@ constexpr const char* kNumbers[] = {"default_epoch",
 /** The shipped configuration, of the small bundle, without what no run reads. */
 const Node& shippedConfiguration() {
     static const Node configuration = [] {
-        Node node = parsed(sourceText("pos/positioner/resources/configure.xml"));
+        Node node = nodeOf(sourceText("pos/positioner/resources/configure.xml"));
         std::erase_if(node.children, [](const Node& child) { return child.name.ends_with("_dither"); });
         for (Node* child : nodesOf(node)) {
             if (child->name == "veko_definition") {

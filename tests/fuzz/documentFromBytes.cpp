@@ -211,9 +211,9 @@ RunNumbers chosenNumbers(FuzzedDataProvider& bytes) {
 
 const std::vector<Node>& fieldDefinitions() {
     static const std::vector<Node> documents = [] {
-        std::vector<Node> all = {parsed(kPlainField), parsed("<field_definition datamver=\"8.00\"/>")};
+        std::vector<Node> all = {nodeOf(kPlainField), nodeOf("<field_definition datamver=\"8.00\"/>")};
         for (const char* example : {"m74_groups", "m81_north", "sombrero_south", "virgo_two_fields"}) {
-            all.push_back(parsed(sourceText(std::string("examples/") + example + ".xml")));
+            all.push_back(nodeOf(sourceText(std::string("examples/") + example + ".xml")));
         }
         useSmallBundle(all);
         return all;

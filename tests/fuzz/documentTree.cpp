@@ -64,7 +64,7 @@ void collect(Node& node, std::vector<Node*>& nodes) {
 
 } // namespace
 
-Node parsed(const std::string& xml) {
+Node nodeOf(const std::string& xml) {
     QDomDocument document;
     require(document.setContent(QByteArray::fromStdString(xml)), "a document to begin with is well-formed");
     return converted(document.documentElement());

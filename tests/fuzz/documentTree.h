@@ -15,7 +15,7 @@ struct Node {
 };
 
 /** The document element of a well-formed document, with its elements, attributes and texts. */
-Node parsed(const std::string& xml);
+Node nodeOf(const std::string& xml);
 
 /** Writes an element as XML. */
 std::string xmlText(const Node& node);

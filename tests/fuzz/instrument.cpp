@@ -17,8 +17,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const pos::PosConfig config(folder.configuration().c_str(), pos::PosConfig::XML);
     static const std::string map = bytesOf(folder.map());
     static const std::string bundle = bytesOf(folder.bundle());
-    static const std::vector<Node> maps = {parsed(map)};
-    static const std::vector<Node> bundles = {parsed(bundle)};
+    static const std::vector<Node> maps = {nodeOf(map)};
+    static const std::vector<Node> bundles = {nodeOf(bundle)};
     FuzzedDataProvider bytes(data, size);
     const int kind = bytes.ConsumeIntegralInRange<int>(0, kKinds - 1);
     writeBytes(folder.map(), map);

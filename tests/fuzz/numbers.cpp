@@ -36,9 +36,9 @@ std::string withNumbers(FuzzedDataProvider& bytes, const Node& document) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const RunFolder folder;
-    static const Node configuration = parsed(bytesOf(folder.configuration()));
-    static const Node map = parsed(bytesOf(folder.map()));
-    static const Node bundle = parsed(bytesOf(folder.bundle()));
+    static const Node configuration = nodeOf(bytesOf(folder.configuration()));
+    static const Node map = nodeOf(bytesOf(folder.map()));
+    static const Node bundle = nodeOf(bytesOf(folder.bundle()));
     FuzzedDataProvider bytes(data, size);
     const RunNumbers numbers = chosenNumbers(bytes);
     writeBytes(folder.configuration(), withNumbers(bytes, configuration));
