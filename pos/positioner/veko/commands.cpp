@@ -1,6 +1,7 @@
 #include "commands.h"
 
 #include "checkCommand.h"
+#include "compareCommand.h"
 #include "reportCommand.h"
 #include "windowCommand.h"
 
@@ -11,6 +12,7 @@ std::vector<Command> addCommands(CLI::App& program) {
         addCheckCommand(program),
         addWindowCommand(program),
         addReportCommand(program),
+        addCompareCommand(program),
     };
 }
 

@@ -1,0 +1,35 @@
+/**
+ * @file
+ * The targets of a field beside those of another one.
+ */
+#ifndef POS_TARGETPAIRS_H
+#define POS_TARGETPAIRS_H
+
+#include <QDomElement>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace pos {
+
+/** The fibre of a target, without the sign that tells whether it is enabled; nothing for a target without one. */
+std::optional<std::int64_t> fibreOf(const QDomElement& target);
+
+/** "fibre 304", else the target's name, else "configid 7", else "target". */
+std::string nameOfTarget(const QDomElement& target);
+
+/** Targets that belong together, in the order of the first document. */
+struct TargetPairs {
+    std::vector<std::pair<QDomElement, QDomElement>> pairs;
+    std::vector<QDomElement> onlyInFirst;
+    std::vector<QDomElement> onlyInSecond;
+};
+
+/** Matches the targets of two fields, those of groups too: by the fibre, else by the configid, else by the name. */
+TargetPairs matchTargets(const QDomElement& first, const QDomElement& second);
+
+} // namespace pos
+
+#endif
