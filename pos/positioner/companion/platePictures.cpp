@@ -1,5 +1,6 @@
 #include "platePictures.h"
 
+#include "PlateView.h"
 #include "Report.h"
 #include "angles.h"
 #include "pageText.h"
@@ -8,6 +9,7 @@
 #include <array>
 #include <cmath>
 #include <erfa.h>
+#include <iterator>
 #include <nlohmann/json.hpp>
 
 namespace pos {
@@ -16,50 +18,21 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-/** The side of a picture, pixels of its own. */
-constexpr double kSize = 720;
+constexpr double kSize = PlateView::kSize;
 
 /** A fibre as it is drawn, radians: 1.3 arcsec; the definition of the bundle does not tell its size. */
 constexpr double kFibreRadius = degreesToRadians(1.3 / 3600);
 
-/** A place in a picture, pixels from its upper left corner. */
-struct Pixel {
-    double x;
-    double y;
+Json jsonOf(Pixel pixel) {
+    return {{"x", pixels(pixel.x)}, {"y", pixels(pixel.y)}};
+}
 
-    Json json() const {
-        return {{"x", pixels(x)}, {"y", pixels(y)}};
-    }
-};
-
-/** A square of the plate that fills a picture. */
-class PlateView {
-public:
-    /** @param halfSize mm */
-    PlateView(PlateCoordinates centre, double halfSize) : centre_(centre), scale_(kSize / 2 / halfSize) {}
-
-    Pixel at(PlateCoordinates place) const {
-        return {kSize / 2 + (place.x - centre_.x) * scale_, kSize / 2 - (place.y - centre_.y) * scale_};
-    }
-    double length(double mm) const {
-        return mm * scale_;
-    }
-    bool shows(PlateCoordinates place) const {
-        const Pixel pixel = at(place);
-        return pixel.x > 0 && pixel.x < kSize && pixel.y > 0 && pixel.y < kSize;
-    }
-
-    /** The transformation that draws millimetres of the plate in pixels. */
-    std::string transform() const {
-        const std::string scale = pictureText(scale_, 4);
-        return "translate(" + pictureText(kSize / 2, 0) + ' ' + pictureText(kSize / 2, 0) + ") scale(" + scale + " -" +
-               scale + ") translate(" + pictureText(-centre_.x, 3) + ' ' + pictureText(-centre_.y, 3) + ')';
-    }
-
-private:
-    PlateCoordinates centre_;
-    double scale_; ///< pixels per mm
-};
+/** The transformation that draws millimetres of the plate in pixels. */
+std::string transformOf(const PlateView& view) {
+    const std::string scale = pictureText(view.pixelsPerMm(), 4);
+    return "translate(" + pictureText(kSize / 2, 0) + ' ' + pictureText(kSize / 2, 0) + ") scale(" + scale + " -" +
+           scale + ") translate(" + pictureText(-view.centre().x, 3) + ' ' + pictureText(-view.centre().y, 3) + ')';
+}
 
 /** The direction of a step on the plate in a picture, of length 1. */
 Pixel directionOf(PlateCoordinates step) {
@@ -73,7 +46,7 @@ Json arrow(Pixel from, Pixel direction, double length) {
     const auto along = [&](double distance) {
         return Pixel{from.x + distance * direction.x, from.y + distance * direction.y};
     };
-    return {{"from", from.json()}, {"to", along(length).json()}, {"label", along(length + kToLabel).json()}};
+    return {{"from", jsonOf(from)}, {"to", jsonOf(along(length))}, {"label", jsonOf(along(length + kToLabel))}};
 }
 
 /** Arrows to the north and to the east in the upper right corner; in the left one where a guide star is there. */
@@ -130,14 +103,10 @@ Json kindsOf(const std::vector<ReportedFibre>& fibres) {
 
 /** The square that holds all fibres, with a margin. */
 PlateView viewOf(const std::vector<ReportedFibre>& fibres) {
-    constexpr double kMargin = 1.13;
-    constexpr double kLeast = 0.1; // mm
-    const auto [left, right] = std::minmax_element(fibres.begin(), fibres.end(),
-                                                   [](const auto& a, const auto& b) { return a.plate.x < b.plate.x; });
-    const auto [low, high] = std::minmax_element(fibres.begin(), fibres.end(),
-                                                 [](const auto& a, const auto& b) { return a.plate.y < b.plate.y; });
-    const double halfSize = std::max({right->plate.x - left->plate.x, high->plate.y - low->plate.y, kLeast}) / 2;
-    return {{(left->plate.x + right->plate.x) / 2, (low->plate.y + high->plate.y) / 2}, halfSize * kMargin};
+    std::vector<PlateCoordinates> places;
+    std::transform(fibres.begin(), fibres.end(), std::back_inserter(places),
+                   [](const ReportedFibre& fibre) { return fibre.plate; });
+    return PlateView::around(places);
 }
 
 /** An arrow in the margin of a picture towards what it does not show. */
@@ -152,7 +121,7 @@ Json arrowTo(const PlateView& view, PlateCoordinates place) {
     const double reach = kEdge / std::max(std::fabs(direction.x), std::fabs(direction.y)) - kLength;
     Json json = arrow({kSize / 2 + reach * direction.x, kSize / 2 + reach * direction.y}, direction, kLength);
     const double labelX = std::clamp(kSize / 2 + (reach - 16) * direction.x, 100.0, kSize - 100);
-    json["label"] = Pixel{labelX, kSize / 2 + (reach - 16) * direction.y + 4}.json();
+    json["label"] = jsonOf(Pixel{labelX, kSize / 2 + (reach - 16) * direction.y + 4});
     return json;
 }
 
@@ -166,7 +135,7 @@ Json masksIn(const PlateView& view, const ReportedField& field) {
     Json masks = Json::array();
     for (const ReportedMask& mask : field.masks) {
         const double mm = degreesToRadians(std::fabs(mask.mask.radius) / 3600) / field.axes.radiansPerMm();
-        Json json = view.at(mask.plate).json();
+        Json json = jsonOf(view.at(mask.plate));
         json["radius"] = pixels(std::max(view.length(mm), 2.0));
         masks.push_back(json);
     }
@@ -177,7 +146,7 @@ Json masksIn(const PlateView& view, const ReportedField& field) {
 Json marked(const PlateView& view, PlateCoordinates place, bool isLabelLeft) {
     constexpr double kToLabel = 20;
     const Pixel pixel = view.at(place);
-    Json json = pixel.json();
+    Json json = jsonOf(pixel);
     json["labelX"] = pixels(pixel.x + (isLabelLeft ? -kToLabel : kToLabel));
     json["labelY"] = pixels(pixel.y + 4);
     json["anchor"] = isLabelLeft ? "end" : "start";
@@ -186,8 +155,8 @@ Json marked(const PlateView& view, PlateCoordinates place, bool isLabelLeft) {
 
 /** What both pictures show. */
 Json commonOf(const PlateView& view, const ReportedField& field) {
-    return {{"transform", view.transform()},
-            {"science", view.at(field.science.plate).json()},
+    return {{"transform", transformOf(view)},
+            {"science", jsonOf(view.at(field.science.plate))},
             {"masks", masksIn(view, field)},
             {"compass", compass(field.axes, view.at(field.guide.plate))},
             {"bar", scaleBar(view, field.axes, view.at(field.guide.plate))},
