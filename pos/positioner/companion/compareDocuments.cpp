@@ -1,85 +1,87 @@
 #include "compareDocuments.h"
 
-#include "CelestialPosition.h"
+#include "ReportedFibre.h"
 #include "angles.h"
+#include "documentVocabulary.h"
 #include "numberText.h"
 #include "targetPairs.h"
 #include "xmlKeywords.h"
 #include "xmlStructure.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <erfa.h>
 #include <map>
 
 namespace pos {
 
 namespace {
 
-/** Attributes that are texts, whatever they look like: "1" and "1.0" are two of them. */
-const std::set<QString>& texts() {
-    static const std::set<QString> names = {
-        attr::datamver,  attr::configureVersion, attr::targname,  attr::targsrvy, attr::targuse, attr::cname,
-        attr::ifuSpaxel, attr::targcat,          attr::targclass, attr::targprog, attr::targid,  "name"};
-    return names;
+using ElementPair = std::pair<QDomElement, QDomElement>;
+
+/** The child elements of two elements by name, in their order; null where one has fewer. */
+std::map<QString, std::vector<ElementPair>> childrenOf(const QDomElement& first, const QDomElement& second) {
+    std::map<QString, std::vector<ElementPair>> all;
+    for (QDomElement child = first.firstChildElement(); !child.isNull(); child = child.nextSiblingElement()) {
+        all[child.tagName()].emplace_back(child, QDomElement());
+    }
+    std::map<QString, std::size_t> counts;
+    for (QDomElement child = second.firstChildElement(); !child.isNull(); child = child.nextSiblingElement()) {
+        std::vector<ElementPair>& pairs = all[child.tagName()];
+        const std::size_t index = counts[child.tagName()]++;
+        pairs.resize(std::max(pairs.size(), index + 1));
+        pairs[index].second = child;
+    }
+    return all;
 }
 
-/** Attributes of a target that its distances tell. */
-const std::set<QString>& placesOfTargets() {
-    static const std::set<QString> names = {attr::targra, attr::targdec, attr::targx, attr::targy};
-    return names;
-}
-
-std::optional<double> number(const QDomElement& element, const QString& attribute) {
-    const auto value = numberOf(element.attribute(attribute));
-    return value && std::isfinite(*value) ? value : std::nullopt;
-}
-
-std::optional<Point> platePlace(const QDomElement& target) {
-    const auto x = number(target, attr::targx);
-    const auto y = number(target, attr::targy);
-    return x && y ? std::optional(Point{*x, *y}) : std::nullopt;
-}
-
-std::optional<Astrometric> skyPlace(const QDomElement& element, const QString& ra, const QString& dec) {
-    const auto raDeg = number(element, ra);
-    const auto decDeg = number(element, dec);
-    return raDeg && decDeg ? std::optional(Astrometric{degreesToRadians(*raDeg), degreesToRadians(*decDeg)})
-                           : std::nullopt;
-}
-
-double separation(Astrometric a, Astrometric b) {
-    return eraSeps(a.ra, a.dec, b.ra, b.dec);
-}
-
-template <typename Place>
-Moved<Place> movedFrom(const std::optional<Place>& first, const std::optional<Place>& second) {
-    return first && second ? Moved<Place>({*first, *second}) : std::nullopt;
-}
-
-MovedTarget moved(const QDomElement& first, const QDomElement& second) {
-    return {nameOfTarget(first), fibreOf(first), movedFrom(platePlace(first), platePlace(second)),
-            movedFrom(skyPlace(first, attr::targra, attr::targdec), skyPlace(second, attr::targra, attr::targdec))};
-}
-
-template <typename Distance>
-std::optional<Distances> distancesOf(const std::vector<MovedTarget>& targets, const Distance& distance) {
-    Distances all;
-    double sum = 0.0;
-    int count = 0;
-    for (const MovedTarget& target : targets) {
-        if (const std::optional<double> value = distance(target)) {
-            ++count;
-            sum += *value * *value;
-            if (all.worst == nullptr || *value > all.greatest) {
-                all.greatest = *value;
-                all.worst = &target;
-            }
+std::set<QString> attributesOf(const QDomElement& first, const QDomElement& second) {
+    std::set<QString> names;
+    for (const QDomElement& element : {first, second}) {
+        const QDomNamedNodeMap attributes = element.attributes();
+        for (int i = 0; i < attributes.count(); ++i) {
+            names.insert(attributes.item(i).nodeName());
         }
     }
-    all.rms = count > 0 ? std::sqrt(sum / count) : 0.0;
-    return count > 0 ? std::optional(all) : std::nullopt;
+    return names;
+}
+
+std::string textOf(const QDomElement& element) {
+    QString text;
+    for (QDomNode node = element.firstChild(); !node.isNull(); node = node.nextSibling()) {
+        text += node.isCharacterData() && !node.isComment() ? node.nodeValue() + ' ' : QString();
+    }
+    return text.simplified().toStdString();
+}
+
+/** Where a target stands in its field: "", "/group 2", … */
+std::string groupsOf(const QDomElement& target) {
+    std::string groups;
+    for (QDomElement parent = target.parentNode().toElement(); parent.tagName() == tag::group;
+         parent = parent.parentNode().toElement()) {
+        int number = 1;
+        for (QDomElement other = parent.previousSiblingElement(tag::group); !other.isNull();
+             other = other.previousSiblingElement(tag::group)) {
+            ++number;
+        }
+        groups.insert(0, "/group " + std::to_string(number));
+    }
+    return groups;
+}
+
+std::vector<std::string> namesOf(const std::vector<QDomElement>& targets) {
+    std::vector<std::string> names;
+    std::transform(targets.begin(), targets.end(), std::back_inserter(names), nameOfTarget);
+    return names;
+}
+
+/** What is known of an attribute; null for one that no document needs to have. */
+const KnownAttribute* knownOf(const QDomElement& element, const QString& name) {
+    const KnownElement* known = documentVocabulary().find(element.tagName());
+    if (known == nullptr) {
+        return nullptr;
+    }
+    const auto found = known->attributes.find(name);
+    return found == known->attributes.end() ? nullptr : &found->second;
 }
 
 /** Walks two documents beside each other. */
@@ -87,221 +89,207 @@ class Comparer {
 public:
     explicit Comparer(const CompareOptions& options) : options_(options) {}
 
+    Comparison compare(const QDomElement& first, const QDomElement& second) {
+        if (first.tagName() != second.tagName()) {
+            add("document element", "document element", presence(first), presence(second));
+        }
+        compareElements("", first, second);
+        return std::move(result_);
+    }
+
+private:
+    // NOLINTNEXTLINE(misc-no-recursion): follows the nesting of the document
     void compareElements(const std::string& place, const QDomElement& first, const QDomElement& second) {
         compareAttributes(place, first, second);
         if (textOf(first) != textOf(second)) {
-            differences.push_back({place, first.tagName(), textOf(first), textOf(second)});
+            add(place, first.tagName(), textOf(first), textOf(second));
         }
-        std::map<QString, std::vector<std::pair<QDomElement, QDomElement>>> children;
-        std::vector<QString> order;
-        const auto add = [&](const QDomElement& parent, QDomElement std::pair<QDomElement, QDomElement>::*side) {
-            std::map<QString, std::size_t> counts;
-            for (QDomElement child = parent.firstChildElement(); !child.isNull(); child = child.nextSiblingElement()) {
-                auto& pairs = children[child.tagName()];
-                if (pairs.empty()) {
-                    order.push_back(child.tagName());
-                }
-                const std::size_t index = counts[child.tagName()]++;
-                pairs.resize(std::max(pairs.size(), index + 1));
-                pairs[index].*side = child;
-            }
-        };
-        add(first, &std::pair<QDomElement, QDomElement>::first);
-        add(second, &std::pair<QDomElement, QDomElement>::second);
-        for (const QString& name : order) {
-            if (!options_.ignored.contains(name) && !(isInField_ && isOfTargets(name))) {
-                compareChildren(place, name, children.at(name));
+        for (const auto& [name, pairs] : childrenOf(first, second)) {
+            // The targets of a field are matched by what they are, wherever they stand in it.
+            if (!isIgnored(name) && !(field_ > 0 && name == tag::target)) {
+                compareChildren(place.empty() ? name.toStdString() : place + '/' + name.toStdString(), pairs);
             }
         }
     }
 
-    std::vector<FieldComparison> fields = {};
-    std::vector<Difference> differences = {};
-
-private:
-    /** Targets are matched by what they are, wherever they stand. */
-    static bool isOfTargets(const QString& name) {
-        return name == tag::target || name == tag::group;
+    bool isIgnored(const QString& name) const {
+        return options_.ignored.contains(name);
     }
 
-    static std::string textOf(const QDomElement& element) {
-        QString text;
-        for (QDomNode node = element.firstChild(); !node.isNull(); node = node.nextSibling()) {
-            text += node.isCharacterData() && !node.isComment() ? node.nodeValue() : QString();
-        }
-        return text.trimmed().toStdString();
+    void add(const std::string& place, const QString& name, const std::optional<std::string>& first,
+             const std::optional<std::string>& second, const std::string& unit = "") {
+        result_.differences.push_back({place, name.toStdString(), field_, first, second, unit});
     }
 
-    void compareChildren(const std::string& place, const QString& name,
-                         const std::vector<std::pair<QDomElement, QDomElement>>& pairs) {
+    // NOLINTNEXTLINE(misc-no-recursion)
+    void compareChildren(const std::string& place, const std::vector<ElementPair>& pairs) {
         int number = 0;
         for (const auto& [first, second] : pairs) {
             ++number;
-            const bool isField = name == tag::field;
-            const std::string step =
-                isField || pairs.size() > 1 ? name.toStdString() + ' ' + std::to_string(number) : name.toStdString();
-            const std::string childPlace = isField || place.empty() ? step : place + '/' + step;
+            if ((first.isNull() ? second : first).tagName() == tag::field) {
+                field_ = number;
+                compareFields("field " + std::to_string(number), first, second);
+                field_ = 0;
+                continue;
+            }
+            const std::string numbered = pairs.size() > 1 ? place + ' ' + std::to_string(number) : place;
             if (first.isNull() || second.isNull()) {
-                differences.push_back({childPlace, name, presence(first), presence(second)});
-            } else if (isField) {
-                compareFields(childPlace, number, first, second);
+                add(numbered, (first.isNull() ? second : first).tagName(), presence(first), presence(second));
             } else {
-                compareElements(childPlace, first, second);
+                compareElements(numbered, first, second);
             }
         }
     }
 
     static std::optional<std::string> presence(const QDomElement& element) {
-        return element.isNull() ? std::nullopt
-                                : std::optional<std::string>("<" + element.tagName().toStdString() + ">");
+        return element.isNull() ? std::nullopt : std::optional('<' + element.tagName().toStdString() + '>');
     }
 
-    void compareFields(const std::string& place, int number, const QDomElement& first, const QDomElement& second) {
-        isInField_ = true;
+    static void count(const QDomElement& field, int& fields, bool& isConfigured) {
+        fields += field.isNull() ? 0 : 1;
+        isConfigured = isConfigured || hasGeneratedTargets(field);
+    }
+
+    // NOLINTNEXTLINE(misc-no-recursion)
+    void compareFields(const std::string& place, const QDomElement& first, const QDomElement& second) {
+        count(first, result_.fieldCounts.first, result_.areConfigured.first);
+        count(second, result_.fieldCounts.second, result_.areConfigured.second);
+        if (first.isNull() || second.isNull()) {
+            add(place, tag::field, presence(first), presence(second));
+            return;
+        }
         compareElements(place, first, second);
-        isInField_ = false;
-        const TargetPairs matched = matchTargets(first, second);
-        FieldComparison field{number, {}, {}, {}};
+        const TargetPairs matched = isIgnored(tag::target) ? TargetPairs() : matchTargets(first, second);
+        FieldComparison field{field_, matched.pairs.size()};
         for (const auto& [target, other] : matched.pairs) {
-            field.targets.push_back(moved(target, other));
-            compareElements(place + '/' + nameOfTarget(target), target, other);
+            compareTargets(place + '/' + nameOfTarget(target), target, other);
+            (areOnFibre(target, other) ? field.fibres : field.others).push_back(moved(target, other));
         }
-        for (const QDomElement& target : matched.onlyInFirst) {
-            field.onlyInFirst.push_back(nameOfTarget(target));
+        field.onlyInFirst = namesOf(matched.onlyInFirst);
+        field.onlyInSecond = namesOf(matched.onlyInSecond);
+        result_.fields.push_back(std::move(field));
+    }
+
+    // NOLINTNEXTLINE(misc-no-recursion)
+    void compareTargets(const std::string& place, const QDomElement& first, const QDomElement& second) {
+        const std::string groups = groupsOf(first);
+        const std::string otherGroups = groupsOf(second);
+        if (groups != otherGroups && !isIgnored(tag::group)) {
+            const std::string field = "field " + std::to_string(field_);
+            add(place, tag::group, field + groups, field + otherGroups);
         }
-        for (const QDomElement& target : matched.onlyInSecond) {
-            field.onlyInSecond.push_back(nameOfTarget(target));
+        compareElements(place, first, second);
+    }
+
+    static bool areOnFibre(const QDomElement& first, const QDomElement& second) {
+        return fibreOf(first) && fibreOf(first) == fibreOf(second);
+    }
+
+    MovedTarget moved(const QDomElement& first, const QDomElement& second) const {
+        MovedTarget target{nameOfTarget(first), fibreOf(first).value_or(0), {}, {}};
+        const auto place = platePlace(first);
+        const auto otherPlace = platePlace(second);
+        if (place && otherPlace) {
+            target.plate = {*place, *otherPlace};
         }
-        fields.push_back(std::move(field));
+        const auto sky = skyPlace(first, attr::targra, attr::targdec);
+        const auto otherSky = skyPlace(second, attr::targra, attr::targdec);
+        if (sky && otherSky) {
+            target.sky = {*sky, *otherSky};
+        }
+        return target;
+    }
+
+    std::optional<double> number(const QDomElement& element, const QString& attribute) const {
+        const auto value = numberOf(element.attribute(attribute));
+        return value && std::isfinite(*value) && !isIgnored(attribute) ? value : std::nullopt;
+    }
+
+    std::optional<Point> platePlace(const QDomElement& target) const {
+        const auto x = number(target, attr::targx);
+        const auto y = number(target, attr::targy);
+        return x && y ? std::optional(Point{*x, *y}) : std::nullopt;
+    }
+
+    std::optional<Astrometric> skyPlace(const QDomElement& element, const QString& ra, const QString& dec) const {
+        const auto raDeg = number(element, ra);
+        const auto decDeg = number(element, dec);
+        return raDeg && decDeg ? std::optional(Astrometric{degreesToRadians(*raDeg), degreesToRadians(*decDeg)})
+                               : std::nullopt;
     }
 
     void compareAttributes(const std::string& place, const QDomElement& first, const QDomElement& second) {
-        std::set<QString> names;
-        for (const QDomElement& element : {first, second}) {
-            for (int i = 0; i < element.attributes().count(); ++i) {
-                names.insert(element.attributes().item(i).nodeName());
-            }
-        }
-        const bool hasStayed = isNear(first, second, attr::raD, attr::decD);
-        for (const QString& name : names) {
-            const bool isToldElsewhere = first.tagName() == tag::target && placesOfTargets().contains(name) &&
-                                         number(first, name) && number(second, name);
-            const bool isOfPlace = name == attr::raD || name == attr::decD;
-            if (isToldElsewhere || options_.ignored.contains(name) || (isOfPlace && hasStayed) ||
-                areSame(name, first, second)) {
+        const std::set<QString> placed = samePlaces(first, second);
+        for (const QString& name : attributesOf(first, second)) {
+            if (isIgnored(name) || placed.contains(name) || areSame(name, first, second)) {
                 continue;
             }
-            differences.push_back({place + (place.empty() ? "" : "/") + name.toStdString(), name, valueOf(first, name),
-                                   valueOf(second, name)});
+            const KnownAttribute* known = knownOf(first, name);
+            add(place + (place.empty() ? "" : "/") + name.toStdString(), name, valueOf(first, name),
+                valueOf(second, name), known == nullptr || known->unit == "-" ? "" : known->unit.toStdString());
         }
     }
 
-    bool isNear(const QDomElement& first, const QDomElement& second, const QString& ra, const QString& dec) const {
-        const auto place = skyPlace(first, ra, dec);
-        const auto other = skyPlace(second, ra, dec);
-        return place && other && separation(*place, *other) <= options_.skyTolerance;
+    /** The attributes of places that are the same within the tolerance, or that the distances of fibres tell. */
+    std::set<QString> samePlaces(const QDomElement& first, const QDomElement& second) const {
+        std::set<QString> names;
+        for (const auto& [ra, dec] : {std::pair(attr::raD, attr::decD), {attr::targra, attr::targdec}}) {
+            const auto sky = skyPlace(first, ra, dec);
+            const auto otherSky = skyPlace(second, ra, dec);
+            const bool isTold = ra == attr::targra && areOnFibre(first, second);
+            if (sky && otherSky && (isTold || separation(*sky, *otherSky) <= options_.skyTolerance)) {
+                names.insert({ra, dec});
+            }
+        }
+        const auto plate = platePlace(first);
+        const auto otherPlate = platePlace(second);
+        if (plate && otherPlate &&
+            (areOnFibre(first, second) ||
+             std::hypot(otherPlate->x - plate->x, otherPlate->y - plate->y) <= options_.plateTolerance)) {
+            names.insert({attr::targx, attr::targy});
+        }
+        return names;
     }
 
     static std::optional<std::string> valueOf(const QDomElement& element, const QString& name) {
         return element.hasAttribute(name) ? std::optional(element.attribute(name).toStdString()) : std::nullopt;
     }
 
-    static bool areSame(const QString& name, const QDomElement& first, const QDomElement& second) {
-        const auto value = number(first, name);
-        const bool areNumbers = value && number(second, name) && !texts().contains(name);
+    bool areSame(const QString& name, const QDomElement& first, const QDomElement& second) const {
+        const KnownAttribute* known = knownOf(first, name);
+        const bool isText = known == nullptr || known->range == "any text" || name == attr::datamver;
+        const auto value = isText ? std::nullopt : number(first, name);
+        const auto other = number(second, name);
         return first.hasAttribute(name) == second.hasAttribute(name) &&
-               (areNumbers ? value == number(second, name) : first.attribute(name) == second.attribute(name));
+               (value && other ? value == other : first.attribute(name) == second.attribute(name));
     }
 
     const CompareOptions& options_;
-    bool isInField_ = false;
+    Comparison result_ = {};
+    int field_ = 0; ///< the field that is being compared, from 1; 0 outside
 };
 
-/** The direction in the middle of the first places. */
-Astrometric middleOf(const std::vector<std::pair<Astrometric, Astrometric>>& places) {
-    std::array<double, 3> sum{};
-    for (const auto& [first, second] : places) {
-        std::array<double, 3> direction{};
-        eraS2c(first.ra, first.dec, direction.data());
-        for (std::size_t i = 0; i < sum.size(); ++i) {
-            sum.at(i) += direction.at(i);
-        }
-    }
-    Astrometric middle{};
-    eraC2s(sum.data(), &middle.ra, &middle.dec);
-    return middle;
+bool hasMoved(const std::optional<Distances>& distances) {
+    return distances && distances->moved > 0;
 }
 
-/** Nothing for a place a right angle away, or more. */
-std::optional<Point> inTangentPlane(Astrometric place, Astrometric middle) {
-    Point point;
-    const int status = eraTpxes(place.ra, place.dec, middle.ra, middle.dec, &point.y, &point.x);
-    return status == 0 ? std::optional(point) : std::nullopt;
-}
-
-bool isWithin(const std::optional<Distances>& distances, double tolerance) {
-    return !distances || distances->greatest <= tolerance;
+bool isSame(const Comparison& comparison) {
+    const CompareOptions& options = comparison.options;
+    return comparison.differences.empty() &&
+           std::all_of(comparison.fields.begin(), comparison.fields.end(), [&](const FieldComparison& field) {
+               return field.onlyInFirst.empty() && field.onlyInSecond.empty() &&
+                      !hasMoved(plateDistances(field.fibres, options.plateTolerance)) &&
+                      !hasMoved(skyDistances(field.fibres, options.skyTolerance));
+           });
 }
 
 } // namespace
 
-std::optional<Distances> FieldComparison::plate() const {
-    return distancesOf(targets, [](const MovedTarget& target) {
-        const auto& plate = target.plate;
-        return plate ? std::optional(std::hypot(plate->second.x - plate->first.x, plate->second.y - plate->first.y))
-                     : std::nullopt;
-    });
-}
-
-std::optional<Distances> FieldComparison::sky() const {
-    return distancesOf(targets, [](const MovedTarget& target) {
-        return target.sky ? std::optional(separation(target.sky->first, target.sky->second)) : std::nullopt;
-    });
-}
-
-std::optional<Similarity> FieldComparison::plateFit() const {
-    std::vector<std::pair<Point, Point>> pairs;
-    for (const MovedTarget& target : targets) {
-        if (target.fibre && target.plate) {
-            pairs.push_back(*target.plate);
-        }
-    }
-    return pairs.empty() ? std::nullopt : std::optional(fitSimilarity(pairs));
-}
-
-std::optional<Similarity> FieldComparison::skyFit() const {
-    std::vector<std::pair<Astrometric, Astrometric>> places;
-    for (const MovedTarget& target : targets) {
-        if (target.fibre && target.sky) {
-            places.push_back(*target.sky);
-        }
-    }
-    if (places.empty()) {
-        return std::nullopt;
-    }
-    const Astrometric middle = middleOf(places);
-    std::vector<std::pair<Point, Point>> pairs;
-    for (const auto& [first, second] : places) {
-        const auto before = inTangentPlane(first, middle);
-        const auto after = inTangentPlane(second, middle);
-        if (!before || !after) {
-            return std::nullopt;
-        }
-        pairs.emplace_back(*before, *after);
-    }
-    return fitSimilarity(pairs);
-}
-
 Comparison compareDocuments(const QDomDocument& first, const QDomDocument& second, const CompareOptions& options) {
-    Comparer comparer(options);
-    comparer.compareElements("", first.documentElement(), second.documentElement());
-    const bool isSame = comparer.differences.empty() &&
-                        std::all_of(comparer.fields.begin(), comparer.fields.end(), [&](const FieldComparison& field) {
-                            return field.onlyInFirst.empty() && field.onlyInSecond.empty() &&
-                                   isWithin(field.plate(), options.plateTolerance) &&
-                                   isWithin(field.sky(), options.skyTolerance);
-                        });
-    return {std::move(comparer.fields), std::move(comparer.differences), isSame};
+    Comparison result = Comparer(options).compare(first.documentElement(), second.documentElement());
+    result.options = options;
+    result.isSame = isSame(result);
+    return result;
 }
 
 } // namespace pos

@@ -1,5 +1,5 @@
-#include "angles.h"
 #include "comparisonRecords.h"
+#include "comparisonUnits.h"
 
 #include <nlohmann/json.hpp>
 
@@ -9,49 +9,31 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr double kMicrometres = 1000.0; // in a millimetre
-
-double arcseconds(double radians) {
-    return radiansToDegrees(radians) * 3600;
+/** @param name of the unit, at the end of the names */
+Json distancesJson(const std::optional<Distances>& distances, const LengthUnit& unit, const std::string& name) {
+    return distances ? Json{{"max" + name, unit.of(distances->greatest)},
+                            {"rms" + name, unit.of(distances->rms)},
+                            {"worstFibre", distances->greatest > 0 ? Json(distances->worst.fibre) : Json()}}
+                     : Json();
 }
 
-Json distancesJson(const std::optional<Distances>& distances, const std::string& unit, double factor) {
-    if (!distances) {
-        return {};
-    }
-    const auto& fibre = distances->worst->fibre;
-    return {{"max" + unit, distances->greatest * factor},
-            {"rms" + unit, distances->rms * factor},
-            {"worstFibre", fibre ? Json(*fibre) : Json()}};
-}
-
-Json plateFitJson(const std::optional<Similarity>& fit) {
-    if (!fit) {
-        return {};
-    }
-    return {{"shiftUm", Json::array({fit->shift.x * kMicrometres, fit->shift.y * kMicrometres})},
-            {"rotationArcsec", arcseconds(fit->rotation)},
-            {"scalePpm", fit->scale * 1e6},
-            {"residualRmsUm", fit->residualRms * kMicrometres}};
-}
-
-Json skyFitJson(const std::optional<Similarity>& fit) {
-    if (!fit) {
-        return {};
-    }
-    return {{"shiftArcsec", Json::array({arcseconds(fit->shift.y), arcseconds(fit->shift.x)})}, // east, north
-            {"rotationArcsec", arcseconds(fit->rotation)},
-            {"scalePpm", fit->scale * 1e6},
-            {"residualRmsArcsec", arcseconds(fit->residualRms)}};
+/** @param x first component of the shift, in the unit of the fit */
+Json fitJson(const Similarity& fit, double x, double y, const LengthUnit& unit, const std::string& name) {
+    return {{"shift" + name, Json::array({unit.of(x), unit.of(y)})},
+            {"rotationArcsec", arcseconds(fit.rotation)},
+            {"scalePpm", fit.scale * 1e6},
+            {"residualRms" + name, unit.of(fit.residualRms)}};
 }
 
 Json fieldJson(const FieldComparison& field) {
+    const auto plate = plateFit(field.fibres);
+    const auto sky = skyFit(field.fibres);
     return {{"field", field.number},
-            {"targets", field.targets.size()},
-            {"plate", distancesJson(field.plate(), "Um", kMicrometres)},
-            {"sky", distancesJson(field.sky(), "Arcsec", arcseconds(1.0))},
-            {"fit", plateFitJson(field.plateFit())},
-            {"skyFit", skyFitJson(field.skyFit())},
+            {"targets", field.matched},
+            {"plate", distancesJson(plateDistances(field.fibres), kOnPlate, "Um")},
+            {"sky", distancesJson(skyDistances(field.fibres), kOnSky, "Arcsec")},
+            {"fit", plate ? fitJson(*plate, plate->shift.x, plate->shift.y, kOnPlate, "Um") : Json()},
+            {"skyFit", sky ? fitJson(*sky, sky->shift.y, sky->shift.x, kOnSky, "Arcsec") : Json()}, // east, north
             {"onlyInFirst", field.onlyInFirst},
             {"onlyInSecond", field.onlyInSecond}};
 }

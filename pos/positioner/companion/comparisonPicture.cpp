@@ -1,118 +1,144 @@
+#include "PlateView.h"
 #include "comparisonRecords.h"
-#include "numberText.h"
+#include "comparisonUnits.h"
+#include "pageText.h"
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace pos {
 
 namespace {
 
-constexpr double kSize = 800.0; // of a field's picture
-constexpr double kMargin = 60.0;
-constexpr double kLongest = 60.0; // of an arrow
+constexpr double kSize = PlateView::kSize;
 
-std::string number(double value) {
-    return fixedText(value, 2).toStdString();
+/** What the picture says about itself, and its colours, by day and by night. */
+constexpr const char* kHead = R"(<title>How the fibres moved</title>
+<desc>Each dot is a fibre in the first document. Its arrow points to where it is in the second one, and is as long as the
+bar tells.</desc>
+<style>
+:root{--paper:#fff;--ink:#1a1f24;--soft:#8a949e;--accent:#b3261e}
+@media (prefers-color-scheme:dark){:root{--paper:#12161b;--ink:#e6e9ec;--soft:#6b7680;--accent:#ff8a80}}
+rect{fill:var(--paper)}text{fill:var(--ink)}circle{fill:var(--soft)}line{stroke:var(--accent)}path{fill:var(--accent)}
+.bar{stroke-width:3}
+</style>
+<defs><marker id="head" viewBox="0 0 6 6" refX="5" refY="3" markerWidth="4" markerHeight="4" orient="auto">
+<path d="M0 0 6 3 0 6z"/></marker></defs>
+<rect width="100%" height="100%"/>
+)";
+
+std::string attribute(const std::string& name, double value) {
+    return ' ' + name + "=\"" + pictureText(value, 1) + '"';
 }
 
-/** From millimetres on the plate to the picture, whose y points down. */
-struct Scale {
-    Point middle;
-    double perMillimetre;
-    double top;
+std::string line(Pixel from, Pixel to, const std::string& style) {
+    return "<line" + attribute("x1", from.x) + attribute("y1", from.y) + attribute("x2", to.x) + attribute("y2", to.y) +
+           ' ' + style + "/>\n";
+}
 
-    Point at(Point plate) const {
-        return {kSize / 2 + (plate.x - middle.x) * perMillimetre,
-                top + kSize / 2 - (plate.y - middle.y) * perMillimetre};
-    }
-};
+std::string text(Pixel at, const std::string& words) {
+    return "<text" + attribute("x", at.x) + attribute("y", at.y) + '>' + words + "</text>\n";
+}
 
 /** The largest of 1, 2 and 5 times a power of ten that is not larger. */
 double roundBelow(double value) {
     const double power = std::pow(10.0, std::floor(std::log10(value)));
-    const double digit = value / power;
-    return (digit >= 5 ? 5 : digit >= 2 ? 2 : 1) * power;
+    return (value >= 5 * power ? 5 : value >= 2 * power ? 2 : 1) * power;
 }
 
-std::vector<std::pair<Point, Point>> fibresOf(const FieldComparison& field) {
-    std::vector<std::pair<Point, Point>> fibres;
-    for (const MovedTarget& target : field.targets) {
-        if (target.fibre && target.plate) {
-            fibres.push_back(*target.plate);
-        }
+double lengthOf(const PointPair& pair) {
+    return std::hypot(pair.second.x - pair.first.x, pair.second.y - pair.first.y);
+}
+
+/** The largest step of all, in the unit of the pairs. */
+double longestOf(const std::vector<PointPair>& pairs) {
+    double longest = 0.0;
+    for (const PointPair& pair : pairs) {
+        longest = std::max(longest, lengthOf(pair));
     }
-    return fibres;
+    return longest;
 }
 
-Scale scaleOf(const std::vector<std::pair<Point, Point>>& fibres, double top) {
-    const auto [left, right] = std::minmax_element(fibres.begin(), fibres.end(),
-                                                   [](const auto& a, const auto& b) { return a.first.x < b.first.x; });
-    const auto [low, high] = std::minmax_element(fibres.begin(), fibres.end(),
-                                                 [](const auto& a, const auto& b) { return a.first.y < b.first.y; });
-    const double extent = std::max({right->first.x - left->first.x, high->first.y - low->first.y, 1e-9});
-    return {{(left->first.x + right->first.x) / 2, (low->first.y + high->first.y) / 2},
-            (kSize - 2 * kMargin) / extent,
-            top};
+/** The fibres as dots. */
+std::string dotsOf(const std::vector<PlateCoordinates>& places, const PlateView& view) {
+    std::string dots;
+    for (const PlateCoordinates place : places) {
+        const Pixel pixel = view.at(place);
+        dots += "<circle" + attribute("cx", pixel.x) + attribute("cy", pixel.y) + " r=\"2\"/>\n";
+    }
+    return dots;
 }
 
-std::string line(Point from, Point to, const char* extra) {
-    return "<line x1=\"" + number(from.x) + "\" y1=\"" + number(from.y) + "\" x2=\"" + number(to.x) + "\" y2=\"" +
-           number(to.y) + '"' + extra + "/>\n";
+/** An arrow for each step, the longest one of a certain length, and a bar that tells the scale. */
+std::string arrowsOf(const std::vector<PointPair>& pairs, const PlateView& view, const std::string& unit) {
+    constexpr double kLongest = 36.0;
+    const double longest = longestOf(pairs);
+    if (longest == 0) {
+        return text({20, kSize - 20}, "No fibre has moved.");
+    }
+    const double pixels = kLongest / longest;
+    std::string arrows;
+    for (const auto& [first, second] : pairs) {
+        const Pixel from = view.at({first.x, first.y});
+        arrows += line(from, {from.x + (second.x - first.x) * pixels, from.y - (second.y - first.y) * pixels},
+                       "marker-end=\"url(#head)\"");
+    }
+    const double shown = roundBelow(longest);
+    const Pixel begin{20, kSize - 25};
+    return arrows + line(begin, {begin.x + shown * pixels, begin.y}, "class=\"bar\"") +
+           text({begin.x + kLongest + 10, begin.y + 5}, QString::number(shown, 'g', 3).toStdString() + ' ' + unit);
 }
 
-std::string text(Point at, const std::string& words) {
-    return "<text x=\"" + number(at.x) + "\" y=\"" + number(at.y) + "\">" + words + "</text>\n";
+/** Half of a field's picture. @param pairs in the unit; x to the right, y up */
+std::string panel(Pixel corner, const std::string& title, const std::vector<PointPair>& pairs,
+                  const std::string& unit) {
+    std::string picture = "<g transform=\"translate(" + pictureText(corner.x, 0) + ' ' + pictureText(corner.y, 0) +
+                          ")\">\n" + text({20, 30}, title);
+    if (pairs.empty()) {
+        return picture + text({20, kSize - 20}, "No fibre has a place in both documents.") + "</g>\n";
+    }
+    std::vector<PlateCoordinates> places;
+    std::transform(pairs.begin(), pairs.end(), std::back_inserter(places),
+                   [](const PointPair& pair) { return PlateCoordinates(pair.first.x, pair.first.y); });
+    const PlateView view = PlateView::around(places);
+    return picture + dotsOf(places, view) + arrowsOf(pairs, view, unit) + "</g>\n";
+}
+
+std::vector<PointPair> scaled(std::vector<PointPair> pairs, double factor) {
+    for (auto& [first, second] : pairs) {
+        first = {first.x * factor, first.y * factor};
+        second = {second.x * factor, second.y * factor};
+    }
+    return pairs;
+}
+
+/** From x to the north and y to the east to a picture with the north up and the east on the left. */
+Point northUp(Point place) {
+    return {-place.y, place.x};
 }
 
 std::string pictureOf(const FieldComparison& field, double top) {
     const std::string name = "Field " + std::to_string(field.number);
-    const std::vector<std::pair<Point, Point>> fibres = fibresOf(field);
-    if (fibres.empty()) {
-        return text({20, top + 30}, name + ": no fibre has a place on the plate in both documents");
+    std::vector<PointPair> onSky = scaled(skyPairs(field.fibres), kOnSky.factor);
+    for (auto& [first, second] : onSky) {
+        first = northUp(first);
+        second = northUp(second);
     }
-    const Scale scale = scaleOf(fibres, top);
-    double longest = 0.0;
-    for (const auto& [first, second] : fibres) {
-        longest = std::max(longest, std::hypot(second.x - first.x, second.y - first.y));
-    }
-    const double magnified = longest > 0 ? kLongest / longest : 0.0; // of an arrow, per millimetre
-    std::string picture = "<g><title>" + name + "</title>\n" + text({20, top + 30}, name);
-    for (const auto& [first, second] : fibres) {
-        const Point place = scale.at(first);
-        picture += "<circle cx=\"" + number(place.x) + "\" cy=\"" + number(place.y) + "\" r=\"1.5\"/>\n";
-        if (longest > 0) {
-            picture +=
-                line(place, {place.x + (second.x - first.x) * magnified, place.y - (second.y - first.y) * magnified},
-                     " marker-end=\"url(#head)\"");
-        }
-    }
-    if (longest > 0) {
-        const double shown = roundBelow(longest);
-        const Point begin{20, top + kSize - 20};
-        picture +=
-            line(begin, {begin.x + shown * magnified, begin.y}, " stroke-width=\"2\"") +
-            text({begin.x + kLongest + 10, begin.y + 5}, QString::number(shown * 1000, 'g', 3).toStdString() + " µm");
-    } else {
-        picture += text({20, top + kSize - 15}, "No fibre has moved on the plate.");
-    }
-    return picture + "</g>\n";
+    return panel({0, top}, name + " on the plate", scaled(platePairs(field.fibres), kOnPlate.factor), kOnPlate.name) +
+           panel({kSize, top}, name + " on the sky, north up, east on the left", onSky, kOnSky.name);
 }
 
 } // namespace
 
 std::string comparisonPicture(const Comparison& comparison) {
-    const std::size_t fields = std::max<std::size_t>(comparison.fields.size(), 1);
-    const std::string size = number(kSize) + ' ' + number(kSize * static_cast<double>(fields));
+    const auto rows = static_cast<double>(std::max<std::size_t>(comparison.fields.size(), 1));
     std::string picture =
-        "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 " + size +
-        "\" font-family=\"sans-serif\" font-size=\"16\" role=\"img\">\n<title>How fibres moved on the plate</title>\n"
-        "<desc>Each dot is a fibre in the first document; its arrow points to where it is in the second, "
-        "magnified.</desc>\n"
-        "<defs><marker id=\"head\" viewBox=\"0 0 6 6\" refX=\"5\" refY=\"3\" markerWidth=\"5\" markerHeight=\"5\" "
-        "orient=\"auto\"><path d=\"M0 0 6 3 0 6z\" fill=\"#b03020\"/></marker></defs>\n"
-        "<rect width=\"100%\" height=\"100%\" fill=\"#ffffff\"/>\n"
-        "<style>line{stroke:#b03020}circle{fill:#405060}text{fill:#202020}</style>\n";
+        R"(<svg xmlns="http://www.w3.org/2000/svg" font-family="sans-serif" font-size="16" role="img")";
+    picture += " viewBox=\"0 0 " + pictureText(2 * kSize, 0) + ' ' + pictureText(rows * kSize, 0) + "\">\n" + kHead;
+    if (comparison.fields.empty()) {
+        picture += text({20, 30}, "No field is in both documents.");
+    }
     double top = 0.0;
     for (const FieldComparison& field : comparison.fields) {
         picture += pictureOf(field, top);

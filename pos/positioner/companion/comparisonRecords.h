@@ -8,13 +8,14 @@
 #include "compareDocuments.h"
 
 #include <string>
+#include <vector>
 
 namespace pos {
 
-/** One sentence: whether the documents are the same, and what moved each field. */
-std::string comparisonSentence(const Comparison& comparison);
+/** Whether the documents are the same, and what moved each field: one sentence or more, without full stops. */
+std::vector<std::string> comparisonSentences(const Comparison& comparison);
 
-/** The sentence, the fields with their distances, and all other differences, a line each. */
+/** The sentences, a table for each field, and all other differences, a line each. */
 std::string comparisonText(const Comparison& comparison);
 
 /** JSON: {"version": 1, "same", "fields": […], "differences": […]}. */

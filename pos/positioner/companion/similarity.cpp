@@ -14,9 +14,15 @@ Complex complexOf(Point point) {
     return {point.x, point.y};
 }
 
+/** A place from the centroid of all, and how it moved beside them. */
+struct Step {
+    Complex place;
+    Complex moved;
+};
+
 } // namespace
 
-Similarity fitSimilarity(const std::vector<std::pair<Point, Point>>& pairs) {
+Similarity fitSimilarity(const std::vector<PointPair>& pairs) {
     const auto count = static_cast<double>(pairs.size());
     Complex centroid;
     Complex shift;
@@ -24,29 +30,30 @@ Similarity fitSimilarity(const std::vector<std::pair<Point, Point>>& pairs) {
         centroid += complexOf(first) / count;
         shift += (complexOf(second) - complexOf(first)) / count;
     }
-    // What the differences have in common with the places keeps the digits that the places themselves have not.
+    // The factor less 1 comes from the differences, which have digits that the places have not.
+    std::vector<Step> steps;
     Complex change;
-    double extent = 0.0;
+    double squares = 0.0;
     for (const auto& [first, second] : pairs) {
-        const Complex place = complexOf(first) - centroid;
-        change += std::conj(place) * (complexOf(second) - complexOf(first) - shift);
-        extent += std::norm(place);
+        const Step step{complexOf(first) - centroid, complexOf(second) - complexOf(first) - shift};
+        change += std::conj(step.place) * step.moved;
+        squares += std::norm(step.place);
+        steps.push_back(step);
     }
-    change = extent > 0 ? change / extent : 0.0;
-    const Complex factor = 1.0 + change;
-    Similarity fit{{centroid.real(), centroid.imag()}, {shift.real(), shift.imag()}, std::arg(factor)};
+    change = squares > 0 ? change / squares : 0.0;
+    Similarity fit{{shift.real(), shift.imag()}, std::arg(1.0 + change)};
     // |1 + c|² = 1 + 2 Re c + |c|²: of a small change no digit is lost.
-    const double square = 2 * change.real() + std::norm(change);
-    fit.scale = square / (1 + std::sqrt(1 + square));
+    const double growth = 2 * change.real() + std::norm(change);
+    fit.scale = growth / (1 + std::sqrt(1 + growth));
     double sum = 0.0;
-    for (const auto& [first, second] : pairs) {
-        const Complex place = complexOf(first) - centroid;
-        const double left = std::abs(complexOf(second) - complexOf(first) - shift - change * place);
-        sum += left * left / count;
-        fit.residualMax = std::max(fit.residualMax, left);
-        fit.extent = std::max(fit.extent, std::abs(place));
+    for (const Step& step : steps) {
+        const double remains = std::abs(step.moved - change * step.place);
+        sum += remains * remains;
+        fit.residualMax = std::max(fit.residualMax, remains);
+        fit.extent = std::max(fit.extent, std::abs(step.place));
     }
-    fit.residualRms = std::sqrt(sum);
+    fit.residualRms = std::sqrt(sum / count);
+    fit.extentRms = std::sqrt(squares / count);
     return fit;
 }
 

@@ -2,30 +2,44 @@
 
 #include "numberText.h"
 #include "xmlKeywords.h"
+#include "xmlStructure.h"
 
 #include <QHash>
 #include <QString>
 #include <algorithm>
 #include <cstdlib>
-#include <functional>
 
 namespace pos {
 
 namespace {
 
-/** What identifies a target; empty where it has nothing of the kind. */
-using Key = std::function<QString(const QDomElement&)>;
+/** What identifies a target; nothing where it has nothing of the kind. */
+using Key = std::optional<QString> (*)(const QDomElement&);
 
 QString given(const QDomElement& target, const QString& attribute) {
     const QString text = target.attribute(attribute);
     return text == kMissingValue ? QString() : text;
 }
 
-QString fibreKey(const QDomElement& target) {
+std::optional<QString> fibreKey(const QDomElement& target) {
     const auto fibre = fibreOf(target);
-    return fibre ? QString::number(*fibre) : QString();
+    return fibre ? std::optional(QString::number(*fibre)) : std::nullopt;
 }
 
+bool isOfUser(const QDomElement& target) {
+    return target.attribute(attr::automatic).toInt() == 0;
+}
+
+std::optional<QString> configidKey(const QDomElement& target) {
+    const std::uint64_t configid = configidOf(target);
+    return isOfUser(target) && configid != 0 ? std::optional(QString::number(configid)) : std::nullopt;
+}
+
+std::optional<QString> nameKey(const QDomElement& target) {
+    return isOfUser(target) ? std::optional(given(target, attr::targname)) : std::nullopt;
+}
+
+// NOLINTNEXTLINE(misc-no-recursion): follows the nesting of groups
 void addTargets(const QDomElement& parent, std::vector<QDomElement>& targets) {
     for (QDomElement child = parent.firstChildElement(); !child.isNull(); child = child.nextSiblingElement()) {
         if (child.tagName() == tag::target) {
@@ -36,30 +50,27 @@ void addTargets(const QDomElement& parent, std::vector<QDomElement>& targets) {
     }
 }
 
-/** Takes those that have the same key out of both lists. */
-void match(const Key& key, std::vector<QDomElement>& first, std::vector<QDomElement>& second,
-           std::vector<std::pair<QDomElement, QDomElement>>& pairs) {
+/** Takes those that have the same key out of what is left of both. */
+void match(Key key, TargetPairs& matched) {
     QHash<QString, QList<std::size_t>> places;
-    for (std::size_t i = 0; i < second.size(); ++i) {
-        const QString text = key(second[i]);
-        if (!text.isEmpty()) {
-            places[text].append(i);
+    for (std::size_t i = 0; i < matched.onlyInSecond.size(); ++i) {
+        if (const auto text = key(matched.onlyInSecond[i])) {
+            places[*text].append(i);
         }
     }
-    std::vector<QDomElement> left;
-    for (const QDomElement& target : first) {
-        const auto found = places.find(key(target));
-        if (found == places.end() || found->isEmpty()) {
-            left.push_back(target);
-        } else {
-            QDomElement& other = second[found->takeFirst()];
-            pairs.emplace_back(target, other);
+    for (QDomElement& target : matched.onlyInFirst) {
+        const auto text = key(target);
+        if (text && !places.value(*text).isEmpty()) {
+            QDomElement& other = matched.onlyInSecond[places[*text].takeFirst()];
+            matched.pairs.emplace_back(target, other);
+            target.clear();
             other.clear();
         }
     }
-    first = left;
-    second.erase(std::remove_if(second.begin(), second.end(), [](const QDomElement& e) { return e.isNull(); }),
-                 second.end());
+    for (auto* left : {&matched.onlyInFirst, &matched.onlyInSecond}) {
+        left->erase(std::remove_if(left->begin(), left->end(), [](const QDomElement& e) { return e.isNull(); }),
+                    left->end());
+    }
 }
 
 } // namespace
@@ -72,7 +83,8 @@ std::optional<std::int64_t> fibreOf(const QDomElement& target) {
 std::string nameOfTarget(const QDomElement& target) {
     const QString name = given(target, attr::targname);
     const QString configid = given(target, attr::configid);
-    const QString text = fibreOf(target)       ? "fibre " + fibreKey(target)
+    const auto fibre = fibreKey(target);
+    const QString text = fibre                 ? "fibre " + *fibre
                          : !name.isEmpty()     ? name
                          : !configid.isEmpty() ? "configid " + configid
                                                : QString("target");
@@ -83,9 +95,8 @@ TargetPairs matchTargets(const QDomElement& first, const QDomElement& second) {
     TargetPairs matched;
     addTargets(first, matched.onlyInFirst);
     addTargets(second, matched.onlyInSecond);
-    for (const Key& key : {Key(fibreKey), Key([](const QDomElement& target) { return given(target, attr::configid); }),
-                           Key([](const QDomElement& target) { return given(target, attr::targname); })}) {
-        match(key, matched.onlyInFirst, matched.onlyInSecond, matched.pairs);
+    for (const Key key : {fibreKey, configidKey, nameKey}) {
+        match(key, matched);
     }
     return matched;
 }

@@ -27,7 +27,10 @@ struct TargetPairs {
     std::vector<QDomElement> onlyInSecond;
 };
 
-/** Matches the targets of two fields, those of groups too: by the fibre, else by the configid, else by the name. */
+/**
+ * Matches the targets of two fields, those of groups too: by the fibre; else those that no run has made by the
+ * configid, else by the name. Those that have the same are taken in their order.
+ */
 TargetPairs matchTargets(const QDomElement& first, const QDomElement& second);
 
 } // namespace pos

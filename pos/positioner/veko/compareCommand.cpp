@@ -1,14 +1,20 @@
 #include "compareCommand.h"
 
 #include "OutputFile.h"
+#include "ReadDocument.h"
+#include "RunMessages.h"
 #include "angles.h"
 #include "comparisonRecords.h"
+#include "fileAccess.h"
+#include "problemText.h"
+#include "rules.h"
 #include "sharedOptions.h"
-#include "xmlStructure.h"
 
 #include <CLI/CLI.hpp>
+#include <filesystem>
 #include <iostream>
 #include <memory>
+#include <stdexcept>
 
 namespace pos {
 
@@ -28,15 +34,46 @@ struct CompareArguments {
 /** The exit statuses of the command. */
 enum Status { kSame = 0, kDifferent = 1 };
 
-int compare(const CompareArguments& arguments) {
+/** A document; "-" is the standard input. @throw std::runtime_error with the place where it cannot be read */
+QDomDocument documentOf(const std::string& name) {
+    const std::optional<QByteArray> bytes = readFile(name == "-" ? "/dev/stdin" : name);
+    if (!bytes) {
+        throw std::runtime_error(name + " could not be opened");
+    }
+    const ReadDocument read = readDocument(*bytes, name);
+    if (read.fault) {
+        const std::string message = read.faultMessage();
+        const Problem problem{&kUnreadable, kUnreadable.severity, read.faultPlace(), message, whatToDo(message), {}};
+        std::string text = problemText(problem, read.text, name, {terminalWidth(), false});
+        text.pop_back(); // the end of its last line
+        throw std::runtime_error(text);
+    }
+    return read.parsed.document;
+}
+
+CompareOptions optionsOf(const CompareArguments& arguments) {
     CompareOptions options{arguments.plateTolerance / 1000, degreesToRadians(arguments.skyTolerance / 3600)};
     for (const std::string& name : arguments.ignored) {
         options.ignored.insert(QString::fromStdString(name));
     }
-    const QDomDocument first = loadXmlFile(arguments.first);
-    const Comparison comparison = compareDocuments(first, loadXmlFile(arguments.second), options);
+    return options;
+}
+
+void writePicture(const CompareArguments& arguments, const Comparison& comparison) {
+    for (const std::string& document : {arguments.first, arguments.second}) {
+        std::error_code notThere;
+        if (std::filesystem::equivalent(arguments.picture, document, notThere)) {
+            throw std::runtime_error("The picture " + arguments.picture + " would replace a document");
+        }
+    }
+    writeFile(arguments.picture, QByteArray::fromStdString(comparisonPicture(comparison)));
+}
+
+int compare(const CompareArguments& arguments) {
+    const QDomDocument first = documentOf(arguments.first);
+    const Comparison comparison = compareDocuments(first, documentOf(arguments.second), optionsOf(arguments));
     if (!arguments.picture.empty()) {
-        writeFile(arguments.picture, QByteArray::fromStdString(comparisonPicture(comparison)));
+        writePicture(arguments, comparison);
     }
     std::cout << (arguments.format == "json" ? comparisonJson(comparison) : comparisonText(comparison));
     return comparison.isSame ? kSame : kDifferent;
@@ -46,26 +83,27 @@ int compare(const CompareArguments& arguments) {
 
 Command addCompareCommand(CLI::App& program) {
     const auto arguments = std::make_shared<CompareArguments>();
-    CLI::App* const command = program.add_subcommand("compare", "tell what is different between two documents");
-    command->add_option("FIRST", arguments->first, "a document")->required()->type_name("");
+    CLI::App* const command = program.add_subcommand("compare", "tell what differs between two field definitions");
+    command->add_option("FIRST", arguments->first, "a field definition; - is the standard input")
+        ->required()
+        ->type_name("");
     command->add_option("SECOND", arguments->second, "another one")->required()->type_name("");
-    command->add_option("--plate-tolerance", arguments->plateTolerance, "distance on the plate that is none")
+    command->add_option("--plate-tolerance", arguments->plateTolerance, "up to this, places on the plate are the same")
         ->check(within(0, 1e6))
         ->type_name("UM")
         ->capture_default_str();
-    command->add_option("--sky-tolerance", arguments->skyTolerance, "distance on the sky that is none")
+    command->add_option("--sky-tolerance", arguments->skyTolerance, "up to this, places on the sky are the same")
         ->check(within(0, 3600))
         ->type_name("ARCSEC")
         ->capture_default_str();
-    command->add_option("--ignore", arguments->ignored, "attribute or element that may differ; may be repeated")
+    command->add_option("--ignore", arguments->ignored, "attribute or element to leave out; may be repeated")
         ->type_name("NAME")
         ->allow_extra_args(false);
-    command->add_option("--format", arguments->format, "form of what is found")
+    command->add_option("--format", arguments->format, "form of what is told")
         ->check(CLI::IsMember({"text", "json"}))
         ->type_name("text|json")
         ->capture_default_str();
-    command->add_option("--picture", arguments->picture, "picture of what moved on the plate, as SVG")
-        ->type_name("FILE");
+    command->add_option("--picture", arguments->picture, "file to draw what moved in, as SVG")->type_name("FILE");
     return {command, [arguments] { return compare(*arguments); }};
 }
 
