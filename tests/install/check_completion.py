@@ -103,12 +103,12 @@ class Completion(unittest.TestCase):
         return offered(*words, folder=self.folder, program="veko")
 
     def test_veko_offers_its_commands_and_their_options(self):
-        self.assertEqual(self.offered_by_veko(""), ["check", "report", "window"])
+        self.assertEqual(self.offered_by_veko(""), ["check", "compare", "report", "window"])
         self.assertEqual(self.offered_by_veko("-"), ["--help", "--version", "-h"])
         for command in self.offered_by_veko(""):
             listing = subprocess.run([VEKO, command, "--help"], check=True, capture_output=True, text=True).stdout
             options = re.findall(r"^  (?:(-\w), )?(--[\w-]+)", listing, re.MULTILINE)
-            self.assertIn(("-c", "--config_file"), options)
+            self.assertIn(("-h", "--help"), options)
             self.assertEqual(self.offered_by_veko(command, "-"),
                              sorted({name for pair in options for name in pair if name}))
         self.assertEqual(self.offered_by_veko("check", "--strict", "--fo"), ["--format"])
