@@ -140,6 +140,16 @@ TEST_F(CompareCommand, SaysWhatMovedAFieldOnTheSky) {
                            "below 0.01 arcsec\n"));
 }
 
+TEST_F(CompareCommand, SaysThatFibresAllOverTheSkyMovedInNoCommonWay) {
+    const auto opposite = [](double ra, double dec) {
+        return ra > 150.1 ? std::pair(ra + 180, -dec) : std::pair(ra, dec);
+    };
+    EXPECT_THAT(
+        sentences(moved("targra", "targdec", opposite), 1),
+        MatchesRegex("on the sky field 1 has [0-9]+ fibres elsewhere, moved in no common way, by at most 648000 "
+                     "arcsec \\(fibre [0-9]+\\)\n"));
+}
+
 TEST_F(CompareCommand, SaysWhatElseDiffers) {
     for (const auto& [edit, sentence] : std::vector<std::pair<std::function<void(const QDomDocument&)>, std::string>>{
              {[](auto& document) { moveToTheRight(targetWith(document, "fibreid", "17"), 0.01); },
@@ -167,6 +177,7 @@ TEST_F(CompareCommand, SaysWhatElseDiffers) {
               "field 1 has 1 target in the first document only\n"},
              {[](auto& document) { remove(elements(document, "field").at(1)); },
               "the first document has 2 fields, the second 1 field\n"},
+             {[](auto& document) { remove(onlyElement(document, "fields")); }, "the documents differ in fields\n"},
              {[](auto& document) { moveToTheRight(targetWith(document, "fibreid", "17"), 1e-6); },
               "the same within 0.01 µm, but not within the tolerances\n"}}) {
         EXPECT_EQ(sentences(edited(edit), 1), sentence);
@@ -183,7 +194,6 @@ TEST_F(CompareCommand, TakesPlacesWithinTheTolerancesForTheSame) {
     EXPECT_EQ(sentences(other, 1, {"--plate-tolerance", "3", "--sky-tolerance", "0.01"}),
               "field 1 has 1 fibre elsewhere, by 3.20 µm (fibre 17)\n");
     EXPECT_EQ(sentences(other, 1, {"--plate-tolerance", "4", "--sky-tolerance", "0.003"}),
-              "field 1 has 1 target without a fibre elsewhere on the sky, by 0.003 arcsec (Star)\n"
               "field 1 differs in targra\n");
     EXPECT_EQ(sentences(other, 0, {"--ignore", "targx", "--ignore", "targra"}), "the same\n");
 }

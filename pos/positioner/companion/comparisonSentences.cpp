@@ -26,8 +26,8 @@ std::string plural(std::ptrdiff_t number, const std::string& noun) {
 /** What moved the fibres of a field, on the plate or on the sky. */
 struct Movement {
     const Distances& distances;
-    const Similarity& fit;
-    double count; ///< of fibres
+    const std::optional<Similarity>& fit; ///< nothing for fibres all over the sky
+    double count;                         ///< of fibres
     const LengthUnit& unit;
 };
 
@@ -36,7 +36,10 @@ struct Movement {
  * noise does to the mean of so many fibres is no motion in common; nor is what a few of them do.
  */
 std::string wordsOf(const Movement& movement) {
-    const Similarity& fit = movement.fit;
+    if (!movement.fit) {
+        return "";
+    }
+    const Similarity& fit = *movement.fit;
     const auto told = [&](double size) { return movement.unit.of(size); };
     const double noise = 5 * fit.residualRms / std::sqrt(movement.count);
     const auto isNoticed = [&](double greatest, double rms) {
@@ -60,9 +63,9 @@ std::string wordsOf(const Movement& movement) {
 
 /** "what remains is below 0.01 µm", or how much it is. */
 std::string remainderOf(const Movement& movement) {
-    const bool isNoticed = movement.unit.of(movement.fit.residualMax) >= kNoticed;
+    const bool isNoticed = movement.unit.of(movement.fit->residualMax) >= kNoticed;
     return "what remains is " +
-           (isNoticed ? digits(movement.unit.of(movement.fit.residualRms)) : "below " + bound(kNoticed)) + ' ' +
+           (isNoticed ? digits(movement.unit.of(movement.fit->residualRms)) : "below " + bound(kNoticed)) + ' ' +
            movement.unit.name + (isNoticed ? " (root mean square)" : "");
 }
 
@@ -91,13 +94,12 @@ std::vector<std::string> movementsOf(const FieldComparison& field, const Compare
     const auto count = static_cast<double>(field.fibres.size());
     const auto plate = plateDistances(field.fibres, options.plateTolerance);
     const auto sky = skyDistances(field.fibres, options.skyTolerance);
-    const auto fitOnSky = skyFit(field.fibres);
     std::vector<std::string> sentences;
     if (isNoticed(plate, kOnPlate)) {
-        sentences.push_back(sentenceOf(name, {*plate, *plateFit(field.fibres), count, kOnPlate}));
+        sentences.push_back(sentenceOf(name, {*plate, plateFit(field.fibres), count, kOnPlate}));
     }
-    if (isNoticed(sky, kOnSky) && fitOnSky) {
-        sentences.push_back(sentenceOf("on the sky " + name, {*sky, *fitOnSky, count, kOnSky}));
+    if (isNoticed(sky, kOnSky)) {
+        sentences.push_back(sentenceOf("on the sky " + name, {*sky, skyFit(field.fibres), count, kOnSky}));
     }
     return sentences;
 }
@@ -107,7 +109,7 @@ std::vector<std::string> otherTargetsOf(const FieldComparison& field, const Comp
     std::vector<std::string> sentences;
     for (const auto& [distances, unit] : {std::pair(plateDistances(field.others, options.plateTolerance), kOnPlate),
                                           {skyDistances(field.others, options.skyTolerance), kOnSky}}) {
-        if (distances && distances->moved > 0) {
+        if (isNoticed(distances, unit)) {
             sentences.push_back("field " + std::to_string(field.number) + " has " + plural(distances->moved, "target") +
                                 " without a fibre elsewhere " + unit.where + ", " + greatestOf(*distances, unit));
         }
@@ -202,7 +204,9 @@ std::vector<std::string> comparisonSentences(const Comparison& comparison) {
     }
     const std::string values = valuesOf(comparison, 0);
     if (!values.empty()) {
-        sentences.push_back((sentences.empty() ? "only the observation differs, in " : "the observation differs in ") +
+        sentences.push_back((comparison.fields.empty() ? "the documents differ in "
+                             : sentences.empty()       ? "only the observation differs, in "
+                                                       : "the observation differs in ") +
                             values);
     }
     return sentences.empty() ? std::vector{sameWithin(comparison)} : sentences;
