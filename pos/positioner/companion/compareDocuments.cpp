@@ -45,7 +45,7 @@ std::set<QString> attributesOf(const QDomElement& first, const QDomElement& seco
     return names;
 }
 
-std::string textOf(const QDomElement& element) {
+std::string contentOf(const QDomElement& element) {
     QString text;
     for (QDomNode node = element.firstChild(); !node.isNull(); node = node.nextSibling()) {
         text += node.isCharacterData() && !node.isComment() ? node.nodeValue() + ' ' : QString();
@@ -101,8 +101,8 @@ private:
     // NOLINTNEXTLINE(misc-no-recursion): follows the nesting of the document
     void compareElements(const std::string& place, const QDomElement& first, const QDomElement& second) {
         compareAttributes(place, first, second);
-        if (textOf(first) != textOf(second)) {
-            add(place, first.tagName(), textOf(first), textOf(second));
+        if (contentOf(first) != contentOf(second)) {
+            add(place, first.tagName(), contentOf(first), contentOf(second));
         }
         for (const auto& [name, pairs] : childrenOf(first, second)) {
             // The targets of a field are matched by what they are, wherever they stand in it.

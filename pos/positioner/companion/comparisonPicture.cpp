@@ -11,7 +11,7 @@ namespace pos {
 
 namespace {
 
-constexpr double kSize = PlateView::kSize;
+constexpr double kPanelSize = PlateView::kSize;
 
 /** What the picture says about itself, and its colours, by day and by night. */
 constexpr const char* kHead = R"(<title>How the fibres moved</title>
@@ -37,7 +37,7 @@ std::string line(Pixel from, Pixel to, const std::string& style) {
            ' ' + style + "/>\n";
 }
 
-std::string text(Pixel at, const std::string& words) {
+std::string caption(Pixel at, const std::string& words) {
     return "<text" + attribute("x", at.x) + attribute("y", at.y) + '>' + words + "</text>\n";
 }
 
@@ -75,7 +75,7 @@ std::string arrowsOf(const std::vector<PointPair>& pairs, const PlateView& view,
     constexpr double kLongest = 36.0;
     const double longest = longestOf(pairs);
     if (longest == 0) {
-        return text({20, kSize - 20}, "No fibre has moved.");
+        return caption({20, kPanelSize - 20}, "No fibre has moved.");
     }
     const double pixels = kLongest / longest;
     std::string arrows;
@@ -85,18 +85,18 @@ std::string arrowsOf(const std::vector<PointPair>& pairs, const PlateView& view,
                        "marker-end=\"url(#head)\"");
     }
     const double shown = roundBelow(longest);
-    const Pixel begin{20, kSize - 25};
+    const Pixel begin{20, kPanelSize - 25};
     return arrows + line(begin, {begin.x + shown * pixels, begin.y}, "class=\"bar\"") +
-           text({begin.x + kLongest + 10, begin.y + 5}, QString::number(shown, 'g', 3).toStdString() + ' ' + unit);
+           caption({begin.x + kLongest + 10, begin.y + 5}, QString::number(shown, 'g', 3).toStdString() + ' ' + unit);
 }
 
 /** Half of a field's picture. @param pairs in the unit; x to the right, y up */
 std::string panel(Pixel corner, const std::string& title, const std::vector<PointPair>& pairs,
                   const std::string& unit) {
     std::string picture = "<g transform=\"translate(" + pictureText(corner.x, 0) + ' ' + pictureText(corner.y, 0) +
-                          ")\">\n" + text({20, 30}, title);
+                          ")\">\n" + caption({20, 30}, title);
     if (pairs.empty()) {
-        return picture + text({20, kSize - 20}, "No fibre has a place in both documents.") + "</g>\n";
+        return picture + caption({20, kPanelSize - 20}, "No fibre has a place in both documents.") + "</g>\n";
     }
     std::vector<PlateCoordinates> places;
     std::transform(pairs.begin(), pairs.end(), std::back_inserter(places),
@@ -126,7 +126,7 @@ std::string pictureOf(const FieldComparison& field, double top) {
         second = northUp(second);
     }
     return panel({0, top}, name + " on the plate", scaled(platePairs(field.fibres), kOnPlate.factor), kOnPlate.name) +
-           panel({kSize, top}, name + " on the sky, north up, east on the left", onSky, kOnSky.name);
+           panel({kPanelSize, top}, name + " on the sky, north up, east on the left", onSky, kOnSky.name);
 }
 
 } // namespace
@@ -135,14 +135,15 @@ std::string comparisonPicture(const Comparison& comparison) {
     const auto rows = static_cast<double>(std::max<std::size_t>(comparison.fields.size(), 1));
     std::string picture =
         R"(<svg xmlns="http://www.w3.org/2000/svg" font-family="sans-serif" font-size="16" role="img")";
-    picture += " viewBox=\"0 0 " + pictureText(2 * kSize, 0) + ' ' + pictureText(rows * kSize, 0) + "\">\n" + kHead;
+    picture +=
+        " viewBox=\"0 0 " + pictureText(2 * kPanelSize, 0) + ' ' + pictureText(rows * kPanelSize, 0) + "\">\n" + kHead;
     if (comparison.fields.empty()) {
-        picture += text({20, 30}, "No field is in both documents.");
+        picture += caption({20, 30}, "No field is in both documents.");
     }
     double top = 0.0;
     for (const FieldComparison& field : comparison.fields) {
         picture += pictureOf(field, top);
-        top += kSize;
+        top += kPanelSize;
     }
     return picture + "</svg>\n";
 }

@@ -118,7 +118,7 @@ std::vector<std::string> otherTargetsOf(const FieldComparison& field, const Comp
 }
 
 /** "temperature and ha", or how many values if their names are many; empty for none. */
-std::string valuesOf(const Comparison& comparison, int field) {
+std::string differingValues(const Comparison& comparison, int field) {
     constexpr std::size_t kNamed = 4;
     std::vector<std::string> names;
     std::ptrdiff_t values = 0;
@@ -148,7 +148,7 @@ std::vector<std::string> sentencesOf(const Comparison& comparison, const FieldCo
                                 which + " document only");
         }
     }
-    const std::string values = valuesOf(comparison, field.number);
+    const std::string values = differingValues(comparison, field.number);
     if (!values.empty()) {
         sentences.push_back(name + " differs in " + values);
     }
@@ -202,7 +202,7 @@ std::vector<std::string> comparisonSentences(const Comparison& comparison) {
     for (const FieldComparison& field : comparison.fields) {
         append(sentences, sentencesOf(comparison, field));
     }
-    const std::string values = valuesOf(comparison, 0);
+    const std::string values = differingValues(comparison, 0);
     if (!values.empty()) {
         sentences.push_back((comparison.fields.empty() ? "the documents differ in "
                              : sentences.empty()       ? "only the observation differs, in "

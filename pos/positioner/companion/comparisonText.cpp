@@ -45,7 +45,7 @@ std::string scaleText(const Similarity& fit) {
     return digits(fit.scale * 1e6) + " ppm";
 }
 
-std::string tableOf(const FieldComparison& field) {
+std::string motionTable(const FieldComparison& field) {
     const auto plate = plateDistances(field.fibres);
     const auto sky = skyDistances(field.fibres);
     const auto onPlate = plateFit(field.fibres);
@@ -84,7 +84,7 @@ std::string fieldText(const FieldComparison& field) {
     std::string text = "\nField " + std::to_string(field.number) + ": " + std::to_string(field.matched) +
                        " targets in both, " + std::to_string(field.fibres.size()) + " of them on a fibre";
     text += isMoved || field.fibres.empty() ? "\n" : "; no fibre has moved\n";
-    text += isMoved ? tableOf(field) : "";
+    text += isMoved ? motionTable(field) : "";
     return text + aloneText(field.onlyInFirst, "first") + aloneText(field.onlyInSecond, "second");
 }
 
@@ -93,7 +93,7 @@ std::string valueText(const std::optional<std::string>& value) {
 }
 
 /** "  place: "283", "284" kelvin (+1)". */
-std::string lineOf(const Difference& difference) {
+std::string differenceLine(const Difference& difference) {
     std::string line =
         "  " + difference.place + ": " + valueText(difference.first) + ", " + valueText(difference.second);
     if (difference.unit.empty()) {
@@ -111,7 +111,7 @@ std::string lineOf(const Difference& difference) {
 }
 
 /** All differences; what is the same in many places of a field is told once. */
-std::string linesOf(const std::vector<Difference>& differences) {
+std::string differenceLines(const std::vector<Difference>& differences) {
     constexpr std::size_t kShown = 3;
     using Values = std::tuple<int, std::string, std::optional<std::string>, std::optional<std::string>>;
     std::map<Values, std::vector<const Difference*>> all;
@@ -128,7 +128,7 @@ std::string linesOf(const std::vector<Difference>& differences) {
         const std::vector<const Difference*>& places = all[values];
         const std::size_t shown = places.size() > kShown ? 1 : places.size();
         for (std::size_t i = 0; i < shown; ++i) {
-            lines += lineOf(*places[i]);
+            lines += differenceLine(*places[i]);
         }
         if (shown < places.size()) {
             lines += "    the same in " + std::to_string(places.size() - shown) + " more places\n";
@@ -153,7 +153,7 @@ std::string comparisonText(const Comparison& comparison) {
     if (!comparison.differences.empty()) {
         text += "\nOther values of the first document, and of the second\n";
     }
-    return harmless(text + linesOf(comparison.differences));
+    return harmless(text + differenceLines(comparison.differences));
 }
 
 } // namespace pos

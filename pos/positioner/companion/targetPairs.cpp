@@ -40,12 +40,12 @@ std::optional<QString> nameKey(const QDomElement& target) {
 }
 
 // NOLINTNEXTLINE(misc-no-recursion): follows the nesting of groups
-void addTargets(const QDomElement& parent, std::vector<QDomElement>& targets) {
+void addTargetsBelow(const QDomElement& parent, std::vector<QDomElement>& targets) {
     for (QDomElement child = parent.firstChildElement(); !child.isNull(); child = child.nextSiblingElement()) {
         if (child.tagName() == tag::target) {
             targets.push_back(child);
         } else if (child.tagName() == tag::group) {
-            addTargets(child, targets);
+            addTargetsBelow(child, targets);
         }
     }
 }
@@ -93,8 +93,8 @@ std::string nameOfTarget(const QDomElement& target) {
 
 TargetPairs matchTargets(const QDomElement& first, const QDomElement& second) {
     TargetPairs matched;
-    addTargets(first, matched.onlyInFirst);
-    addTargets(second, matched.onlyInSecond);
+    addTargetsBelow(first, matched.onlyInFirst);
+    addTargetsBelow(second, matched.onlyInSecond);
     for (const Key key : {fibreKey, configidKey, nameKey}) {
         match(key, matched);
     }
