@@ -316,9 +316,13 @@ TEST(CompareDocuments, FormsOfNumbersAreNoDifference) {
     const std::string first = target(R"(fibreid="1" targx="1.50" targprio="1" targpmra="0" ifu_pa="1e1")");
     const std::string second = target(R"(targpmra="0.000" ifu_pa="10" targprio="1.0" targx="1.5" fibreid="1")");
     EXPECT_TRUE(compared(first, second).isSame);
-    // Names are texts, and so is what no document needs to have.
+    // Names and versions are texts, and so is what no document needs to have.
     EXPECT_FALSE(compared(target(R"(fibreid="1" targname="1")"), target(R"(fibreid="1" targname="1.0")")).isSame);
     EXPECT_FALSE(compared(target(R"(fibreid="1" mine="1")"), target(R"(fibreid="1" mine="1.0")")).isSame);
+    const auto ofVersion = [](const std::string& version) {
+        return parseDocument(documentWithObservation("datamver=\"" + version + "\""));
+    };
+    EXPECT_FALSE(compareDocuments(ofVersion("8.00"), ofVersion("8.0"), {}).isSame);
 }
 
 TEST(CompareDocuments, TargetsAreMatchedByFibreThenConfigidThenName) {
