@@ -14,7 +14,7 @@ namespace pos {
 /** How a command ends. */
 enum ExitStatus {
     kGood = 0,   ///< it found nothing amiss
-    kBad = 1,    ///< it found problems, a field without a window
+    kBad = 1,    ///< it found problems, a field without a window, differences
     kTrouble = 2 ///< something could not be done
 };
 

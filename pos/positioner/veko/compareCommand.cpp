@@ -31,9 +31,6 @@ struct CompareArguments {
     std::string picture;
 };
 
-/** The exit statuses of the command. */
-enum Status { kSame = 0, kDifferent = 1 };
-
 /** A document; "-" is the standard input. @throw std::runtime_error with the place where it cannot be read */
 QDomDocument documentOf(const std::string& name) {
     const std::optional<QByteArray> bytes = readFile(name == "-" ? "/dev/stdin" : name);
@@ -76,7 +73,7 @@ int compare(const CompareArguments& arguments) {
         writePicture(arguments, comparison);
     }
     std::cout << (arguments.format == "json" ? comparisonJson(comparison) : comparisonText(comparison));
-    return comparison.isSame ? kSame : kDifferent;
+    return comparison.isSame ? kGood : kBad;
 }
 
 } // namespace
