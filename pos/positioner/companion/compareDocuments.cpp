@@ -237,7 +237,7 @@ private:
             const auto sky = skyPlace(first, ra, dec);
             const auto otherSky = skyPlace(second, ra, dec);
             const bool isTold = ra == attr::targra && areOnFibre(first, second);
-            if (sky && otherSky && (isTold || separation(*sky, *otherSky) <= options_.skyTolerance)) {
+            if (sky && otherSky && (isTold || skySeparation(*sky, *otherSky) <= options_.skyTolerance)) {
                 names.insert({ra, dec});
             }
         }

@@ -61,7 +61,7 @@ Point inTangentPlane(Astrometric place, Astrometric middle, double turn) {
 
 bool areAround(Astrometric middle, const std::vector<Astrometric>& places) {
     return std::all_of(places.begin(), places.end(),
-                       [middle](Astrometric place) { return separation(middle, place) < kPi / 2; });
+                       [middle](Astrometric place) { return skySeparation(middle, place) < kPi / 2; });
 }
 
 using Places = std::vector<Astrometric>;
@@ -90,7 +90,7 @@ std::vector<PointPair> inTangentPlanes(const Places& first, Astrometric middle, 
 
 } // namespace
 
-double separation(Astrometric a, Astrometric b) {
+double skySeparation(Astrometric a, Astrometric b) {
     constexpr double kRounding = 1e-15; // of doubles: at a pole the cosine of the declination is not quite 0
     const double angle = eraSeps(a.ra, a.dec, b.ra, b.dec);
     return angle > kRounding ? angle : 0.0;
@@ -106,7 +106,7 @@ std::optional<Distances> plateDistances(const std::vector<MovedTarget>& targets,
 
 std::optional<Distances> skyDistances(const std::vector<MovedTarget>& targets, double tolerance) {
     return distancesOf(targets, tolerance, [](const MovedTarget& target) {
-        return target.sky ? std::optional(separation(target.sky->first, target.sky->second)) : std::nullopt;
+        return target.sky ? std::optional(skySeparation(target.sky->first, target.sky->second)) : std::nullopt;
     });
 }
 
@@ -140,7 +140,7 @@ std::optional<Similarity> skyFit(const std::vector<MovedTarget>& targets) {
         return std::nullopt;
     }
     Similarity fit = fitSimilarity(inTangentPlanes(first, before, second, after, -convergence(before, after)));
-    const double distance = separation(before, after);
+    const double distance = skySeparation(before, after);
     const double direction = eraPas(before.ra, before.dec, after.ra, after.dec);
     fit.shift = {distance * std::cos(direction), distance * std::sin(direction)};
     return fit;

@@ -33,7 +33,7 @@ struct Distances {
 };
 
 /** How far two places are apart, radians; 0 where only rounding tells them apart. */
-double separation(Astrometric a, Astrometric b);
+double skySeparation(Astrometric a, Astrometric b);
 
 /** The distances and the tolerance on the plate, mm; nothing where no target has a place there in both. */
 std::optional<Distances> plateDistances(const std::vector<MovedTarget>& targets, double tolerance = 0.0);
