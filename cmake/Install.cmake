@@ -35,9 +35,7 @@ install(
   DESTINATION "${program_data}/docs"
   COMPONENT program)
 install(FILES docs/pictures/check.svg DESTINATION "${program_data}/docs/pictures" COMPONENT program)
-install(FILES examples/many/Makefile DESTINATION "${program_data}/examples/many" COMPONENT program)
-install(PROGRAMS examples/many/configure_all.parallel.sh examples/many/configure_all.slurm
-        DESTINATION "${program_data}/examples/many" COMPONENT program)
+install(PROGRAMS examples/many/night.sh DESTINATION "${program_data}/examples/many" COMPONENT program)
 
 install(
   FILES pos/positioner/resources/PLATE_A.xml pos/positioner/resources/PLATE_B.xml pos/positioner/resources/VEKO.xml

@@ -23,7 +23,7 @@ function(complete_package component package)
   # Whatever the umask of the one who builds.
   set(root "${CPACK_TEMPORARY_INSTALL_DIRECTORY}/${component}")
   run(find "${root}" -type d -exec chmod 755 {} +)
-  run(find "${share}" -type f -not -name "configure_all.*" -exec chmod 644 {} +)
+  run(find "${share}" -type f -not -name "night.sh" -exec chmod 644 {} +)
 endfunction()
 
 complete_package(program "${CPACK_DEBIAN_PROGRAM_PACKAGE_NAME}")

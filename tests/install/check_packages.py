@@ -73,9 +73,9 @@ class Packages(unittest.TestCase):
         headers = {path.name for path in (golden.PROJECT / "pos" / "positioner" / "poslib").glob("*.h")} - INTERNAL
         self.expect_files("libpos-dev", listed.split() + [f"usr/include/pos/{header}" for header in headers])
 
-    def test_everybody_may_read_the_files_and_run_the_program_and_the_recipes(self):
+    def test_everybody_may_read_the_files_and_run_the_programs_and_the_recipe(self):
         for path in [path for package in NAMES for path in (self.root / package).rglob("*")]:
-            run = path.is_dir() or str(path) in (self.program, self.checker) or path.name.startswith("configure_all.")
+            run = path.is_dir() or str(path) in (self.program, self.checker) or path.name == "night.sh"
             self.assertEqual(stat.S_IMODE(path.stat().st_mode), 0o755 if run else 0o644, path)
 
     def test_the_packages_ask_for_the_libraries_that_are_linked(self):
