@@ -1,4 +1,5 @@
 """Nights through examples/many/night.sh whose program runs are counted, and that are stopped at random moments."""
+import collections
 import os
 import pathlib
 import random
@@ -12,7 +13,7 @@ from pages import ROOT
 RECIPE = ROOT / "examples" / "many" / "night.sh"
 RESULTS = {"check": "checked/{}.txt", "configure": "configured/{}.xml", "report": "reports/{}.html",
            "compare": "compared/{}.txt"}
-# Notes each run, with the folder that tells night and document, and the machine; fails where `broken` names the document.
+# Notes each run: stage, folder, which tells night and document, and machine. Fails if `broken` names the document.
 PROGRAM = """#!/bin/sh
 case $0 in *veko) stage=$1 ;; *) stage=configure ;; esac
 echo "$stage:$PWD:${{SSH_CONNECTION:-}}" >>{folder}/runs
@@ -33,10 +34,10 @@ class Programs:
         self.path.mkdir()
         for program in map(pathlib.Path, programs):
             counted = self.path / program.name
-            counted.write_text(PROGRAM.format(folder=shlex.quote(str(folder)), program=shlex.quote(str(program.resolve()))))
+            words = {"folder": shlex.quote(str(folder)), "program": shlex.quote(str(program.resolve()))}
+            counted.write_text(PROGRAM.format(**words))
             counted.chmod(0o755)
         self.environment = {**os.environ, "PATH": f"{self.path}:{os.environ['PATH']}", "LC_ALL": "C.UTF-8"}
-
         self.log = self.folder / "runs"
         self.log.touch()
 
@@ -46,11 +47,18 @@ class Programs:
 
     def runs(self, night):
         """Stage and document of each run for a night, in the order in which they began."""
+        return [(stage, work.name.rpartition(".")[0]) for stage, work, _ in self.lines(night)]
+
+    def machines(self, night):
+        """How many runs for a night each connection's server end began; without ssh that is an empty text."""
+        return collections.Counter(connection.rpartition(" ")[2] for _, _, connection in self.lines(night))
+
+    def lines(self, night):
         found = []
-        for stage, work, _ in (line.split(":", 2) for line in self.log.read_text().splitlines()):
-            work = pathlib.Path(work)
-            if work.parent == night / "work":
-                found.append((stage, work.name.rpartition(".")[0]))
+        for line in self.log.read_text().splitlines():
+            stage, work, connection = line.split(":")
+            if pathlib.Path(work).parent == night / "work":
+                found.append((stage, pathlib.Path(work), connection))
         return found
 
     def start(self, *arguments, **variables):
