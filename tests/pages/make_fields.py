@@ -1,10 +1,9 @@
-"""Writes field definitions for runs on many documents: make_fields.py FOLDER [COUNT].
+"""Field definitions for runs on many documents.
 
 Fields with a galaxy and a guide star each, spread over the sky south of the zenith; one in the middle lies below the
 horizon.
 """
 import pathlib
-import sys
 
 FIELD = """<?xml version="1.0" encoding="UTF-8"?>
 <field_definition datamver="8.00">
@@ -28,15 +27,11 @@ def failing(count):
     return f"f{count * 2 // 3:03}"
 
 
-def make(folder, count=200):
-    folder = pathlib.Path(folder)
-    folder.mkdir(parents=True)
+def make(folder, count):
+    """Writes them into a new folder."""
+    folder.mkdir()
     for number in range(count):
         name = f"f{number:03}"
         dec = -75.0 if name == failing(count) else -10.0 + number * 30.0 / count
         text = FIELD.format(name=name, ra=number * 360.0 / count, dec=dec, guide_dec=dec + 0.05)
         (folder / f"{name}.xml").write_text(text)
-
-
-if __name__ == "__main__":
-    make(sys.argv[1], *map(int, sys.argv[2:]))
