@@ -60,7 +60,7 @@ class Night(unittest.TestCase):
     def test_each_document_has_all_results_or_a_reason(self):
         self.assertEqual(self.status, 1)
         differs, rest = self.said.split("\n", 1)
-        self.assertRegex(differs, f"^{MOVED}.xml differs: field 1 ")
+        self.assertRegex(differs, f"^{MOVED}.xml differs: on the sky field 1 is turned by ")
         self.assertEqual(rest, f"{BELOW}{len(self.names)} documents, 1 failed\n")
         self.assertTrue((self.undisturbed / "failed" / f"{REFUSED}.txt").read_text().startswith(BELOW))
         good = self.names - {REFUSED}
