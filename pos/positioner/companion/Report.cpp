@@ -3,42 +3,22 @@
 #include "FieldTargets.h"
 #include "Instrument.h"
 #include "PosConfig.h"
-#include "ReadDocument.h"
 #include "SkyMaskXML.h"
 #include "TargetXML.h"
 #include "TelescopeConfig.h"
 #include "Veko.h"
 #include "angles.h"
-#include "checkInstrument.h"
 #include "configureDocument.h"
-#include "fileAccess.h"
-#include "instrumentFiles.h"
 #include "placeVeko.h"
 #include "xmlKeywords.h"
 #include "xmlStructure.h"
 
-#include <QCryptographicHash>
 #include <algorithm>
 #include <stdexcept>
 
 namespace pos {
 
 namespace {
-
-/** The errors with their places, one a line. */
-std::string errorsIn(const std::vector<CheckedFile>& files) {
-    std::string lines;
-    for (const CheckedFile& file : files) {
-        for (const Problem& problem : file.result.problems) {
-            if (problem.severity == Severity::Error) {
-                const LineColumn place = file.result.text.at(problem.place.begin);
-                lines += (lines.empty() ? "" : "\n") + file.name + ':' + std::to_string(place.line) + ':' +
-                         std::to_string(place.column) + ": " + problem.message;
-            }
-        }
-    }
-    return lines;
-}
 
 /** The estimates of the run: a night alone stands for an epoch in its middle. */
 Estimates estimatesOf(const ReportRequest& request, const Telescope& telescope) {
@@ -114,23 +94,6 @@ ReportedField reportField(Veko& veko, const PlacedField& placed, const QDomEleme
             colourShifts(pointing, request.exposure)};
 }
 
-/** The fields of a document. */
-std::vector<QDomElement> fieldsOf(const QDomDocument& document) {
-    const QDomElement root = document.documentElement();
-    std::vector<QDomElement> fields;
-    for (QDomElement field = findFieldElement(root, {}); !field.isNull(); field = findFieldElement(root, field)) {
-        fields.push_back(field);
-    }
-    return fields;
-}
-
-/** Whether a run has written the targets of the fibres into all fields. */
-bool isConfigured(const QDomDocument& document) {
-    const std::vector<QDomElement> fields = fieldsOf(document);
-    return !fields.empty() && std::all_of(fields.begin(), fields.end(),
-                                          [](const QDomElement& field) { return hasGeneratedTargets(field); });
-}
-
 /** A copy of a configured document as it was before: without the targets that a run has made. */
 QDomDocument beforeTheRun(const QDomDocument& document) {
     QDomDocument copy = document.cloneNode().toDocument();
@@ -198,48 +161,20 @@ void reportNight(Instrument& instrument, const Plan& plan, Report& report) {
     }
 }
 
-std::string sha256(const QByteArray& bytes) {
-    return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex().toStdString();
-}
-
-std::vector<DocumentRead> documentsOf(const ReportRequest& request, const PosConfig& config) {
-    std::vector<DocumentRead> documents = {{"field definition", request.file, sha256(request.bytes)}};
-    const auto add = [&](const std::string& what, const std::string& name, const std::string& shown) {
-        const bool canBeReadAgain = name.starts_with(":") || isPlainFile(name);
-        documents.push_back({what, shown, canBeReadAgain ? sha256(readFile(name).value_or(QByteArray())) : ""});
-    };
-    add("configuration", config.name(), config.name());
-    for (const auto& [what, key] :
-         {std::pair("focal-plane map", "telescope.focal_plane_map"), std::pair("bundle", "veko_definition")}) {
-        add(what, config.getFilename(key), fileBeside(config.name(), config.get<std::string>(key)));
-    }
-    return documents;
-}
-
 } // namespace
 
 Report makeReport(const ReportRequest& request) {
-    const CheckedInstrument checked = checkInstrument(request.configFile, request.fieldRadius);
+    const CheckedInstrument checked = openSoundInstrument(request.configFile, request.fieldRadius);
     Instrument& instrument = *checked.instrument;
     Report report{request};
     report.checked = checked.files;
-    const std::string instrumentErrors = errorsIn(report.checked);
-    if (!instrumentErrors.empty()) {
-        throw std::runtime_error(instrumentErrors);
-    }
     report.telescope = readTelescope(*checked.config);
     const Estimates estimates = estimatesOf(request, report.telescope);
-    report.checked.push_back(
-        {request.file, checkDocument(request.bytes, request.file, instrument, {estimates, request.fieldRadius, true})});
-    const ReadDocument read = readDocument(request.bytes, request.file);
-    report.document = read.parsed.document;
-    report.wasConfigured = !read.fault && isConfigured(report.document);
-    // Those of a configured document tell of configuring it again.
-    const std::string errors = errorsIn(report.checked);
-    if (!errors.empty() && !report.wasConfigured) {
-        throw std::runtime_error(errors);
-    }
-    requireDataModelVersion(report.document);
+    const SoundDocument sound =
+        openSoundDocument(request.bytes, request.file, instrument, {estimates, request.fieldRadius, true});
+    report.checked.push_back(sound.checked);
+    report.document = sound.document;
+    report.wasConfigured = sound.isConfigured;
 
     report.observation = findObservationElement(report.document.documentElement()).attribute("name").toStdString();
     Plan plan = readPlan(report.document, estimates);
@@ -252,7 +187,7 @@ Report makeReport(const ReportRequest& request) {
         request.evening ? nightOf(*request.evening, longitude) : nightAround(report.conditions.epoch, longitude);
     requireKnownNight(report.night);
     reportNight(instrument, plan, report);
-    report.documents = documentsOf(request, *checked.config);
+    report.documents = documentsRead(request.file, request.bytes, *checked.config);
     return report;
 }
 

@@ -11,8 +11,8 @@
 #include "SkyMask.h"
 #include "nightCurves.h"
 #include "plannedFields.h"
-#include "problemJson.h"
 #include "refractionDrift.h"
+#include "soundDocument.h"
 #include "windows.h"
 
 #include <QByteArray>
@@ -82,13 +82,6 @@ struct ReportedField {
     std::vector<NightSample> night = {};
 };
 
-/** A document that was read. */
-struct DocumentRead {
-    std::string what;
-    std::string name;   ///< of the file
-    std::string sha256; ///< hexadecimal; empty for what can be read only once
-};
-
 /** All that a page tells. */
 struct Report {
     ReportRequest request;
@@ -111,8 +104,8 @@ struct Report {
  *
  * A configured document is seen as it is; its problems are those of configuring it again.
  *
- * @throw std::runtime_error for another document that the run refuses, with each error and its place on a line of its
- * own; for one without an epoch; for a night beyond the years 1900 to 2100; what checkInstrument throws
+ * @throw std::runtime_error for one without an epoch; for a night beyond the years 1900 to 2100; what
+ *     openSoundInstrument and openSoundDocument throw
  */
 Report makeReport(const ReportRequest& request);
 

@@ -1,21 +1,15 @@
 #include "reportCommand.h"
 
 #include "OutputFile.h"
-#include "PosConfig.h"
 #include "Report.h"
 #include "angles.h"
-#include "fileAccess.h"
 #include "nightOptions.h"
 #include "reportPage.h"
 #include "sharedOptions.h"
 
 #include <CLI/CLI.hpp>
-#include <filesystem>
 #include <fstream>
-#include <iostream>
-#include <iterator>
 #include <memory>
-#include <stdexcept>
 
 namespace pos {
 
@@ -42,28 +36,10 @@ std::vector<std::string> commandLine() {
     return line;
 }
 
-QByteArray bytesOf(const std::string& name) {
-    const std::optional<QByteArray> content = readFile(name == "-" ? "/dev/stdin" : name);
-    if (!content) {
-        throw std::runtime_error(name + " could not be opened");
-    }
-    return *content;
-}
-
-/** Refuses an output that would replace what the page is made of. */
-void refuseIfRead(const std::string& output, const std::vector<DocumentRead>& documents) {
-    for (const DocumentRead& document : documents) {
-        std::error_code notThere;
-        if (std::filesystem::equivalent(output, document.name, notThere)) {
-            throw std::runtime_error("The output file " + output + " is the " + document.what + " in use");
-        }
-    }
-}
-
 int writeReport(const ReportArguments& arguments) {
     const Estimates estimates = arguments.run.estimates();
     const Report report =
-        makeReport({arguments.file, bytesOf(arguments.file), arguments.run.configFile, estimates,
+        makeReport({arguments.file, readInput(arguments.file), arguments.run.configFile, estimates,
                     arguments.night.empty() ? std::nullopt : std::optional(dateOf(arguments.night)),
                     arguments.requirements.windowOptions(estimates.zenithDistanceLimit),
                     degreesToRadians(arguments.fieldRadius), arguments.exposure / (24 * 60), commandLine()});
