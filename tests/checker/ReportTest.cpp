@@ -136,6 +136,17 @@ TEST_F(ReportTest, TellsWhyAFibreSeesNothing) {
     EXPECT_EQ(kinds.at(46), "sky");
 }
 
+TEST_F(ReportTest, WhetherAFibreOfAConfiguredDocumentSeesSomethingIsAsTheDocumentTells) {
+    InstrumentOnDisk changedSince;
+    changedSince.replace(R"(fibre_name="1B" type="Spectrograph" status="enabled")",
+                         R"(fibre_name="1B" type="Spectrograph" status="disabled")");
+    changedSince.replace(R"(status="broken")", R"(status="enabled")");
+    changedSince.write(folder_);
+    const std::map<int, std::string> kinds = kindsIn(page(configuredBytes(kFaultless), {"-c", "configure.xml"}));
+    EXPECT_EQ(kinds.at(2), "science");
+    EXPECT_EQ(kinds.at(160), "broken");
+}
+
 TEST_F(ReportTest, TheSameInputGivesTheSameBytes) {
     EXPECT_EQ(page(kFaultless), page(kFaultless));
 }

@@ -11,10 +11,14 @@ namespace pos {
 
 namespace {
 
+FibreKind kindThatSees(const std::string& spaxel) {
+    return spaxel.starts_with('S') ? FibreKind::Sky : FibreKind::Science;
+}
+
 FibreKind kindOf(FibreStatus status, const std::string& spaxel) {
     switch (status.value()) {
     case FibreStatus::Enabled:
-        return spaxel.starts_with('S') ? FibreKind::Sky : FibreKind::Science;
+        return kindThatSees(spaxel);
     case FibreStatus::Disabled:
         return FibreKind::Disabled;
     case FibreStatus::Absent:
@@ -22,11 +26,6 @@ FibreKind kindOf(FibreStatus status, const std::string& spaxel) {
     default:
         return FibreKind::Broken;
     }
-}
-
-bool isOnFibre(const QDomElement& target) {
-    return target.tagName() == tag::target && !target.attribute(attr::ifuSpaxel).isEmpty() &&
-           target.attribute(attr::ifuSpaxel) != kMissingValue;
 }
 
 /** The targets of the fibres by identifier. */
@@ -63,26 +62,42 @@ const char* wordOf(FibreKind kind) {
     return "";
 }
 
+bool isOnFibre(const QDomElement& target) {
+    return target.tagName() == tag::target && !target.attribute(attr::ifuSpaxel).isEmpty() &&
+           target.attribute(attr::ifuSpaxel) != kMissingValue;
+}
+
+FibreKind kindOfTarget(const QDomElement& target, FibreStatus status) {
+    const std::string spaxel = target.attribute(attr::ifuSpaxel).toStdString();
+    if (!isGenerated(target)) {
+        return kindOf(status, spaxel); // the science target's fibre has no minus sign
+    }
+    if (!target.attribute(attr::fibreid).startsWith('-')) {
+        return kindThatSees(spaxel);
+    }
+    return status == FibreStatus::Disabled ? FibreKind::Disabled : FibreKind::Broken;
+}
+
 std::vector<ReportedFibre> reportedFibres(const QDomElement& field, const Veko& veko) {
     const std::map<std::uint32_t, QDomElement> targets = targetsOnFibres(field);
     const FocalPlane& pointing = veko.focalPlane;
     std::vector<ReportedFibre> all;
     for (const auto& [id, fibre] : veko.fibres) {
         const std::string& spaxel = veko.names.at(id);
-        const FibreKind kind = kindOf(fibre.status, spaxel);
         const auto found = targets.find(id);
         if (found != targets.end()) {
             const QDomElement& target = found->second;
             all.push_back({id,
                            target.attribute(attr::ifuSpaxel).toStdString(),
-                           kind,
+                           kindOfTarget(target, fibre.status),
                            {numberIn(target, attr::targx), numberIn(target, attr::targy)},
                            numberIn(target, attr::targra),
                            numberIn(target, attr::targdec)});
         } else {
             const PlateCoordinates plate = fibre.platePosition();
             const Astrometric sky = pointing.xyToCirs(plate).toAstrometric(pointing.dateContext());
-            all.push_back({id, spaxel, kind, plate, radiansToDegrees(sky.ra), radiansToDegrees(sky.dec)});
+            all.push_back(
+                {id, spaxel, kindOf(fibre.status, spaxel), plate, radiansToDegrees(sky.ra), radiansToDegrees(sky.dec)});
         }
     }
     return all;

@@ -5,6 +5,7 @@
 #ifndef POS_REPORTEDFIBRE_H
 #define POS_REPORTEDFIBRE_H
 
+#include "FibreStatus.h"
 #include "PlateCoordinates.h"
 
 #include <QDomElement>
@@ -45,6 +46,17 @@ struct ReportedFibre {
  * @param veko pointed at the field, its optical model and plates in force
  */
 std::vector<ReportedFibre> reportedFibres(const QDomElement& field, const Veko& veko);
+
+/** Whether a target has been put on a fibre. */
+bool isOnFibre(const QDomElement& target);
+
+/**
+ * The kind of the fibre of a target. Where a run has made the target, the document tells whether the fibre sees
+ * something.
+ *
+ * @param status of the fibre in the bundle of today
+ */
+FibreKind kindOfTarget(const QDomElement& target, FibreStatus status);
 
 /** Whether a run has made a target, for a fibre. */
 bool isGenerated(const QDomElement& target);
