@@ -30,8 +30,8 @@ install(
   COMPONENT program)
 # Beside the examples and the schemas, as in the sources, so that links between them hold.
 install(
-  FILES docs/accuracy.md docs/checks.md docs/compare.md docs/documents.md docs/input-and-output.md
-        docs/many-documents.md docs/messages.md docs/position.md docs/tutorial.md docs/window.md
+  FILES docs/accuracy.md docs/checks.md docs/compare.md docs/documents.md docs/export.md
+        docs/input-and-output.md docs/many-documents.md docs/messages.md docs/position.md docs/tutorial.md docs/window.md
   DESTINATION "${program_data}/docs"
   COMPONENT program)
 install(FILES docs/pictures/check.svg DESTINATION "${program_data}/docs/pictures" COMPONENT program)
@@ -44,7 +44,7 @@ install(
   COMPONENT program)
 
 install(TARGETS veko RUNTIME COMPONENT tools)
-install(FILES man/veko.1 man/veko-check.1 man/veko-compare.1 man/veko-report.1 man/veko-window.1
+install(FILES man/veko.1 man/veko-check.1 man/veko-compare.1 man/veko-export.1 man/veko-report.1 man/veko-window.1
         DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT tools)
 install(FILES completions/veko DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" COMPONENT tools)
 

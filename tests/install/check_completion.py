@@ -103,7 +103,7 @@ class Completion(unittest.TestCase):
         return offered(*words, folder=self.folder, program="veko")
 
     def test_veko_offers_its_commands_and_their_options(self):
-        self.assertEqual(self.offered_by_veko(""), ["check", "compare", "report", "window"])
+        self.assertEqual(self.offered_by_veko(""), ["check", "compare", "export", "report", "window"])
         self.assertEqual(self.offered_by_veko("-"), ["--help", "--version", "-h"])
         for command in self.offered_by_veko(""):
             listing = subprocess.run([VEKO, command, "--help"], check=True, capture_output=True, text=True).stdout

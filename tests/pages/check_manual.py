@@ -35,7 +35,7 @@ def main():
     if len(names) < 80:
         problems.append("next to no names were found in the schemas")
     words = set(re.findall(r"[\w-]+", texts["veko_configure.5"]))
-    for command in ([], ["check"], ["compare"]):
+    for command in ([], ["check"], ["compare"], ["export"]):
         listing = subprocess.run([sys.argv[2], *command, "--help"], capture_output=True, text=True, check=True).stdout
         problems += [f"wider than 80 columns: {line}" for line in listing.splitlines() if len(line) > 80]
     finish(problems + [f"veko_configure(5) lacks {name}" for name in names - words])

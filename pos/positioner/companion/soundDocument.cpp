@@ -3,8 +3,11 @@
 #include "PosConfig.h"
 #include "ReadDocument.h"
 #include "ReportedFibre.h"
+#include "configureDocument.h"
 #include "fileAccess.h"
 #include "instrumentFiles.h"
+#include "xmlEncoding.h"
+#include "xmlParse.h"
 #include "xmlStructure.h"
 
 #include <QCryptographicHash>
@@ -79,6 +82,22 @@ SoundDocument openSoundDocument(const QByteArray& bytes, const std::string& name
     }
     requireDataModelVersion(sound.document);
     return sound;
+}
+
+QDomDocument openConfigured(const QByteArray& bytes, const std::string& name, Instrument& instrument,
+                            const CheckOptions& options) {
+    try {
+        const QDomDocument document = parseXml(decodeXml(bytes, name), name).document;
+        if (isConfigured(document)) {
+            requireDataModelVersion(document);
+            return document;
+        }
+    } catch (const UnreadableXml&) {
+        // The check tells the place.
+    }
+    const SoundDocument sound = openSoundDocument(bytes, name, instrument, options);
+    saveTargets(placeDocument(instrument, sound.document, options.estimates));
+    return sound.document;
 }
 
 std::vector<QDomElement> fieldsOf(const QDomDocument& document) {

@@ -51,6 +51,13 @@ CheckedInstrument openSoundInstrument(const std::string& configFile, double fiel
 SoundDocument openSoundDocument(const QByteArray& bytes, const std::string& name, Instrument& instrument,
                                 const CheckOptions& options);
 
+/**
+ * A document with the targets of the fibres: one that has them as it is, unchecked, any other as the run configures it.
+ * Parameters and errors as openSoundDocument, and what configureDocument throws.
+ */
+QDomDocument openConfigured(const QByteArray& bytes, const std::string& name, Instrument& instrument,
+                            const CheckOptions& options);
+
 /** The fields of a document. */
 std::vector<QDomElement> fieldsOf(const QDomDocument& document);
 
