@@ -5,10 +5,10 @@
 #include "RunMessages.h"
 #include "angles.h"
 #include "comparisonRecords.h"
-#include "fileAccess.h"
 #include "problemText.h"
 #include "rules.h"
 #include "sharedOptions.h"
+#include "soundDocument.h"
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
@@ -33,11 +33,7 @@ struct CompareArguments {
 
 /** A document; "-" is the standard input. @throw std::runtime_error with the place where it cannot be read */
 QDomDocument documentOf(const std::string& name) {
-    const std::optional<QByteArray> bytes = readFile(name == "-" ? "/dev/stdin" : name);
-    if (!bytes) {
-        throw std::runtime_error(name + " could not be opened");
-    }
-    const ReadDocument read = readDocument(*bytes, name);
+    const ReadDocument read = readDocument(readInput(name), name);
     if (read.fault) {
         const std::string message = read.faultMessage();
         const Problem problem{&kUnreadable, kUnreadable.severity, read.faultPlace(), message, whatToDo(message), {}};
