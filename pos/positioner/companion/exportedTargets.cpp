@@ -4,6 +4,7 @@
 #include "FieldTargets.h"
 #include "ReportedFibre.h"
 #include "angles.h"
+#include "fibreRadius.h"
 #include "numberText.h"
 #include "pointDocument.h"
 #include "soundDocument.h"
@@ -14,8 +15,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <erfa.h>
-#include <limits>
 #include <stdexcept>
 
 namespace pos {
@@ -86,12 +85,6 @@ std::optional<PlaceText> placeAt(const QDomElement& target, std::optional<double
                      fixedText(radiansToDegrees(moved.dec), kDecimals)};
 }
 
-/** A fibre on the plate, mm, and on the sky. */
-struct FibrePlace {
-    PlateCoordinates plate;
-    Astrometric sky;
-};
-
 /** Where the targets have the fibres; without those whose place is not known. */
 std::vector<FibrePlace> fibrePlaces(const std::vector<GroupedTarget>& targets, std::optional<double> mjdTai) {
     std::vector<FibrePlace> places;
@@ -106,35 +99,10 @@ std::vector<FibrePlace> fibrePlaces(const std::vector<GroupedTarget>& targets, s
     return places;
 }
 
-/** How far a fibre is on the sky from its nearest neighbour on the plate, radians. @param places at least two */
-double distanceToNearest(std::size_t own, const std::vector<FibrePlace>& places) {
-    const FibrePlace& fibre = places[own];
-    std::size_t nearest = own;
-    double least = std::numeric_limits<double>::infinity();
-    for (std::size_t i = 0; i < places.size(); ++i) {
-        const double dx = places[i].plate.x - fibre.plate.x;
-        const double dy = places[i].plate.y - fibre.plate.y;
-        if (i != own && dx * dx + dy * dy < least) {
-            nearest = i;
-            least = dx * dx + dy * dy;
-        }
-    }
-    const Astrometric& other = places.at(nearest).sky;
-    return eraSeps(fibre.sky.ra, fibre.sky.dec, other.ra, other.dec);
-}
-
-/** The radius of a fibre, arcseconds; null where fewer than two tell how far apart they are. */
-QString fibreRadius(const std::vector<FibrePlace>& places) {
-    if (places.size() < 2) {
-        return {};
-    }
-    std::vector<double> distances;
-    for (std::size_t i = 0; i < places.size(); ++i) {
-        distances.push_back(distanceToNearest(i, places));
-    }
-    const auto middle = distances.begin() + static_cast<std::ptrdiff_t>(distances.size() / 2);
-    std::nth_element(distances.begin(), middle, distances.end());
-    return fixedText(radiansToDegrees(*middle) * 3600 / 2, 4);
+/** In arcseconds; null where it is not known. */
+QString radiusText(const std::vector<FibrePlace>& places) {
+    const std::optional<double> radius = fibreRadius(places);
+    return radius ? fixedText(radiansToDegrees(*radius) * 3600, 4) : QString();
 }
 
 /** Makes the rows of a field. */
@@ -143,7 +111,7 @@ public:
     FieldRows(const Columns& columns, const BundleFibres& fibres, std::optional<double> mjdTai,
               const QDomElement& field, int number, const std::vector<GroupedTarget>& targets)
         : columns_(columns), fibres_(fibres), mjdTai_(mjdTai), number_(number), name_(field.attribute("name")),
-          used_(findFieldTargets(field)), radius_(fibreRadius(fibrePlaces(targets, mjdTai))) {}
+          used_(findFieldTargets(field)), radius_(radiusText(fibrePlaces(targets, mjdTai))) {}
 
     ExportedTarget rowOf(const GroupedTarget& grouped) const {
         const QDomElement& target = grouped.element;

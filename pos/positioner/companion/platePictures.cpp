@@ -3,6 +3,7 @@
 #include "PlateView.h"
 #include "Report.h"
 #include "angles.h"
+#include "fibreRadius.h"
 #include "pageText.h"
 
 #include <algorithm>
@@ -19,9 +20,6 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr double kSize = PlateView::kSize;
-
-/** A fibre as it is drawn, radians: 1.3 arcsec; the definition of the bundle does not tell its size. */
-constexpr double kFibreRadius = degreesToRadians(1.3 / 3600);
 
 Json jsonOf(Pixel pixel) {
     return {{"x", pixels(pixel.x)}, {"y", pixels(pixel.y)}};
@@ -153,6 +151,15 @@ Json marked(const PlateView& view, PlateCoordinates place, bool isLabelLeft) {
     return json;
 }
 
+/** The radius of the fibres, radians; of a single one, an arcsecond. */
+double radiusOf(const std::vector<ReportedFibre>& fibres) {
+    std::vector<FibrePlace> places;
+    for (const ReportedFibre& fibre : fibres) {
+        places.push_back({fibre.plate, {degreesToRadians(fibre.raDeg), degreesToRadians(fibre.decDeg)}});
+    }
+    return fibreRadius(places).value_or(degreesToRadians(1.0 / 3600));
+}
+
 /** What both pictures show. */
 Json commonOf(const PlateView& view, const ReportedField& field) {
     return {{"transform", transformOf(view)},
@@ -168,7 +175,7 @@ Json commonOf(const PlateView& view, const ReportedField& field) {
 Json bundlePicture(const ReportedField& field) {
     const PlateView view = viewOf(field.fibres);
     Json picture = commonOf(view, field);
-    picture["radius"] = pictureText(kFibreRadius / field.axes.radiansPerMm(), 4);
+    picture["radius"] = pictureText(radiusOf(field.fibres) / field.axes.radiansPerMm(), 4);
     picture["count"] = std::to_string(field.fibres.size());
     picture["kinds"] = kindsOf(field.fibres);
     const bool isShown = view.shows(field.guide.plate);
