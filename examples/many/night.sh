@@ -7,12 +7,11 @@
 # compared/NAME.txt; or failed/NAME.txt. OPTIONs of veko_configure go to every run. Another call does what is left.
 #SBATCH --job-name=night --array=0-3 --output=%x_%A_%a.log
 set -euo pipefail
-against=() failed=0
-if [ "${1:-}" = --against ]; then against=(--against "$(realpath -e "${2:-}")") && shift 2; fi
+against=() failed=0 first=${SLURM_ARRAY_TASK_MIN:-1} tasks=${SLURM_ARRAY_TASK_COUNT:-1}
+if [ "${1:-}" = --against ]; then folder=$(realpath -e "${2:-}") || exit 2; against=(--against "$folder"); shift 2; fi
 [[ $# -gt 1 && -d $1 && ! $1 -ef $2 ]] || { sed -n '2,7s/^# \?//p' "$0" >&2 && exit 2; }
 mkdir -p "$2"/{checked,configured,reports,compared,failed,work}
 fields=$(realpath "$1") night=$(realpath "$2") options=("${@:3}") with="${against[*]} ${*:3}"
-
 look_at() { # NAME: the document that the functions are about
     name=$1 document=$fields/$1.xml results=("checked/$1.txt" "configured/$1.xml" "reports/$1.html")
     [ ! -e "${against[1]:-/dev/null}/$1.xml" ] || results+=("compared/$1.txt")
@@ -38,13 +37,14 @@ if [ -n "${ONLY:-}" ]; then # one document, in a folder whose name is in none of
     make "configured/$name.xml" configured veko_configure "${options[@]}" -i "$name.xml" -o configured
     make "reports/$name.html" page veko report "${options[@]}" "$name.xml" -o page
     [ ${#results[@]} -lt 4 ] || make "${results[3]}" said veko compare {"${against[1]}",../../configured}/"$name.xml"
-    exit 0
+    exit
 fi
-# Results of different options must not mix. A link is there whole or not at all.
+# Results of different options must not mix, documents of an array not be left out. A link is there whole or not at all.
 ln -sn -- "$with" "$night/arguments" 2>/dev/null || begun=$(readlink -v "$night/arguments")
 [ "${begun=$with}" = "$with" ] || { echo "$2 was begun with \"$begun\", not with \"$with\"" >&2 && exit 2; }
-slice=$((${SLURM_ARRAY_TASK_ID:-1} - ${SLURM_ARRAY_TASK_MIN:-1} + 1))~${SLURM_ARRAY_TASK_COUNT:-1}
-mapfile -t names < <(cd "$fields" && printf '%s\n' *.xml | LC_ALL=C sort | sed -n "$slice"'s/\.xml$//p')
+[ $((${SLURM_ARRAY_TASK_MAX:-1} - first + 1)) -eq "$tasks" ] || { echo "The array has gaps" >&2 && exit 2; }
+slice=$((${SLURM_ARRAY_TASK_ID:-1} - first + 1))~$tasks
+mapfile -t names < <(cd "$fields" && compgen -G '*.xml' | LC_ALL=C sort | sed -n "$slice"'s/\.xml$//p')
 [ ! -t 2 ] || export PARALLEL="--bar ${PARALLEL:-}"
 for name in "${names[@]}"; do finished "$name" || echo "$name"; done |
     parallel ${SLURM_CPUS_ON_NODE:+--jobs "$SLURM_CPUS_ON_NODE"} --no-run-if-empty --quote --env PATH \

@@ -86,11 +86,28 @@ class Night(unittest.TestCase):
 
     def test_the_tasks_of_an_array_share_the_night(self):
         for task, documents in ((5, 4), (6, 4), (7, 3)):
-            said = self.programs.call(*self.arguments, self.night, SLURM_ARRAY_TASK_MIN="5", SLURM_ARRAY_TASK_COUNT="3",
-                                      SLURM_ARRAY_TASK_ID=str(task))[1]
+            said = self.programs.call(*self.arguments, self.night, SLURM_ARRAY_TASK_MIN="5", SLURM_ARRAY_TASK_MAX="7",
+                                      SLURM_ARRAY_TASK_COUNT="3", SLURM_ARRAY_TASK_ID=str(task))[1]
             self.assertIn(f"{documents} documents, ", said)
         self.assertEqual(sorted(self.programs.runs(self.night)), sorted(self.programs.runs(self.undisturbed)))
         self.assertEqual(nights.tree(self.night), nights.tree(self.undisturbed))
+
+    def test_an_array_with_gaps_which_would_leave_documents_out_is_refused(self):
+        said = self.programs.call(*self.arguments, self.night, SLURM_ARRAY_TASK_MIN="0", SLURM_ARRAY_TASK_MAX="4",
+                                  SLURM_ARRAY_TASK_COUNT="3", SLURM_ARRAY_TASK_ID="2")
+        self.assertEqual(said, (2, "The array has gaps\n"))
+
+    def test_an_earlier_run_that_is_not_there_is_refused(self):
+        earlier = self.folder / "nothing"
+        said = self.programs.call("--against", earlier, self.fields, self.night)
+        self.assertEqual(said, (2, f"realpath: {earlier}: No such file or directory\n"))
+        self.assertFalse(self.night.exists())
+
+    def test_a_folder_without_documents_is_a_night_without_failures(self):
+        empty = self.folder / "empty"
+        empty.mkdir()
+        self.addCleanup(empty.rmdir)
+        self.assertEqual(self.programs.call(empty, self.night), (0, "0 documents, 0 failed\n"))
 
     def test_another_call_does_only_documents_of_another_time(self):
         fields = self.few_fields()
