@@ -25,7 +25,8 @@ def read_rooms(architecture):
 def main():
     root = pathlib.Path(sys.argv[1])
     names, room_of = read_rooms(root / "docs" / "architecture.md")
-    sources = sorted(path for path in (root / "pos" / "positioner").rglob("*") if path.suffix in (".h", ".cpp"))
+    folders = (root / "pos" / "positioner", root / "python")
+    sources = sorted(path for folder in folders for path in folder.rglob("*") if path.suffix in (".h", ".cpp"))
     complaints = []
     for path in sources:
         if path.stem not in room_of:

@@ -1,0 +1,19 @@
+/**
+ * @file
+ * The parts of the module.
+ */
+#ifndef POS_BINDINGS_H
+#define POS_BINDINGS_H
+
+#include <pybind11/pybind11.h>
+
+namespace pos {
+
+/** The bundle's fibres as arrays. */
+void bindBundle(pybind11::module_& module);
+/** Pointings of the plate. */
+void bindPointing(pybind11::module_& module);
+
+} // namespace pos
+
+#endif

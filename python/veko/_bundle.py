@@ -1,0 +1,75 @@
+"""The bundle of fibres."""
+
+from __future__ import annotations
+
+import numpy as np
+from numpy.typing import NDArray
+
+from . import _veko
+from ._arguments import PathLike, config_name
+
+
+class Bundle:
+    """The fibres of the bundle, in ascending number.
+
+    Parameters
+    ----------
+    config : path, optional
+        A configuration file; without it the built-in instrument counts.
+
+    Attributes
+    ----------
+    ids : array of int
+        The numbers of the fibres.
+    names : array of str
+        Their spaxel names. Those that begin with "S" see the sky beside the science target.
+    statuses : array of str
+        "enabled", "disabled", "broken", "bad ferrule", "no magnet", "no prism" or "absent".
+    dx, dy : array of float
+        Offsets from the centre of the bundle, before its orientation, mm.
+    x, y : array of float
+        Places on the plate, mm: what `Pointing.plate_to_sky` takes.
+    orientation : float
+        How the bundle is turned on the plate, degrees.
+
+    Raises
+    ------
+    veko.Error
+        For a configuration, or a bundle definition, that cannot be read.
+
+    Examples
+    --------
+    >>> import veko
+    >>> bundle = veko.Bundle()
+    >>> len(bundle)
+    603
+    >>> middle = bundle.ids == 304
+    >>> bundle.names[middle], bundle.x[middle], bundle.y[middle]
+    (array(['C14'], dtype='<U3'), array([0.]), array([-20.]))
+    """
+
+    ids: NDArray[np.uint32]
+    names: NDArray[np.str_]
+    statuses: NDArray[np.str_]
+    dx: NDArray[np.float64]
+    dy: NDArray[np.float64]
+    x: NDArray[np.float64]
+    y: NDArray[np.float64]
+    orientation: float
+
+    def __init__(self, config: PathLike | None = None) -> None:
+        columns = _veko.bundle(config_name(config))
+        self.ids = columns["ids"]
+        self.names = np.array(columns["names"], dtype=np.str_)
+        self.statuses = np.array(columns["statuses"], dtype=np.str_)
+        self.dx = columns["dx"]
+        self.dy = columns["dy"]
+        self.x = columns["x"]
+        self.y = columns["y"]
+        self.orientation = columns["orientation"]
+
+    def __len__(self) -> int:
+        return len(self.ids)
+
+    def __repr__(self) -> str:
+        return f"<veko.Bundle of {len(self)} fibres>"

@@ -1,0 +1,45 @@
+"""What the tests of the Python module share."""
+
+from __future__ import annotations
+
+import csv
+import os
+import pathlib
+import shutil
+
+import pytest
+from hypothesis import settings
+
+# The same cases in every run, and nothing kept in the tree.
+settings.register_profile("fixed", derandomize=True, database=None, deadline=None)
+settings.load_profile("fixed")
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+PROGRAM = os.environ["VEKO_CONFIGURE"]
+EXAMPLES = sorted((ROOT / "examples").glob("*.xml"))
+
+
+def golden(name: str) -> list[dict[str, str]]:
+    """The rows of a table of another program."""
+    lines = (ROOT / "tests/golden" / name).read_text().splitlines()
+    return list(csv.DictReader(line for line in lines if not line.startswith("#")))
+
+
+def replaced(text: str, old: str, new: str) -> str:
+    """A text in which something stands in the place of what stands there once."""
+    assert text.count(old) == 1, old
+    return text.replace(old, new)
+
+
+@pytest.fixture
+def other_config(tmp_path: pathlib.Path) -> pathlib.Path:
+    """The configuration of an instrument with other optics, and a plate that is shifted and turned."""
+    folder = tmp_path / "instrument"
+    shutil.copytree(ROOT / "pos/positioner/resources", folder)
+    config = folder / "configure.xml"
+    config.write_text(config.read_text().replace(">:/", ">"))
+    focal_plane_map = folder / "focal_plane_map.xml"
+    text = replaced(focal_plane_map.read_text(), 'c1="202.841"', 'c1="190.5"')
+    text = replaced(text, '<VEKO x0="0.0" y0="0.0" r0="0.0"/>', '<VEKO x0="1.5" y0="-2.25" r0="7"/>')
+    focal_plane_map.write_text(text)
+    return config
