@@ -1,10 +1,10 @@
 #include "LibraryCall.h"
 #include "PointedPlate.h"
+#include "arrays.h"
 #include "bindings.h"
 
 #include "angles.h"
 
-#include <pybind11/numpy.h>
 #include <pybind11/stl.h>
 #include <string>
 #include <vector>
@@ -43,10 +43,6 @@ FibreColumns readFibres(const std::string& configFile) {
         columns.y.push_back(position.y);
     }
     return columns;
-}
-
-template <typename T> py::array_t<T> arrayOf(const std::vector<T>& values) {
-    return py::array_t<T>(static_cast<py::ssize_t>(values.size()), values.data());
 }
 
 py::dict bundle(const std::string& configFile) {

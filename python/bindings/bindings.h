@@ -11,6 +11,8 @@ namespace pos {
 
 /** The bundle's fibres as arrays. */
 void bindBundle(pybind11::module_& module);
+/** Documents: what is in them, what is wrong with them, and configuring them. */
+void bindDocument(pybind11::module_& module);
 /** Pointings of the plate. */
 void bindPointing(pybind11::module_& module);
 

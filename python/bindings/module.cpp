@@ -51,5 +51,6 @@ PYBIND11_MODULE(_veko, module) {
     module.def(
         "mjd_of_epoch", [](double epoch) { return pos::resolveDate(epoch, {}); }, py::arg("epoch"));
     pos::bindBundle(module);
+    pos::bindDocument(module);
     pos::bindPointing(module);
 }

@@ -16,6 +16,7 @@ settings.load_profile("fixed")
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 PROGRAM = os.environ["VEKO_CONFIGURE"]
+VEKO = os.environ["VEKO"]
 EXAMPLES = sorted((ROOT / "examples").glob("*.xml"))
 
 

@@ -16,7 +16,11 @@ QDomDocument loadXmlFile(const std::string& filename) {
     if (!text) {
         throw std::runtime_error(filename + " could not be opened");
     }
-    const QDomDocument document = parseXml(decodeXml(*text, filename), filename).document;
+    return loadXmlBytes(*text, filename);
+}
+
+QDomDocument loadXmlBytes(const QByteArray& bytes, const std::string& filename) {
+    const QDomDocument document = parseXml(decodeXml(bytes, filename), filename).document;
     requireDataModelVersion(document);
     return document;
 }

@@ -8,6 +8,7 @@
 #ifndef POS_XMLSTRUCTURE_H
 #define POS_XMLSTRUCTURE_H
 
+#include <QByteArray>
 #include <QDomDocument>
 #include <QDomElement>
 #include <QString>
@@ -26,6 +27,9 @@ namespace pos {
  * @throw std::runtime_error "Data model version mismatch" as requireDataModelVersion
  */
 QDomDocument loadXmlFile(const std::string& filename);
+
+/** The same of a document in memory. @param filename for messages */
+QDomDocument loadXmlBytes(const QByteArray& bytes, const std::string& filename);
 
 /**
  * Checks the data model version of a document.

@@ -13,9 +13,9 @@
 #include <memory>
 #include <stdexcept>
 
-namespace {
-
 using namespace pos;
+
+namespace {
 
 /**
  * The document of the last run. The end of the process does not take it apart, which would cost a tenth of a run: the
@@ -30,10 +30,10 @@ QDomDocument& keptDocument() {
 bool loadDocument(const std::string& input, QDomDocument& document) {
     document.clear(); // before there are two
     try {
-        document = loadXmlFile(input);
+        document = loadFieldDefinition(input);
         return true;
     } catch (const std::runtime_error& error) {
-        std::cerr << "Error parsing field definition file: " << error.what() << std::endl;
+        std::cerr << error.what() << std::endl;
         return false;
     }
 }
@@ -59,13 +59,6 @@ void refuseIfSame(const std::string& output, const std::string& file, const std:
     }
 }
 
-/** Refuses an output that would replace a file that every run needs. */
-void checkOutput(const PosConfig& config, const std::string& output) {
-    refuseIfSame(output, config.name(), "configuration file");
-    refuseIfSame(output, config.getFilename("telescope.focal_plane_map"), "focal-plane map");
-    refuseIfSame(output, config.getFilename("veko_definition"), "bundle definition");
-}
-
 /** Writes the document. @return whether it is on disk; if not, the error stream has said why */
 bool saveDocument(const PosConfig& config, const std::string& output, const QDomDocument& document) {
     checkOutput(config, output);
@@ -79,6 +72,20 @@ bool saveDocument(const PosConfig& config, const std::string& output, const QDom
 }
 
 } // namespace
+
+QDomDocument pos::loadFieldDefinition(const std::string& input) {
+    try {
+        return loadXmlFile(input);
+    } catch (const std::runtime_error& error) {
+        throw std::runtime_error(std::string("Error parsing field definition file: ") + error.what());
+    }
+}
+
+void pos::checkOutput(const PosConfig& config, const std::string& output) {
+    refuseIfSame(output, config.name(), "configuration file");
+    refuseIfSame(output, config.getFilename("telescope.focal_plane_map"), "focal-plane map");
+    refuseIfSame(output, config.getFilename("veko_definition"), "bundle definition");
+}
 
 int veko_configure(const PosConfig& config, const std::string& input, const std::string& output, double epoch,
                    double hourAngle, double pressure, double zenithDistanceLimit) {

@@ -5,11 +5,29 @@
 #ifndef POS_VEKO_CONFIGURE_H
 #define POS_VEKO_CONFIGURE_H
 
+#include <QDomDocument>
 #include <string>
 
 namespace pos {
+
 class PosConfig;
-}
+
+/**
+ * Loads a field definition.
+ *
+ * @throw std::runtime_error "Error parsing field definition file: ", and what loadXmlFile throws
+ */
+QDomDocument loadFieldDefinition(const std::string& input);
+
+/**
+ * Refuses an output that would replace a file that every run needs.
+ *
+ * @throw std::runtime_error "The output file " + output + " is the configuration file in use" (or "focal-plane map",
+ *     "bundle definition"), and what PosConfig::getFilename throws
+ */
+void checkOutput(const PosConfig& config, const std::string& output);
+
+} // namespace pos
 
 /**
  * Configures the VEKO for every field of an observation: loads the field-definition document, configures it as

@@ -1,0 +1,173 @@
+"""Documents: read, configured and checked as the programs do it."""
+
+import json
+import pathlib
+import re
+import subprocess
+import xml.etree.ElementTree as ElementTree
+from typing import Any
+
+import numpy as np
+import pytest
+import veko
+from conftest import EXAMPLES, PROGRAM, ROOT, VEKO, replaced
+
+SOMBRERO = ROOT / "examples/sombrero_south.xml"
+ESTIMATES: dict[str, Any] = {"epoch": 2027.4, "hour_angle": 0.25, "pressure": 700, "horizon_limit": 30}
+OPTIONS = ["--epoch", "2027.4", "--ha", "0.25", "--pressure", "700", "--horizon_limit", "30"]
+
+
+def run(*arguments: Any) -> subprocess.CompletedProcess[str]:
+    return subprocess.run([str(argument) for argument in arguments], capture_output=True, text=True)
+
+
+def changed(folder: pathlib.Path, old: str, new: str) -> pathlib.Path:
+    """A document that is the example but for one place."""
+    document = folder / "field.xml"
+    document.write_text(replaced(SOMBRERO.read_text(), old, new))
+    return document
+
+
+@pytest.mark.parametrize("example", EXAMPLES, ids=lambda example: str(example.stem))
+def test_configure_gives_the_bytes_of_the_exact_program(example: pathlib.Path, tmp_path: pathlib.Path) -> None:
+    ours, theirs = tmp_path / "ours.xml", tmp_path / "theirs.xml"
+    assert run(PROGRAM, "-i", example, "-o", theirs).returncode == 0
+    assert veko.configure(example).xml == theirs.read_bytes()
+    assert veko.configure(example, ours).xml == ours.read_bytes() == theirs.read_bytes()
+
+
+def test_configure_takes_what_the_command_line_takes(tmp_path: pathlib.Path, other_config: pathlib.Path) -> None:
+    theirs = tmp_path / "theirs.xml"
+    assert run(PROGRAM, "-i", SOMBRERO, "-o", theirs, *OPTIONS, "-c", other_config).returncode == 0
+    assert veko.configure(SOMBRERO, **ESTIMATES, config=other_config).xml == theirs.read_bytes()
+
+
+FAULTS = {
+    "no XML": ("</field_definition>", ""),
+    "another version": ('datamver="8.00"', 'datamver="7.00"'),
+    "no guide star": ('targuse="G"', 'targuse="S"'),
+    "no hour angle": ('ha="-1.0"', 'ha="x"'),
+    "below the horizon": ('ha="-1.0"', 'ha="5"'),
+    "no such fibre": ('targuse="T"', 'targuse="T" fibreid="9999"'),
+    "no temperature": ('temperature="281.5"', 'temperature="cold"'),
+}
+
+
+@pytest.mark.parametrize("fault", FAULTS)
+def test_configure_fails_with_the_message_of_the_program(
+    fault: str, tmp_path: pathlib.Path, capfd: pytest.CaptureFixture[str]
+) -> None:
+    document, output = changed(tmp_path, *FAULTS[fault]), tmp_path / "output.xml"
+    program = run(PROGRAM, "-i", document, "-o", output)
+    assert (program.returncode, program.stdout, output.exists()) == (1, "", False)
+    output.write_text("older")
+    with pytest.raises(veko.Error, match=f"^{re.escape(program.stderr.rstrip())}$"):
+        veko.configure(document, output)
+    assert output.read_text() == "older"
+    assert capfd.readouterr() == ("", "")
+
+
+def test_configure_never_replaces_a_file_of_the_instrument(other_config: pathlib.Path) -> None:
+    before = other_config.read_bytes()
+    with pytest.raises(veko.Error, match=f"^The output file {other_config} is the configuration file in use$"):
+        veko.configure(SOMBRERO, other_config, config=other_config)
+    assert other_config.read_bytes() == before
+
+
+def test_files_that_are_not_there_are_told_as_the_programs_tell_them(tmp_path: pathlib.Path) -> None:
+    missing = tmp_path / "missing.xml"
+    with pytest.raises(veko.Error, match=f"^Error parsing field definition file: {missing} could not be opened$"):
+        veko.configure(missing)
+    with pytest.raises(veko.Error, match=f"^{missing} could not be opened$"):
+        veko.read(missing)
+    with pytest.raises(veko.Error, match=f"^{missing} could not be opened$"):
+        veko.check(missing)
+    with pytest.raises(veko.Error, match="^File open error: Unable to open output file$"):
+        veko.configure(SOMBRERO, tmp_path / "no_folder" / "output.xml")
+
+
+@pytest.mark.parametrize("example", EXAMPLES, ids=lambda example: str(example.stem))
+def test_a_document_has_every_field_and_target_of_its_text(example: pathlib.Path) -> None:
+    document = veko.configure(example)
+    root = ElementTree.fromstring(document.xml)
+    fields = list(root.iter("field"))
+    assert document.pa == float(next(root.iter("observation")).attrib["pa"])
+    assert document.fields["ra"].tolist() == [float(field.attrib["RA_d"]) for field in fields]
+    assert document.fields["dec"].tolist() == [float(field.attrib["Dec_d"]) for field in fields]
+    rows = [(number, target) for number, field in enumerate(fields, 1) for target in field.iter("target")]
+    assert len(document.targets) == document.fields["targets"].sum() == len(rows)
+    for found, (number, target) in zip(document.targets, rows):
+        text = target.attrib
+        assert found["field"] == number
+        assert (found["name"], found["use"]) == (text["targname"], text["targuse"])
+        assert (found["ra"], found["dec"]) == (float(text["targra"]), float(text["targdec"]))
+        assert found["fibre"] == (int(text["fibreid"]) if text.get("fibreid", "%%%") not in ("", "%%%") else 0)
+        assert found["spaxel"] == text.get("ifu_spaxel", "")
+        assert found["automatic"] == (text.get("automatic") == "1")
+        plate = [float(text[name]) if text.get(name, "%%%") != "%%%" else np.nan for name in ("targx", "targy")]
+        np.testing.assert_array_equal([found["x"], found["y"]], plate)
+
+
+def test_groups_and_motions_are_read(tmp_path: pathlib.Path) -> None:
+    star = '<target targname="α" targuse="C" targra="190.10000" targdec="-11.60000" targepoch="2016" targpmra="1.5" ' \
+           'targpmdec="-2" targparal="0.25" targrv="30" targprio="3" targsrvy="S"/>'
+    document = veko.read(changed(tmp_path, "</field>", f"<group>{star}</group><group>{star}</group></field>"))
+    assert document.targets["group"].tolist() == [0, 0, 1, 2]
+    last = document.targets[-1]
+    assert (last["name"], last["survey"], last["priority"], last["automatic"]) == ("α", "S", 3, False)
+    assert [last[name] for name in ("epoch", "pm_ra", "pm_dec", "parallax", "rv")] == [2016, 1.5, -2, 0.25, 30]
+    assert np.isnan(last["x"])
+
+
+def test_a_document_without_fields_has_empty_arrays(tmp_path: pathlib.Path) -> None:
+    document = tmp_path / "empty.xml"
+    document.write_text('<field_definition datamver="8.00"/>')
+    targets = veko.read(document).targets
+    assert len(targets) == 0
+    assert [targets[name].dtype.kind for name in ("automatic", "ra", "fibre", "name")] == ["b", "f", "i", "U"]
+
+
+def test_a_table_has_the_columns_with_their_units() -> None:
+    units = pytest.importorskip("astropy.units")
+    table = veko.configure(SOMBRERO).table()
+    assert len(table) == 604
+    assert (table["ra"].unit, table["x"].unit, table["pm_ra"].unit) == (units.deg, units.mm, units.mas / units.yr)
+    assert table["name"].unit is None
+
+
+@pytest.mark.parametrize("fault", FAULTS)
+def test_check_finds_what_veko_check_finds(fault: str, tmp_path: pathlib.Path) -> None:
+    document = changed(tmp_path, *FAULTS[fault])
+    program = json.loads(run(VEKO, "check", "--format", "json", document).stdout)
+    expected = [problem for file in program["documents"] for problem in file["problems"]]
+    found = veko.check(document)
+    assert found
+    assert any(problem.severity == "error" for problem in found)
+    assert found == [
+        veko.Problem(
+            str(document),
+            problem["code"],
+            problem["severity"],
+            problem["line"],
+            problem["column"],
+            problem["endLine"],
+            problem["endColumn"],
+            problem["message"],
+            problem["help"],
+            problem["fix"]["text"] if problem["fix"] else None,
+        )
+        for problem in expected
+    ]
+
+
+def test_check_finds_problems_of_the_instrument_too(other_config: pathlib.Path) -> None:
+    other_config.write_text(replaced(other_config.read_text(), "<latitude>28.760583<", "<latitude>x<"))
+    (problem, *_) = veko.check(SOMBRERO, config=other_config)
+    assert (problem.file, problem.severity) == (str(other_config), "error")
+    assert str(problem).startswith(f"{other_config}:{problem.line}:{problem.column}: error: ")
+
+
+def test_a_document_in_memory_is_checked_without_its_file(tmp_path: pathlib.Path) -> None:
+    document = veko.read(changed(tmp_path, 'targuse="G"', 'targuse="S"'))
+    (tmp_path / "field.xml").unlink()
+    assert [problem.code for problem in veko.check(document)] == ["VK106"]
