@@ -51,6 +51,8 @@ PYBIND11_MODULE(_veko, module) {
     module.def(
         "mjd_of_epoch", [](double epoch) { return pos::resolveDate(epoch, {}); }, py::arg("epoch"));
     pos::bindBundle(module);
+    pos::bindComparison(module);
     pos::bindDocument(module);
+    pos::bindNights(module);
     pos::bindPointing(module);
 }

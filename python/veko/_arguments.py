@@ -57,6 +57,18 @@ def number(name: str, value: Numbers, unit: str = "", low: float = -math.inf, hi
     return result
 
 
+def optional(
+    name: str, value: Numbers | None, unit: str = "", low: float = -math.inf, high: float = math.inf
+) -> float | None:
+    """As `number`; None stays None."""
+    return None if value is None else number(name, value, unit, low, high)
+
+
+def is_coordinate(value: Any) -> bool:
+    """Whether it is a SkyCoord of astropy."""
+    return hasattr(value, "icrs")
+
+
 def julian_years(value: Numbers) -> Numbers:
     """An epoch: Julian years, or a Time of astropy."""
     return value.tt.jyear if hasattr(value, "tt") else value

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import html
 import json
 import os
 from dataclasses import dataclass
@@ -11,7 +12,7 @@ import numpy as np
 from numpy.typing import NDArray
 
 from . import _veko
-from ._arguments import Numbers, PathLike, config_name, julian_years, number
+from ._arguments import Numbers, PathLike, config_name, julian_years, number, optional
 
 UNITS = {
     "ra": "deg",
@@ -30,10 +31,6 @@ def estimates(
     epoch: Numbers | None, hour_angle: Numbers | None, pressure: Numbers | None, horizon_limit: Numbers
 ) -> _veko.Estimates:
     """What takes the place of a document's values."""
-
-    def optional(name: str, value: Numbers | None, unit: str) -> float | None:
-        return None if value is None else number(name, value, unit)
-
     return _veko.Estimates(
         optional("epoch", julian_years(epoch), "yr"),
         optional("hour_angle", hour_angle, "hourangle"),
@@ -99,6 +96,19 @@ class Document:
 
     def __repr__(self) -> str:
         return f"<veko.Document {self.name}: fields {len(self.fields)}, targets {len(self.targets)}>"
+
+    def _repr_html_(self) -> str:
+        """The page of `report`, for a notebook."""
+        from ._report import report
+
+        try:
+            return report(self)._repr_html_()
+        except _veko.Error as error:
+            return f"<pre>{html.escape(str(error))}</pre>"
+
+    def write(self, path: PathLike) -> None:
+        """Writes the text to a file, whole or not at all. Raises `veko.Error` where that is not possible."""
+        _veko.write_bytes(os.fsencode(path), self.xml)
 
     def table(self) -> Any:
         """The targets as a table of astropy, with units.
@@ -249,6 +259,14 @@ def source(document: Document | PathLike) -> tuple[bytes, bytes]:
     return _veko.read_bytes(os.fsencode(document)), os.fsencode(document)
 
 
+def field_radius_of(field_radius: Numbers) -> float:
+    """How far apart centre and targets of a field may be, degrees."""
+    radius = number("field_radius", field_radius, "deg", 0, 90)
+    if radius == 0:
+        raise ValueError("field_radius must be above 0")
+    return radius
+
+
 def check(
     document: Document | PathLike,
     *,
@@ -289,9 +307,7 @@ def check(
     []
     """
     xml, name = source(document)
-    radius = number("field_radius", field_radius, "deg", 0, 90)
-    if radius == 0:
-        raise ValueError("field_radius must be above 0")
+    radius = field_radius_of(field_radius)
     values = estimates(epoch, hour_angle, pressure, horizon_limit)
     found = json.loads(_veko.check(xml, name, config_name(config), values, radius))
     return [_problem(file["file"], problem) for file in found["documents"] for problem in file["problems"]]

@@ -8,7 +8,17 @@ from typing import Any
 import numpy as np
 
 from . import _veko
-from ._arguments import Numbers, PathLike, columns, config_name, declinations, julian_years, number, numbers
+from ._arguments import (
+    Numbers,
+    PathLike,
+    columns,
+    config_name,
+    declinations,
+    is_coordinate,
+    julian_years,
+    number,
+    numbers,
+)
 
 DEFAULT_TEMPERATURE, DEFAULT_PRESSURE, DEFAULT_HUMIDITY = _veko.default_weather()
 
@@ -20,10 +30,6 @@ def _date(epoch: Numbers | None, mjd_tai: Numbers | None) -> float:
     if mjd_tai is None:
         return _veko.mjd_of_epoch(number("epoch", julian_years(epoch), "yr"))
     return number("mjd_tai", mjd_tai.tai.mjd if hasattr(mjd_tai, "tai") else mjd_tai, "d")
-
-
-def _is_coordinate(value: Any) -> bool:
-    return hasattr(value, "icrs")
 
 
 def _of_coordinate(coordinate: Any, motion: dict[str, Numbers | None]) -> tuple[Numbers, Numbers]:
@@ -38,10 +44,10 @@ def _of_coordinate(coordinate: Any, motion: dict[str, Numbers | None]) -> tuple[
 def _place(ra: Numbers, dec: Numbers | None, motion: dict[str, Numbers | None]) -> dict[str, Any]:
     """A catalogue place, or many, as arrays in the units of the library."""
     if dec is None:
-        if not _is_coordinate(ra):
+        if not is_coordinate(ra):
             raise TypeError("dec is missing: give ra and dec, or a SkyCoord alone")
         ra, dec = _of_coordinate(ra, motion)
-    elif _is_coordinate(ra):
+    elif is_coordinate(ra):
         raise TypeError("ra is a SkyCoord, beside which there is no dec")
     if motion["epoch"] is None and any(value is not None for value in motion.values()):
         raise ValueError("epoch is missing: without it the motion of a place does not count")

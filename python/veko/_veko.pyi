@@ -19,6 +19,41 @@ def read_bytes(name: bytes) -> bytes: ...
 def configure(input: bytes, output: bytes | None, config: bytes, estimates: Estimates) -> bytes: ...
 def check(xml: bytes, name: bytes, config: bytes, estimates: Estimates, field_radius: float) -> str: ...
 
+def write_bytes(name: bytes, bytes: bytes) -> None: ...
+def windows_of_place(
+    place: Sequence[float], weather: Sequence[float], first: str, last: str, config: bytes, options: WindowOptions
+) -> str: ...
+def windows_of_document(
+    xml: bytes, name: bytes, pressure: float | None, first: str, last: str, config: bytes, options: WindowOptions
+) -> str: ...
+def report(
+    xml: bytes,
+    name: bytes,
+    night: str | None,
+    config: bytes,
+    estimates: Estimates,
+    options: WindowOptions,
+    field_radius: float,
+    exposure: float,
+) -> str: ...
+def compare(
+    first: tuple[bytes, bytes],
+    second: tuple[bytes, bytes],
+    plate_tolerance: float,
+    sky_tolerance: float,
+    ignore: Sequence[str],
+) -> tuple[str, str, str]: ...
+
+class WindowOptions:
+    def __init__(
+        self,
+        horizon_limit: float,
+        sun_altitude: float | None,
+        airmass: float | None,
+        moon: float | None,
+        minimum: float,
+    ) -> None: ...
+
 class Estimates:
     def __init__(
         self, epoch: float | None, hour_angle: float | None, pressure: float | None, horizon_limit: float

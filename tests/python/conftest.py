@@ -6,6 +6,7 @@ import csv
 import os
 import pathlib
 import shutil
+import subprocess
 
 import pytest
 from hypothesis import settings
@@ -24,6 +25,11 @@ def golden(name: str) -> list[dict[str, str]]:
     """The rows of a table of another program."""
     lines = (ROOT / "tests/golden" / name).read_text().splitlines()
     return list(csv.DictReader(line for line in lines if not line.startswith("#")))
+
+
+def run(*arguments: object) -> subprocess.CompletedProcess[str]:
+    """What a program does with its arguments."""
+    return subprocess.run([str(argument) for argument in arguments], capture_output=True, text=True)
 
 
 def replaced(text: str, old: str, new: str) -> str:

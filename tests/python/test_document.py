@@ -3,22 +3,17 @@
 import json
 import pathlib
 import re
-import subprocess
 import xml.etree.ElementTree as ElementTree
 from typing import Any
 
 import numpy as np
 import pytest
 import veko
-from conftest import EXAMPLES, PROGRAM, ROOT, VEKO, replaced
+from conftest import EXAMPLES, PROGRAM, ROOT, VEKO, replaced, run
 
 SOMBRERO = ROOT / "examples/sombrero_south.xml"
 ESTIMATES: dict[str, Any] = {"epoch": 2027.4, "hour_angle": 0.25, "pressure": 700, "horizon_limit": 30}
 OPTIONS = ["--epoch", "2027.4", "--ha", "0.25", "--pressure", "700", "--horizon_limit", "30"]
-
-
-def run(*arguments: Any) -> subprocess.CompletedProcess[str]:
-    return subprocess.run([str(argument) for argument in arguments], capture_output=True, text=True)
 
 
 def changed(folder: pathlib.Path, old: str, new: str) -> pathlib.Path:

@@ -1,0 +1,98 @@
+"""What is different between two documents."""
+
+from __future__ import annotations
+
+import json
+from collections.abc import Sequence
+from dataclasses import dataclass
+from typing import Any
+
+from . import _veko
+from ._arguments import Numbers, PathLike, number
+from ._document import Document, source
+
+
+@dataclass(frozen=True)
+class Comparison:
+    """Two documents beside each other; as a text it tells all, and a notebook shows a picture of what moved.
+
+    Attributes
+    ----------
+    same : bool
+        Whether they are the same, within the tolerances.
+    fields : list of dict
+        Of each field what moved, as in the JSON of `veko compare`; the names end in the units.
+    differences : list of dict
+        All other differences: `place`, `first` and `second`, None where a value is missing.
+    text : str
+        The same to read.
+    picture : str
+        Each fibre with an arrow to where it went, as SVG.
+    """
+
+    same: bool
+    fields: list[dict[str, Any]]
+    differences: list[dict[str, Any]]
+    text: str
+    picture: str
+
+    def __str__(self) -> str:
+        return self.text
+
+    def __repr__(self) -> str:
+        return f"<veko.Comparison: same {self.same}, fields {len(self.fields)}, differences {len(self.differences)}>"
+
+    def _repr_svg_(self) -> str:
+        return self.picture
+
+
+def compare(
+    first: Document | PathLike,
+    second: Document | PathLike,
+    *,
+    plate_tolerance: Numbers = 0.0,
+    sky_tolerance: Numbers = 0.0,
+    ignore: Sequence[str] = (),
+) -> Comparison:
+    """Tells what differs between two field definitions, as `veko compare` does.
+
+    Parameters
+    ----------
+    first, second : path or Document
+        The documents.
+    plate_tolerance : float, default 0
+        Up to this, places on the plate are the same; micrometres.
+    sky_tolerance : float, default 0
+        Up to this, places on the sky are the same; arcsec.
+    ignore : sequence of str, optional
+        Names of attributes and elements that are left out.
+
+    Returns
+    -------
+    Comparison
+
+    Raises
+    ------
+    TypeError, ValueError
+        For an argument that cannot be meant.
+    veko.Error
+        For a document that cannot be read.
+
+    Examples
+    --------
+    >>> import veko
+    >>> example = "examples/sombrero_south.xml"
+    >>> veko.compare(veko.configure(example), veko.configure(example)).same
+    True
+    """
+    if isinstance(ignore, str):
+        raise TypeError("ignore must be a sequence of names, not one text")
+    found, text, picture = _veko.compare(
+        source(first),
+        source(second),
+        number("plate_tolerance", plate_tolerance, "um", 0, 1e6),
+        number("sky_tolerance", sky_tolerance, "arcsec", 0, 3600),
+        list(ignore),
+    )
+    facts = json.loads(found)
+    return Comparison(facts["same"], facts["fields"], facts["differences"], text, picture)

@@ -1,0 +1,100 @@
+"""Pages to see field definitions on."""
+
+from __future__ import annotations
+
+import html
+import os
+from dataclasses import dataclass
+
+from . import _veko
+from ._arguments import Numbers, PathLike, config_name, number
+from ._document import Document, estimates, field_radius_of, source
+from ._windows import Date, evening, window_options
+
+
+@dataclass(frozen=True)
+class Page:
+    """A page of HTML that needs nothing beside itself; a notebook shows it.
+
+    Attributes
+    ----------
+    html : str
+        All of it.
+    """
+
+    html: str
+
+    def __repr__(self) -> str:
+        return f"<veko.Page of {len(self.html)} characters>"
+
+    def _repr_html_(self) -> str:
+        page = html.escape(self.html)
+        return f'<iframe srcdoc="{page}" style="width: 100%; height: 50em; border: 0"></iframe>'
+
+    def write(self, path: PathLike) -> None:
+        """Writes the page to a file, whole or not at all. Raises `veko.Error` where that is not possible."""
+        _veko.write_bytes(os.fsencode(path), self.html.encode())
+
+
+def report(
+    document: Document | PathLike,
+    *,
+    night: Date | None = None,
+    epoch: Numbers | None = None,
+    hour_angle: Numbers | None = None,
+    pressure: Numbers | None = None,
+    horizon_limit: Numbers = 25.0,
+    twilight: str | Numbers = "nautical",
+    airmass: Numbers | None = None,
+    moon: Numbers | None = None,
+    minimum: Numbers = 0.0,
+    exposure: Numbers = 60.0,
+    field_radius: Numbers = 1.0,
+    config: PathLike | None = None,
+) -> Page:
+    """Makes a page to see a field definition on, as `veko report` does.
+
+    Parameters
+    ----------
+    document : path or Document
+        The field definition, configured or not.
+    night : datetime.date or str, optional
+        Date of the evening at the site; without it that of the observation.
+    epoch, hour_angle, pressure, horizon_limit, config
+        As `configure` takes them.
+    twilight, airmass, moon, minimum
+        As `windows` takes them.
+    exposure : float, default 60
+        Length of the exposure, for refraction, minutes.
+    field_radius : float, default 1
+        As `check` takes it.
+
+    Returns
+    -------
+    Page
+
+    Raises
+    ------
+    TypeError, ValueError
+        For an argument that cannot be meant.
+    veko.Error
+        For a document that the run refuses, with each error and its place on a line of its own.
+
+    Examples
+    --------
+    >>> import veko
+    >>> veko.report("examples/sombrero_south.xml").write("/dev/null")
+    """
+    xml, name = source(document)
+    return Page(
+        _veko.report(
+            xml,
+            name,
+            None if night is None else evening("night", night),
+            config_name(config),
+            estimates(epoch, hour_angle, pressure, horizon_limit),
+            window_options(horizon_limit, twilight, airmass, moon, minimum),
+            field_radius_of(field_radius),
+            number("exposure", exposure, "min", 0, 1440),
+        )
+    )
