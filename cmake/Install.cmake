@@ -1,5 +1,5 @@
-# What `cmake --install` writes, in three components: the program with what its user reads, veko for the people who write
-# documents, and the library for those who link it. Everything may be moved as a whole to another prefix afterwards.
+# What `cmake --install` writes, in components: the program with what its user reads, veko for the people who write
+# documents, the Python module, and the library for those who link it. Everything may be moved as a whole to another prefix afterwards.
 
 # Debian's folder for libraries names the architecture, below /usr/local as well as below /usr. Everywhere the same
 # folder is used, so that one build serves packages and installations alike.
@@ -47,6 +47,14 @@ install(TARGETS veko RUNTIME COMPONENT tools)
 install(FILES man/veko.1 man/veko-check.1 man/veko-compare.1 man/veko-export.1 man/veko-report.1 man/veko-window.1
         DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT tools)
 install(FILES completions/veko DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" COMPONENT tools)
+
+if(POS_BUILD_PYTHON)
+  # Where Debian's Python finds what belongs to packages; below another prefix it is told by PYTHONPATH.
+  set(python_package "lib/python3/dist-packages/veko")
+  install(TARGETS veko_python LIBRARY DESTINATION "${python_package}" COMPONENT python)
+  install(DIRECTORY python/veko/ DESTINATION "${python_package}" COMPONENT python
+          FILES_MATCHING PATTERN "*.py" PATTERN "*.pyi" PATTERN "py.typed" PATTERN "__pycache__" EXCLUDE)
+endif()
 
 # The headers lie in a folder of their own, which is on the consumer's include path: #include "FocalPlane.h".
 set(cmake_folder "${CMAKE_INSTALL_LIBDIR}/cmake/pos")

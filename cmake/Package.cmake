@@ -1,5 +1,5 @@
-# The Debian packages veko-configure, veko-tools and libpos-dev, one for each component of Install.cmake;
-# tools/build_packages makes them.
+# The Debian packages veko-configure, veko-tools, libpos-dev and, where it is built, python3-veko, one for each component of
+# Install.cmake; tools/build_packages makes them.
 
 # CHANGELOG.md counts the releases of a version of the program, and nothing else does: its newest heading names the
 # version of the packages and their day.
@@ -69,5 +69,26 @@ Turns catalogue positions into millimetres on the plates of a multi-object
 fibre spectrograph and back, and reads and writes its field definitions.
 .
 Headers, the static library and its files for CMake and pkg-config.")
+
+if(POS_BUILD_PYTHON)
+  list(APPEND CPACK_COMPONENTS_ALL python)
+endif()
+set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-veko)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS ON)
+# The module is compiled for one version of Python.
+set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "python3 (>= 3.11), python3 (<< 3.12), python3-numpy")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-astropy, veko-configure, veko-tools")
+# Compile the modules when they are installed, and remove what that made.
+set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA "${PROJECT_SOURCE_DIR}/packaging/python3-veko/postinst"
+                                              "${PROJECT_SOURCE_DIR}/packaging/python3-veko/prerm")
+set(CPACK_DEBIAN_PYTHON_DESCRIPTION
+    "fields for a 603-fibre integral-field unit, in Python
+Leads from the sky to the plate of the VEKO, the integral-field unit of a
+multi-object fibre spectrograph, and back, for numpy arrays; reads, checks and
+configures field definitions, tells when fields can be observed, and makes
+pages to see them on: the numbers of veko_configure and veko.
+.
+The instrument is compiled in; the package needs no other of this program.")
 
 include(CPack)

@@ -26,9 +26,10 @@ function(complete_package component package)
   run(find "${share}" -type f -not -name "night.sh" -exec chmod 644 {} +)
 endfunction()
 
-complete_package(program "${CPACK_DEBIAN_PROGRAM_PACKAGE_NAME}")
-complete_package(tools "${CPACK_DEBIAN_TOOLS_PACKAGE_NAME}")
-complete_package(development "${CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME}")
+foreach(component IN LISTS CPACK_COMPONENTS_ALL)
+  string(TOUPPER "${component}" upper)
+  complete_package("${component}" "${CPACK_DEBIAN_${upper}_PACKAGE_NAME}")
+endforeach()
 
 # The files in the packages carry the day of the release.
 if(NOT DEFINED ENV{SOURCE_DATE_EPOCH})

@@ -17,8 +17,10 @@ import xml.etree.ElementTree as ElementTree
 
 import golden
 
-NAMES = ("veko-configure", "veko-tools", "libpos-dev")
 PACKAGES, CPACK, CONFIGURATION = sys.argv[1:]
+CACHE = pathlib.Path(CONFIGURATION).with_name("CMakeCache.txt").read_text()
+HAS_PYTHON = re.search("^POS_BUILD_PYTHON:.*=ON$", CACHE, re.MULTILINE)
+NAMES = ("veko-configure", "veko-tools", *(["python3-veko"] if HAS_PYTHON else []), "libpos-dev")
 HERE = pathlib.Path(__file__).resolve().parent
 INTERNAL = {"MalformedXml.h", "fileAccess.h", "numberText.h", "xmlEncoding.h", "xmlParse.h"}
 EXAMPLE = "sombrero_south.xml"
@@ -62,12 +64,11 @@ class Packages(unittest.TestCase):
         self.assertEqual(found, set(expected))
 
     def test_the_programs_come_with_the_files_of_their_lists(self):
-        for package in NAMES[:2]:
+        for package in NAMES[:-1]:
             self.expect_files(package, (HERE / f"{package}.files").read_text().split())
 
     def test_the_library_comes_with_the_files_of_its_list_and_every_header_of_its_interface(self):
-        cache = pathlib.Path(CONFIGURATION).with_name("CMakeCache.txt").read_text()
-        build_type = re.search("^CMAKE_BUILD_TYPE:.*=(.*)$", cache, re.MULTILINE).group(1).lower()
+        build_type = re.search("^CMAKE_BUILD_TYPE:.*=(.*)$", CACHE, re.MULTILINE).group(1).lower()
         listed = (HERE / "libpos-dev.files").read_text().replace("BUILDTYPE", build_type)
         listed = listed.replace("MULTIARCH", output_of("dpkg-architecture", "-qDEB_HOST_MULTIARCH").strip())
         headers = {path.name for path in (golden.PROJECT / "pos" / "positioner" / "poslib").glob("*.h")} - INTERNAL
@@ -83,6 +84,9 @@ class Packages(unittest.TestCase):
         for package, libraries in (("veko-configure", [*shared, "libboost-program-options1.74.0"]), ("veko-tools", shared)):
             runtime = re.sub(r"\s*\([^)]*\)", "", field_of(package, "Depends")).split(", ")
             self.assertEqual(set(libraries) - set(runtime), set())
+        if HAS_PYTHON:
+            for needed in (*shared, "python3-numpy", "python3 (<< 3.12)"):
+                self.assertIn(needed, field_of("python3-veko", "Depends"))
         development = field_of("libpos-dev", "Depends")
         for library in ("qtbase5-dev", "liberfa-dev", "libexpat1-dev", "libboost-dev", "libboost-filesystem-dev"):
             self.assertIn(library, development)
@@ -150,6 +154,17 @@ class Packages(unittest.TestCase):
             for attribute, tolerance in (("targx", PLATE_TOLERANCE_MM), ("targy", PLATE_TOLERANCE_MM),
                                          ("targra", SKY_TOLERANCE_DEGREES), ("targdec", SKY_TOLERANCE_DEGREES)):
                 self.assertAlmostEqual(float(target.get(attribute)), float(row[attribute]), delta=tolerance)
+
+    @unittest.skipUnless(HAS_PYTHON, "the module is not built")
+    def test_the_module_configures_an_installed_example_as_the_program_does(self):
+        example = self.usr / "share/veko_configure/examples" / EXAMPLE
+        configured = self.root / "configured_in_python.xml"
+        subprocess.run([self.program, "-i", example, "-o", configured], check=True)
+        folder = self.root / "python3-veko/usr/lib/python3/dist-packages"
+        code = f"import veko; print(veko.__file__); assert veko.configure({str(example)!r}).xml == open({str(configured)!r}, 'rb').read()"
+        result = subprocess.run(["/usr/bin/python3", "-B", "-c", code], capture_output=True, text=True, cwd=self.root,
+                                env={"PATH": os.environ["PATH"], "PYTHONPATH": str(folder)})
+        self.assertEqual((result.stdout, result.stderr), (f"{folder}/veko/__init__.py\n", ""))
 
     def test_the_checker_finds_nothing_wrong_with_the_installed_examples(self):
         examples = sorted(self.usr.glob("share/veko_configure/examples/*.xml"))

@@ -37,9 +37,12 @@ class Uninstall(unittest.TestCase):
         others = self.prefix / "share" / "man" / "man1" / "other.1"
         others.parent.mkdir(parents=True)
         others.write_text("")
-        for component in ("program", "tools", "development"):
+        for component in ("program", "tools", "python", "development"):
             self.install(component)
         self.assertGreater(len(everything_below(self.prefix)), 50)
+        for package in self.prefix.rglob("dist-packages/veko"):
+            (package / "__pycache__").mkdir()
+            (package / "__pycache__" / "_veko.pyc").write_text("compiled")
         result = uninstall(self.prefix)
         self.assertEqual((result.returncode, result.stderr), (0, ""))
         left = everything_below(self.prefix)
@@ -61,7 +64,8 @@ class Uninstall(unittest.TestCase):
             result = subprocess.run([UNINSTALL, self.prefix, nothing], capture_output=True, text=True)
         self.assertEqual((result.returncode, result.stdout), (1, ""))
         self.assertEqual(result.stderr, "".join(f"The component {component} is not built in {nothing}, so its files "
-                                                "stay.\n" for component in ("program", "tools", "development")))
+                                                "stay.\n" for component in ("program", "tools", "python",
+                                                                                         "development")))
 
     def test_packing_leaves_no_list_of_installed_files(self):
         for manifest in pathlib.Path(BUILD).glob("install_manifest*.txt"):
