@@ -31,9 +31,12 @@ install(
 # Beside the examples and the schemas, as in the sources, so that links between them hold.
 install(
   FILES docs/accuracy.md docs/checks.md docs/compare.md docs/documents.md docs/export.md
-        docs/input-and-output.md docs/many-documents.md docs/messages.md docs/position.md docs/tutorial.md docs/window.md
+        docs/input-and-output.md docs/many-documents.md docs/messages.md docs/position.md docs/python.md docs/tutorial.md
+        docs/window.md
   DESTINATION "${program_data}/docs"
   COMPONENT program)
+install(FILES examples/python/drift.py examples/python/season.py DESTINATION "${program_data}/examples/python"
+        COMPONENT program)
 install(FILES docs/pictures/check.svg DESTINATION "${program_data}/docs/pictures" COMPONENT program)
 install(PROGRAMS examples/many/night.sh DESTINATION "${program_data}/examples/many" COMPONENT program)
 
