@@ -32,14 +32,15 @@ def numbers(name: str, value: Numbers, unit: str = "") -> NDArray[np.float64]:
     if array.dtype.kind not in "iuf":
         raise TypeError(f"{name} must be numbers, not {type(value).__name__} of {array.dtype}")
     array = array.astype(np.float64, copy=False)
-    mask = getattr(value, "mask", False)
-    return np.where(mask, np.nan, array) if np.any(mask) else array
+    mask = getattr(value, "mask", None)
+    return array if mask is None else np.where(mask, np.nan, array)
 
 
 def declinations(name: str, value: Numbers) -> NDArray[np.float64]:
     """Declinations in degrees; what is not finite is left alone."""
     array = numbers(name, value, "deg")
-    if np.any(np.isfinite(array) & (np.abs(array) > 90)):
+    sizes = np.abs(array)
+    if ((sizes > 90) & (sizes < np.inf)).any():
         raise ValueError(f"{name} must be from -90 to 90 degrees")
     return array
 
@@ -76,11 +77,13 @@ def julian_years(value: Numbers) -> Numbers:
 
 def columns(**arrays: NDArray[np.float64]) -> tuple[tuple[int, ...], list[NDArray[np.float64]]]:
     """The common shape of some arguments, and each as a flat array with one element or as many as that shape has."""
+    shapes_found = {array.shape for array in arrays.values()} - {()}
     try:
-        shape = np.broadcast_shapes(*(array.shape for array in arrays.values()))
+        shape = np.broadcast_shapes(*shapes_found) if len(shapes_found) != 1 else shapes_found.pop()
     except ValueError:
         shapes = ", ".join(f"{name} {array.shape}" for name, array in arrays.items() if array.ndim > 0)
         raise ValueError(f"the shapes of these arguments do not fit together: {shapes}") from None
     return shape, [
-        array.reshape(1) if array.size == 1 else np.broadcast_to(array, shape).ravel() for array in arrays.values()
+        array.reshape(-1) if array.size == 1 or array.shape == shape else np.broadcast_to(array, shape).ravel()
+        for array in arrays.values()
     ]

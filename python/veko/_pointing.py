@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import copy
+import math
 from typing import Any
 
 import numpy as np
@@ -19,6 +20,9 @@ from ._arguments import (
     number,
     numbers,
 )
+
+_MOTION_UNITS = {"epoch": "yr", "pm_ra": "mas/yr", "pm_dec": "mas/yr", "parallax": "arcsec", "rv": "km/s"}
+_ZERO = np.zeros(())
 
 DEFAULT_TEMPERATURE, DEFAULT_PRESSURE, DEFAULT_HUMIDITY = _veko.default_weather()
 
@@ -51,9 +55,10 @@ def _place(ra: Numbers, dec: Numbers | None, motion: dict[str, Numbers | None]) 
         raise TypeError("ra is a SkyCoord, beside which there is no dec")
     if motion["epoch"] is None and any(value is not None for value in motion.values()):
         raise ValueError("epoch is missing: without it the motion of a place does not count")
-    units = {"epoch": "yr", "pm_ra": "mas/yr", "pm_dec": "mas/yr", "parallax": "arcsec", "rv": "km/s"}
-    motion = motion | {"epoch": julian_years(motion["epoch"])}
-    values = {name: numbers(name, 0.0 if motion[name] is None else motion[name], unit) for name, unit in units.items()}
+    motion["epoch"] = julian_years(motion["epoch"])
+    values = {
+        name: _ZERO if value is None else numbers(name, value, _MOTION_UNITS[name]) for name, value in motion.items()
+    }
     return {"ra": numbers("ra", ra, "deg"), "dec": declinations("dec", dec), **values}
 
 
@@ -191,7 +196,7 @@ class Pointing:
         """
         motion = {"epoch": epoch, "pm_ra": pm_ra, "pm_dec": pm_dec, "parallax": parallax, "rv": rv}
         shape, values = columns(**_place(ra, dec, motion))
-        x, y = self._plate.sky_to_plate(int(np.prod(shape)), values)
+        x, y = self._plate.sky_to_plate(math.prod(shape), values)
         return x.reshape(shape)[()], y.reshape(shape)[()]
 
     def plate_to_sky(self, x: Numbers, y: Numbers) -> tuple[Any, Any]:
@@ -224,7 +229,7 @@ class Pointing:
         194.129037 21.696006
         """
         shape, values = columns(x=numbers("x", x, "mm"), y=numbers("y", y, "mm"))
-        ra, dec = self._plate.plate_to_sky(int(np.prod(shape)), *values)
+        ra, dec = self._plate.plate_to_sky(math.prod(shape), *values)
         return ra.reshape(shape)[()], dec.reshape(shape)[()]
 
     def place(
