@@ -42,6 +42,13 @@ private:
     py::ssize_t step_;
 };
 
+/** Refuses what is no declination, degrees; what is not finite is left alone. */
+void requireDeclinations(const double* begin, const double* end) {
+    if (std::any_of(begin, end, [](double dec) { return std::isfinite(dec) && std::fabs(dec) > 90; })) {
+        throw py::value_error("dec must be from -90 to 90 degrees");
+    }
+}
+
 /** A catalogue place. @param values degrees, degrees, years, mas/yr, mas/yr, arcsec, km/s */
 ICRS placeOf(const std::array<double, 7>& values) {
     return {degreesToRadians(values[0]),
@@ -104,6 +111,8 @@ template <typename Convert> py::tuple convertAll(const PointedPlate& plate, py::
 }
 
 py::tuple skyToPlate(const PointedPlate& plate, py::ssize_t size, const std::array<Numbers, 7>& values) {
+    const Numbers& dec = values[1];
+    requireDeclinations(dec.data(), dec.data() + dec.size());
     std::vector<Column> columns(values.begin(), values.end());
     return convertAll(plate, size, [&](const FocalPlane& pointing, py::ssize_t i) {
         std::array<double, 7> place{};
@@ -191,6 +200,7 @@ void bindPointing(py::module_& module) {
         .def(
             "place",
             [](PointedPlate& plate, const std::array<double, 7>& place, std::uint32_t fibre) {
+                requireDeclinations(&place[1], &place[2]);
                 inLibrary([&] { plate.place(placeOf(place), fibre); });
             },
             py::arg("place"), py::arg("fibre"))

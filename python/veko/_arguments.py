@@ -36,15 +36,6 @@ def numbers(name: str, value: Numbers, unit: str = "") -> NDArray[np.float64]:
     return array if mask is None else np.where(mask, np.nan, array)
 
 
-def declinations(name: str, value: Numbers) -> NDArray[np.float64]:
-    """Declinations in degrees; what is not finite is left alone."""
-    array = numbers(name, value, "deg")
-    sizes = np.abs(array)
-    if ((sizes > 90) & (sizes < np.inf)).any():
-        raise ValueError(f"{name} must be from -90 to 90 degrees")
-    return array
-
-
 def number(name: str, value: Numbers, unit: str = "", low: float = -math.inf, high: float = math.inf) -> float:
     """An argument that is one finite number of a range."""
     array = numbers(name, value, unit)

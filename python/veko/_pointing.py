@@ -14,7 +14,6 @@ from ._arguments import (
     PathLike,
     columns,
     config_name,
-    declinations,
     is_coordinate,
     julian_years,
     number,
@@ -59,7 +58,7 @@ def _place(ra: Numbers, dec: Numbers | None, motion: dict[str, Numbers | None]) 
     values = {
         name: _ZERO if value is None else numbers(name, value, _MOTION_UNITS[name]) for name, value in motion.items()
     }
-    return {"ra": numbers("ra", ra, "deg"), "dec": declinations("dec", dec), **values}
+    return {"ra": numbers("ra", ra, "deg"), "dec": numbers("dec", dec, "deg"), **values}
 
 
 class Pointing:

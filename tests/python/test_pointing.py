@@ -263,6 +263,7 @@ BAD_CALLS = [
     (lambda: m64(pressure=-1), ValueError, "pressure must be from 0 to inf, not -1"),
     (lambda: M64.sky_to_plate(1), TypeError, "dec is missing: give ra and dec, or a SkyCoord alone"),
     (lambda: M64.sky_to_plate(1, [0, -91]), ValueError, "dec must be from -90 to 90 degrees"),
+    (lambda: M64.place(194, 90.5, 304), ValueError, "dec must be from -90 to 90 degrees"),
     (lambda: M64.sky_to_plate(1, "x"), TypeError, "dec must be numbers, not str of <U1"),
     (lambda: M64.sky_to_plate(1, 2, rv=3), ValueError, "epoch is missing: without it the motion of a place does not count"),
     (
