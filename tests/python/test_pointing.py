@@ -1,5 +1,6 @@
 """Pointings of the plate: against another program, the exact run, and each other."""
 
+import contextlib
 import copy
 import pathlib
 import pickle
@@ -294,3 +295,20 @@ def test_failures_are_those_of_the_run_and_leave_the_pointing_alone(capfd: pytes
         m64(pa=180, hour_angle=0).check()
     assert numbers_of(pointing) == before
     assert capfd.readouterr() == ("", "")
+
+
+def resident_pages() -> int:
+    return int(pathlib.Path("/proc/self/statm").read_text().split()[1])
+
+
+def test_a_hundred_thousand_calls_leave_no_memory_behind() -> None:
+    def call(times: int) -> None:
+        for _ in range(times):
+            M64.plate_to_sky(1.0, 2.0)
+            with contextlib.suppress(ValueError):
+                M64.sky_to_plate(1.0, 91.0)
+
+    call(1_000)
+    before = resident_pages()
+    call(50_000)
+    assert resident_pages() - before < 256  # 1 MiB, of which a leak of 24 bytes a call, the least there is, takes more
