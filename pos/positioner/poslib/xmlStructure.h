@@ -28,7 +28,13 @@ namespace pos {
  */
 QDomDocument loadXmlFile(const std::string& filename);
 
-/** The same of a document in memory. @param filename for messages */
+/**
+ * The same of a document in memory.
+ *
+ * @param bytes the whole document, in its own encoding
+ * @param filename for messages
+ * @throw std::runtime_error as loadXmlFile, for a document that has been opened
+ */
 QDomDocument loadXmlBytes(const QByteArray& bytes, const std::string& filename);
 
 /**
