@@ -2,8 +2,10 @@
 #include "TemporaryFolder.h"
 #include "checked.h"
 #include "configuredDocument.h"
+#include "fibreRadius.h"
 #include "fieldDefinition.h"
 #include "instrumentOnDisk.h"
+#include "tolerances.h"
 #include "xml.h"
 
 #include <cmath>
@@ -386,4 +388,19 @@ TEST_F(ExportTest, NeverReplacesTheDocumentsThatItReads) {
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err, "The output file ./field.xml is the field definition in use\n");
     EXPECT_EQ(folder_.read("field.xml"), kFaultless);
+}
+
+TEST(FibreRadius, IsHalfTheMiddleDistanceOfNeighboursOnTheSky) {
+    // On the equator, where right ascension is the distance: steps of 2, 2 and 3 microradians, the last place twice.
+    const auto at = [](double x, double ra) { return pos::FibrePlace{{x, 0.0}, {ra * 1e-6, 0.0}}; };
+    const auto radius =
+        pos::fibreRadius({at(3.3, 7), at(0, 0), at(1, 2), at(2.1, 4), at(3.3, 7), at(kNaN, 1), at(9, kNaN)});
+    ASSERT_TRUE(radius);
+    EXPECT_NEAR(*radius, 1e-6, 1e-18);
+}
+
+TEST(FibreRadius, IsNotKnownWithoutTwoPlaces) {
+    const pos::FibrePlace place{{1.0, 2.0}, {0.3, 0.4}};
+    EXPECT_EQ(pos::fibreRadius({}), std::nullopt);
+    EXPECT_EQ(pos::fibreRadius({place, place}), std::nullopt);
 }

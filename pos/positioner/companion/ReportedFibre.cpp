@@ -2,6 +2,7 @@
 
 #include "Veko.h"
 #include "angles.h"
+#include "numberText.h"
 #include "xmlKeywords.h"
 
 #include <cstdlib>
@@ -32,9 +33,9 @@ FibreKind kindOf(FibreStatus status, const std::string& spaxel) {
 std::map<std::uint32_t, QDomElement> targetsOnFibres(const QDomElement& field) {
     std::map<std::uint32_t, QDomElement> targets;
     for (QDomElement child = field.firstChildElement(); !child.isNull(); child = child.nextSiblingElement()) {
-        if (isOnFibre(child)) {
-            const qint64 fibre = child.attribute(attr::fibreid).toLongLong();
-            targets.emplace(static_cast<std::uint32_t>(std::abs(fibre)), child);
+        const std::optional<std::uint32_t> fibre = fibreOf(child);
+        if (isOnFibre(child) && fibre) {
+            targets.emplace(*fibre, child);
         }
     }
     return targets;
@@ -60,6 +61,12 @@ const char* wordOf(FibreKind kind) {
         return "absent";
     }
     return "";
+}
+
+std::optional<std::uint32_t> fibreOf(const QDomElement& target) {
+    const std::optional<std::int32_t> id = integerOf(target.attribute(attr::fibreid));
+    const std::int64_t fibre = std::abs(std::int64_t{id.value_or(0)});
+    return fibre == 0 ? std::nullopt : std::optional(static_cast<std::uint32_t>(fibre));
 }
 
 bool isOnFibre(const QDomElement& target) {

@@ -11,6 +11,7 @@
 #include <QDomElement>
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,9 @@ struct ReportedFibre {
  * @param veko pointed at the field, its optical model and plates in force
  */
 std::vector<ReportedFibre> reportedFibres(const QDomElement& field, const Veko& veko);
+
+/** The fibre of a target, without the sign that tells whether it is enabled; nothing for a target without one. */
+std::optional<std::uint32_t> fibreOf(const QDomElement& target);
 
 /** Whether a target has been put on a fibre. */
 bool isOnFibre(const QDomElement& target);

@@ -147,8 +147,7 @@ private:
 
     /** The status of a target's fibre; enabled where the bundle does not have it. */
     FibreStatus statusOf(const QDomElement& target) const {
-        const qint64 id = std::abs(target.attribute(attr::fibreid).toLongLong());
-        const auto found = fibres_.find(static_cast<std::uint32_t>(id));
+        const auto found = fibres_.find(fibreOf(target).value_or(0));
         return found == fibres_.end() ? FibreStatus(FibreStatus::Enabled) : found->second.status;
     }
 

@@ -21,9 +21,10 @@ struct FibrePlace {
 
 /**
  * The radius of the fibres of a field on the sky, radians. The definition of the bundle does not tell it: it is half
- * the distance between neighbours, the middle one of all such distances; nothing for fewer than two fibres.
+ * the distance between neighbours, the middle one of all such distances; nothing where no two fibres have places of
+ * their own.
  */
-std::optional<double> fibreRadius(std::vector<FibrePlace> places);
+std::optional<double> fibreRadius(const std::vector<FibrePlace>& places);
 
 } // namespace pos
 

@@ -1,5 +1,6 @@
 #include "targetPairs.h"
 
+#include "ReportedFibre.h"
 #include "numberText.h"
 #include "xmlKeywords.h"
 #include "xmlStructure.h"
@@ -7,7 +8,8 @@
 #include <QHash>
 #include <QString>
 #include <algorithm>
-#include <cstdlib>
+#include <cstdint>
+#include <optional>
 
 namespace pos {
 
@@ -74,11 +76,6 @@ void match(Key key, TargetPairs& matched) {
 }
 
 } // namespace
-
-std::optional<std::int64_t> fibreOf(const QDomElement& target) {
-    const auto id = integerOf(target.attribute(attr::fibreid));
-    return id && *id != 0 ? std::optional(std::abs(static_cast<std::int64_t>(*id))) : std::nullopt;
-}
 
 std::string nameOfTarget(const QDomElement& target) {
     const QString name = given(target, attr::targname);

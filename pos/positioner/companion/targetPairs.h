@@ -6,16 +6,11 @@
 #define POS_TARGETPAIRS_H
 
 #include <QDomElement>
-#include <cstdint>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace pos {
-
-/** The fibre of a target, without the sign that tells whether it is enabled; nothing for a target without one. */
-std::optional<std::int64_t> fibreOf(const QDomElement& target);
 
 /** "fibre 304", else the target's name, else "configid 7", else "target". */
 std::string nameOfTarget(const QDomElement& target);
