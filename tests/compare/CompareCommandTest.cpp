@@ -196,6 +196,8 @@ TEST_F(CompareCommand, TakesPlacesWithinTheTolerancesForTheSame) {
     EXPECT_EQ(sentences(other, 1, {"--plate-tolerance", "4", "--sky-tolerance", "0.003"}),
               "field 1 differs in targra\n");
     EXPECT_EQ(sentences(other, 0, {"--ignore", "targx", "--ignore", "targra"}), "the same\n");
+    const std::string farther = movedOnPlate([](double x, double y) { return std::pair(x + 0.15, y); });
+    EXPECT_EQ(sentences(farther, 0, {"--plate-tolerance", "200"}), "the same within 150 µm\n");
 }
 
 TEST_F(CompareCommand, TellsWhichDocumentIsNotConfigured) {
@@ -283,6 +285,14 @@ TEST_F(CompareCommand, DrawsAnArrowForEachFibre) {
         EXPECT_EQ(number(line, "y2"), number(line, "y1"));
     }
     EXPECT_EQ(elements(picture, "text").at(1).text(), "2 µm");
+}
+
+TEST_F(CompareCommand, TellsTheScaleOfLongAndShortArrowsWithoutExponents) {
+    for (const auto& [step, scale] : {std::pair(2.0000001, "2000 µm"), {0.00000201, "0.002 µm"}}) {
+        comparedWith(movedOnPlate([step = step](double x, double y) { return std::pair(x + step, y); }),
+                     {"--picture", "moved.svg"});
+        EXPECT_EQ(elements(parseDocument(folder_.read("moved.svg")), "text").at(1).text(), scale);
+    }
 }
 
 TEST_F(CompareCommand, WritesNoPictureOverADocumentNorWhereItCannot) {

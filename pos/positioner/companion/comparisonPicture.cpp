@@ -85,9 +85,10 @@ std::string arrowsOf(const std::vector<PointPair>& pairs, const PlateView& view,
                        "marker-end=\"url(#head)\"");
     }
     const double shown = roundBelow(longest);
+    const int decimals = std::max(0, static_cast<int>(-std::floor(std::log10(shown))));
     const Pixel begin{20, kPanelSize - 25};
     return arrows + line(begin, {begin.x + shown * pixels, begin.y}, "class=\"bar\"") +
-           caption({begin.x + kLongest + 10, begin.y + 5}, QString::number(shown, 'g', 3).toStdString() + ' ' + unit);
+           caption({begin.x + kLongest + 10, begin.y + 5}, pictureText(shown, decimals) + ' ' + unit);
 }
 
 /** Half of a field's picture. @param pairs in the unit; x to the right, y up */

@@ -1,6 +1,7 @@
 #include "angles.h"
 #include "comparisonRecords.h"
 #include "comparisonUnits.h"
+#include "pageText.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,7 +17,7 @@ constexpr double kNoticed = 0.01;
 /** What a value does not pass, with two digits, at least the least that is noticed. */
 std::string bound(double value) {
     const double step = std::pow(10.0, std::floor(std::log10(std::max(value, kNoticed))) - 1);
-    return QString::number(std::max(std::ceil(value / step - 1e-6) * step, kNoticed), 'g', 2).toStdString();
+    return pictureText(std::max(std::ceil(value / step - 1e-6) * step, kNoticed), 3);
 }
 
 std::string plural(std::ptrdiff_t number, const std::string& noun) {
