@@ -229,6 +229,18 @@ TEST(PlateFit, OfOneFibreIsItsShift) {
     EXPECT_FALSE(plateFit({}));
 }
 
+TEST(PlateFit, OfFibresAtOnePlaceIsTheirShift) {
+    for (const std::size_t count : {7U, 603U}) {
+        const auto at = [count](Complex place) { return std::vector(count, place); };
+        const auto fit = plateFit(movedOnPlate(at({0.1, 0.7}), at({0.3, 0.2})));
+        ASSERT_TRUE(fit);
+        EXPECT_NEAR(fit->shift.x, 0.2, 1e-12);
+        EXPECT_NEAR(fit->shift.y, -0.5, 1e-12);
+        EXPECT_EQ(fit->rotation, 0.0);
+        EXPECT_EQ(fit->scale, 0.0);
+    }
+}
+
 TEST(SkyFit, FindsWhatWasPlantedEverywhereOnTheSky) {
     for (const double decDeg : {0.0, -35.0, 69.0, 89.99, 90.0, -90.0}) {
         for (const double raDeg : {0.0, 123.0, 359.999}) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <complex>
+#include <limits>
 
 namespace pos {
 
@@ -40,7 +41,8 @@ Similarity fitSimilarity(const std::vector<PointPair>& pairs) {
         squares += std::norm(step.place);
         steps.push_back(step);
     }
-    change = squares > 0 ? change / squares : 0.0;
+    const double rounding = count * std::numeric_limits<double>::epsilon() * std::abs(centroid); // of the centroid
+    change = squares > count * rounding * rounding ? change / squares : 0.0;
     Similarity fit{{shift.real(), shift.imag()}, std::arg(1.0 + change)};
     // |1 + c|² = 1 + 2 Re c + |c|²: of a small change no digit is lost.
     const double growth = 2 * change.real() + std::norm(change);
