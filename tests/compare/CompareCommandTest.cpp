@@ -226,6 +226,21 @@ TEST_F(CompareCommand, TellsEachValueWithItsUnitAndManyOfAKindOnce) {
                                 "  field 2/note: missing, \"a note\"\n"));
 }
 
+TEST_F(CompareCommand, LetsNoTextOfADocumentMakeALineOfItsOwn) {
+    const auto named = [](const QString& remark, double step) {
+        return edited([&](const QDomDocument& document) {
+            QDomElement star = targetWith(document, "targname", "Star");
+            star.setAttribute("targname", "x\nthe same");
+            star.setAttribute("remark", remark);
+            moveToTheRight(star, step);
+        });
+    };
+    folder_.write("a.xml", named("1", 0));
+    const std::string text = comparedWith(named("y\nthe same", 0.004)).out;
+    EXPECT_THAT(text, HasSubstr(" by 4.00 µm (x\ufffdthe same)\n"));
+    EXPECT_THAT(text, HasSubstr("\n  field 1/x\ufffdthe same/remark: \"1\", \"y\ufffdthe same\"\n"));
+}
+
 TEST_F(CompareCommand, TellsEverythingInJson) {
     const std::string other = edited([](const QDomDocument& document) {
         moveToTheRight(targetWith(document, "fibreid", "17"), 0.01);

@@ -10,11 +10,16 @@ namespace pos {
 
 namespace {
 
+/** A line. Texts of a document make no line of their own. */
+std::string lineOf(const std::string& text) {
+    return harmlessLine(text) + '\n';
+}
+
 /** A line of a field's table: its label, and what it tells of the plate and of the sky. */
 std::string row(const std::string& label, const std::string& plate, const std::string& sky) {
     const QString line = QString::fromStdString("  " + label).leftJustified(20) +
                          QString::fromStdString(plate).leftJustified(28) + QString::fromStdString(sky);
-    return line.toStdString() + '\n';
+    return lineOf(line.toStdString());
 }
 
 std::string lengthText(double length, const LengthUnit& unit) {
@@ -74,7 +79,7 @@ std::string aloneText(std::vector<std::string> names, const std::string& which) 
         names.resize(kShown);
         names.push_back("and " + std::to_string(more) + " more");
     }
-    return "  only in the " + which + ": " + joined(names, ", ") + '\n';
+    return lineOf("  only in the " + which + ": " + joined(names, ", "));
 }
 
 std::string fieldText(const FieldComparison& field) {
@@ -97,7 +102,7 @@ std::string differenceLine(const Difference& difference) {
     std::string line =
         "  " + difference.place + ": " + valueText(difference.first) + ", " + valueText(difference.second);
     if (difference.unit.empty()) {
-        return line + '\n';
+        return lineOf(line);
     }
     const auto first = numberOf(QString::fromStdString(difference.first.value_or("")));
     const auto second = numberOf(QString::fromStdString(difference.second.value_or("")));
@@ -107,7 +112,7 @@ std::string differenceLine(const Difference& difference) {
         const bool isAngle = difference.unit == "degrees";
         line += QString::asprintf(" (%+.6g)", isAngle ? std::remainder(step, 360.0) : step).toStdString();
     }
-    return line + '\n';
+    return lineOf(line);
 }
 
 /** All differences; what is the same in many places of a field is told once. */
@@ -142,7 +147,7 @@ std::string differenceLines(const std::vector<Difference>& differences) {
 std::string comparisonText(const Comparison& comparison) {
     std::string text;
     for (const std::string& sentence : comparisonSentences(comparison)) {
-        text += sentence + '\n';
+        text += lineOf(sentence);
     }
     if (text == "the same\n") {
         return text;
@@ -153,7 +158,7 @@ std::string comparisonText(const Comparison& comparison) {
     if (!comparison.differences.empty()) {
         text += "\nOther values of the first document, and of the second\n";
     }
-    return harmless(text + differenceLines(comparison.differences));
+    return text + differenceLines(comparison.differences);
 }
 
 } // namespace pos

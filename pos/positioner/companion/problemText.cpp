@@ -126,6 +126,12 @@ std::string harmless(const std::string& utf8) {
     return utf8Of(characters);
 }
 
+std::string harmlessLine(const std::string& utf8) {
+    std::u32string characters = QString::fromStdString(utf8).toStdU32String();
+    std::transform(characters.begin(), characters.end(), characters.begin(), shown);
+    return utf8Of(characters);
+}
+
 std::string problemText(const Problem& problem, const SourceText& text, const std::string& file,
                         const TextStyle& style) {
     const Colours colours = coloursOf(problem, style);

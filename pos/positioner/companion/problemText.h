@@ -36,6 +36,9 @@ std::string problemText(const Problem& problem, const SourceText& text, const st
 /** A text without characters that a terminal would obey. @param utf8 one or several lines */
 std::string harmless(const std::string& utf8);
 
+/** The same, and without the ends of lines. */
+std::string harmlessLine(const std::string& utf8);
+
 } // namespace pos
 
 #endif
