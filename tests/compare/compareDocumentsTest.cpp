@@ -284,6 +284,18 @@ TEST(SkyDistances, AreTrueAngles) {
     EXPECT_NEAR(distance(0, 30, 180, -30), kPi, 1e-7);
 }
 
+TEST(IsWithin, AStepAsLongAsTheToleranceIs) {
+    for (int i = 0; i < 1000; ++i) {
+        const double x = 0.037 * i;
+        const double dec = degreesToRadians(0.037 * i);
+        const MovedTarget target{"", 1, PointPair({x, 1}, {x + 0.001, 1}),
+                                 std::pair(Astrometric{2, dec}, Astrometric{2, dec + 0.004 * kArcsec})};
+        EXPECT_EQ(plateDistances({target}, 0.001)->moved, 0) << i;
+        EXPECT_EQ(plateDistances({target}, 0.00099999)->moved, 1) << i;
+        EXPECT_EQ(skyDistances({target}, 0.004 * kArcsec)->moved, 0) << i;
+    }
+}
+
 TEST(CompareDocuments, AnotherFormIsNoDifference) {
     constexpr unsigned kSeed = 20270302;
     RandomDocuments documents(kSeed);

@@ -237,7 +237,7 @@ private:
             const auto sky = skyPlace(first, ra, dec);
             const auto otherSky = skyPlace(second, ra, dec);
             const bool isTold = ra == attr::targra && areOnFibre(first, second);
-            if (sky && otherSky && (isTold || skySeparation(*sky, *otherSky) <= options_.skyTolerance)) {
+            if (sky && otherSky && (isTold || isWithin(skySeparation(*sky, *otherSky), options_.skyTolerance))) {
                 names.insert({ra, dec});
             }
         }
@@ -245,7 +245,7 @@ private:
         const auto otherPlate = platePlace(second);
         if (plate && otherPlate &&
             (areOnFibre(first, second) ||
-             std::hypot(otherPlate->x - plate->x, otherPlate->y - plate->y) <= options_.plateTolerance)) {
+             isWithin(std::hypot(otherPlate->x - plate->x, otherPlate->y - plate->y), options_.plateTolerance))) {
             names.insert({attr::targx, attr::targy});
         }
         return names;

@@ -20,7 +20,7 @@ template <typename Distance> std::optional<Distances> distancesOf(const std::vec
     for (const MovedTarget& target : targets) {
         if (const std::optional<double> value = distance(target)) {
             sum += *value * *value;
-            all.moved += *value > tolerance ? 1 : 0;
+            all.moved += isWithin(*value, tolerance) ? 0 : 1;
             if (count == 0 || *value > all.greatest) {
                 all.greatest = *value;
                 all.worst = target;
@@ -94,6 +94,11 @@ double skySeparation(Astrometric a, Astrometric b) {
     constexpr double kRounding = 1e-15; // of doubles: at a pole the cosine of the declination is not quite 0
     const double angle = eraSeps(a.ra, a.dec, b.ra, b.dec);
     return angle > kRounding ? angle : 0.0;
+}
+
+bool isWithin(double distance, double tolerance) {
+    constexpr double kRounding = 1e-6; // of doubles; it is 5e-8 of 0.004 arcsec
+    return distance <= tolerance * (1 + kRounding);
 }
 
 std::optional<Distances> plateDistances(const std::vector<MovedTarget>& targets, double tolerance) {

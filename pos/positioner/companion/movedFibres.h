@@ -35,6 +35,9 @@ struct Distances {
 /** How far two places are apart, radians; 0 where only rounding tells them apart. */
 double skySeparation(Astrometric a, Astrometric b);
 
+/** Whether a distance is no larger than a tolerance; the rounding of places does not make it so. */
+bool isWithin(double distance, double tolerance);
+
 /** The distances and the tolerance on the plate, mm; nothing where no target has a place there in both. */
 std::optional<Distances> plateDistances(const std::vector<MovedTarget>& targets, double tolerance = 0.0);
 
