@@ -282,6 +282,7 @@ TEST(SkyDistances, AreTrueAngles) {
     EXPECT_NEAR(distance(10, 60, 10.0001, 60), degreesToRadians(0.00005), 1e-15);
     EXPECT_NEAR(distance(0, 89.9, 180, 89.9), degreesToRadians(0.2), 1e-15);
     EXPECT_NEAR(distance(0, 30, 180, -30), kPi, 1e-7);
+    EXPECT_TRUE(std::isnan(distance(std::nan(""), 20, 0, 20)));
 }
 
 TEST(IsWithin, AStepAsLongAsTheToleranceIs) {

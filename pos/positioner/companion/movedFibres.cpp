@@ -93,7 +93,7 @@ std::vector<PointPair> inTangentPlanes(const Places& first, Astrometric middle, 
 double skySeparation(Astrometric a, Astrometric b) {
     constexpr double kRounding = 1e-15; // of doubles: at a pole the cosine of the declination is not quite 0
     const double angle = eraSeps(a.ra, a.dec, b.ra, b.dec);
-    return angle > kRounding ? angle : 0.0;
+    return angle <= kRounding ? 0.0 : angle;
 }
 
 bool isWithin(double distance, double tolerance) {

@@ -32,10 +32,10 @@ struct Distances {
     MovedTarget worst; ///< the one of the greatest distance
 };
 
-/** How far two places are apart, radians; 0 where only rounding tells them apart. */
+/** How far two places are apart, radians; 0 where only rounding tells them apart, NaN for a place of NaN. */
 double skySeparation(Astrometric a, Astrometric b);
 
-/** Whether a distance is no larger than a tolerance; the rounding of places does not make it so. */
+/** Whether a distance is no larger than a tolerance, but for the rounding of places; NaN is larger. */
 bool isWithin(double distance, double tolerance);
 
 /** The distances and the tolerance on the plate, mm; nothing where no target has a place there in both. */
