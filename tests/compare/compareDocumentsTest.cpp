@@ -2,6 +2,7 @@
 
 #include "ReadDocument.h"
 #include "angles.h"
+#include "comparisonRecords.h"
 #include "fieldDefinition.h"
 #include "randomDocuments.h"
 #include "xml.h"
@@ -398,6 +399,19 @@ TEST(CompareDocuments, PlacesWithinTheToleranceAreNoDifference) {
     EXPECT_TRUE(
         compareDocuments(parseDocument(zero), parseDocument(replaced(zero, "\"0.000000\"", "\"360.000000\"")), {})
             .isSame);
+}
+
+TEST(CompareDocuments, AFieldIsMovedBeyondTheNoiseOfTheFibresThatHaveAPlace) {
+    std::string others;
+    for (int fibre = 5; fibre < 105; ++fibre) {
+        others += target("fibreid=\"" + std::to_string(fibre) + '"');
+    }
+    const auto square = [&](const std::string& x) {
+        return target("fibreid=\"1\" targy=\"1\" targx=\"" + x + '"') + target(R"(fibreid="2" targx="-1" targy="1")") +
+               target(R"(fibreid="3" targx="-1" targy="-1")") + target(R"(fibreid="4" targx="1" targy="-1")") + others;
+    };
+    EXPECT_THAT(comparisonSentences(compared(square("1"), square("1.003"))),
+                ElementsAre("field 1 has 1 fibre elsewhere, by 3.00 µm (fibre 1)"));
 }
 
 TEST(CompareDocuments, WhatIsIgnoredIsNoDifference) {

@@ -28,7 +28,6 @@ std::string plural(std::ptrdiff_t number, const std::string& noun) {
 struct Movement {
     const Distances& distances;
     const std::optional<Similarity>& fit; ///< nothing for fibres all over the sky
-    double count;                         ///< of fibres
     const LengthUnit& unit;
 };
 
@@ -42,7 +41,7 @@ std::string wordsOf(const Movement& movement) {
     }
     const Similarity& fit = *movement.fit;
     const auto told = [&](double size) { return movement.unit.of(size); };
-    const double noise = 5 * fit.residualRms / std::sqrt(movement.count);
+    const double noise = 5 * fit.residualRms / std::sqrt(fit.count);
     const auto isNoticed = [&](double greatest, double rms) {
         return std::fabs(told(greatest)) >= kNoticed && std::fabs(rms) >= noise;
     };
@@ -92,15 +91,14 @@ bool isNoticed(const std::optional<Distances>& distances, const LengthUnit& unit
 /** What moved the fibres of a field on the plate and on the sky, where that is noticed. */
 std::vector<std::string> movementsOf(const FieldComparison& field, const CompareOptions& options) {
     const std::string name = "field " + std::to_string(field.number);
-    const auto count = static_cast<double>(field.fibres.size());
     const auto plate = plateDistances(field.fibres, options.plateTolerance);
     const auto sky = skyDistances(field.fibres, options.skyTolerance);
     std::vector<std::string> sentences;
     if (isNoticed(plate, kOnPlate)) {
-        sentences.push_back(sentenceOf(name, {*plate, plateFit(field.fibres), count, kOnPlate}));
+        sentences.push_back(sentenceOf(name, {*plate, plateFit(field.fibres), kOnPlate}));
     }
     if (isNoticed(sky, kOnSky)) {
-        sentences.push_back(sentenceOf("on the sky " + name, {*sky, skyFit(field.fibres), count, kOnSky}));
+        sentences.push_back(sentenceOf("on the sky " + name, {*sky, skyFit(field.fibres), kOnSky}));
     }
     return sentences;
 }

@@ -56,6 +56,7 @@ Similarity fitSimilarity(const std::vector<PointPair>& pairs) {
     }
     fit.residualRms = std::sqrt(sum / count);
     fit.extentRms = std::sqrt(squares / count);
+    fit.count = count;
     return fit;
 }
 

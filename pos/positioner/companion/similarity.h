@@ -28,6 +28,7 @@ struct Similarity {
     double residualMax = 0.0; ///< the largest of these distances
     double extent = 0.0;      ///< the largest distance of a first place from the centroid
     double extentRms = 0.0;   ///< root mean square of these distances
+    double count = 0.0;       ///< of the places
 };
 
 /**
