@@ -145,9 +145,11 @@ TEST_F(CompareCommand, SaysThatFibresAllOverTheSkyMovedInNoCommonWay) {
         return ra > 150.1 ? std::pair(ra + 180, -dec) : std::pair(ra, dec);
     };
     EXPECT_THAT(
-        sentences(moved("targra", "targdec", opposite), 1),
+        sentences(moved("targra", "targdec", opposite), 1, {"--picture", "moved.svg"}),
         MatchesRegex("on the sky field 1 has [0-9]+ fibres elsewhere, moved in no common way, by at most 648000 "
                      "arcsec \\(fibre [0-9]+\\)\n"));
+    EXPECT_EQ(elements(parseDocument(folder_.read("moved.svg")), "text").at(3).text(),
+              "The fibres are all over the sky.");
 }
 
 TEST_F(CompareCommand, SaysWhatElseDiffers) {

@@ -286,6 +286,19 @@ TEST(SkyDistances, AreTrueAngles) {
     EXPECT_TRUE(std::isnan(distance(std::nan(""), 20, 0, 20)));
 }
 
+TEST(SkyPairs, AreTheSameWhereOnlyRoundingTellsThemApart) {
+    const std::pair fullTurn(Astrometric{0, 0.3}, Astrometric{2 * kPi, 0.3});
+    const std::pair pole(Astrometric{1, kPi / 2}, Astrometric{4, kPi / 2});
+    for (const auto& [first, second] : {fullTurn, pole}) {
+        const Astrometric neighbour{first.ra, first.dec - 0.001};
+        const auto pairs =
+            skyPairs({{"", 1, {}, std::pair(first, second)}, {"", 2, {}, std::pair(neighbour, neighbour)}});
+        ASSERT_TRUE(pairs);
+        EXPECT_EQ(pairs->at(0).first.x, pairs->at(0).second.x);
+        EXPECT_EQ(pairs->at(0).first.y, pairs->at(0).second.y);
+    }
+}
+
 TEST(IsWithin, AStepAsLongAsTheToleranceIs) {
     for (int i = 0; i < 1000; ++i) {
         const double x = 0.037 * i;

@@ -91,19 +91,22 @@ std::string arrowsOf(const std::vector<PointPair>& pairs, const PlateView& view,
            caption({begin.x + kLongest + 10, begin.y + 5}, pictureText(shown, decimals) + ' ' + unit);
 }
 
-/** Half of a field's picture. @param pairs in the unit; x to the right, y up */
-std::string panel(Pixel corner, const std::string& title, const std::vector<PointPair>& pairs,
+/** Half of a field's picture. @param pairs in the unit; x to the right, y up; nothing for fibres all over the sky */
+std::string panel(Pixel corner, const std::string& title, const std::optional<std::vector<PointPair>>& pairs,
                   const std::string& unit) {
-    std::string picture = "<g transform=\"translate(" + pictureText(corner.x, 0) + ' ' + pictureText(corner.y, 0) +
-                          ")\">\n" + caption({20, 30}, title);
-    if (pairs.empty()) {
-        return picture + caption({20, kPanelSize - 20}, "No fibre has a place in both documents.") + "</g>\n";
+    const std::string picture = "<g transform=\"translate(" + pictureText(corner.x, 0) + ' ' +
+                                pictureText(corner.y, 0) + ")\">\n" + caption({20, 30}, title);
+    if (!pairs || pairs->empty()) {
+        return picture +
+               caption({20, kPanelSize - 20},
+                       pairs ? "No fibre has a place in both documents." : "The fibres are all over the sky.") +
+               "</g>\n";
     }
     std::vector<PlateCoordinates> places;
-    std::transform(pairs.begin(), pairs.end(), std::back_inserter(places),
+    std::transform(pairs->begin(), pairs->end(), std::back_inserter(places),
                    [](const PointPair& pair) { return PlateCoordinates(pair.first.x, pair.first.y); });
     const PlateView view = PlateView::around(places);
-    return picture + dotsOf(places, view) + arrowsOf(pairs, view, unit) + "</g>\n";
+    return picture + dotsOf(places, view) + arrowsOf(*pairs, view, unit) + "</g>\n";
 }
 
 std::vector<PointPair> scaled(std::vector<PointPair> pairs, double factor) {
@@ -115,16 +118,19 @@ std::vector<PointPair> scaled(std::vector<PointPair> pairs, double factor) {
 }
 
 /** From x to the north and y to the east to a picture with the north up and the east on the left. */
-Point northUp(Point place) {
-    return {-place.y, place.x};
+std::vector<PointPair> northUp(std::vector<PointPair> pairs) {
+    for (auto& [first, second] : pairs) {
+        first = {-first.y, first.x};
+        second = {-second.y, second.x};
+    }
+    return pairs;
 }
 
 std::string pictureOf(const FieldComparison& field, double top) {
     const std::string name = "Field " + std::to_string(field.number);
-    std::vector<PointPair> onSky = scaled(skyPairs(field.fibres), kOnSky.factor);
-    for (auto& [first, second] : onSky) {
-        first = northUp(first);
-        second = northUp(second);
+    auto onSky = skyPairs(field.fibres);
+    if (onSky) {
+        onSky = northUp(scaled(*onSky, kOnSky.factor));
     }
     return panel({0, top}, name + " on the plate", scaled(platePairs(field.fibres), kOnPlate.factor), kOnPlate.name) +
            panel({kPanelSize, top}, name + " on the sky, north up, east on the left", onSky, kOnSky.name);

@@ -125,11 +125,16 @@ std::vector<PointPair> platePairs(const std::vector<MovedTarget>& targets) {
     return pairs;
 }
 
-std::vector<PointPair> skyPairs(const std::vector<MovedTarget>& targets) {
-    const auto [first, second] = skyPlaces(targets);
+std::optional<std::vector<PointPair>> skyPairs(const std::vector<MovedTarget>& targets) {
+    auto [first, second] = skyPlaces(targets);
     const Astrometric middle = middleOf(first);
-    return areAround(middle, first) && areAround(middle, second) ? inTangentPlanes(first, middle, second, middle, 0.0)
-                                                                 : std::vector<PointPair>();
+    if (!areAround(middle, first) || !areAround(middle, second)) {
+        return std::nullopt;
+    }
+    for (std::size_t i = 0; i < first.size(); ++i) {
+        second[i] = skySeparation(first[i], second[i]) == 0 ? first[i] : second[i];
+    }
+    return inTangentPlanes(first, middle, second, middle, 0.0);
 }
 
 std::optional<Similarity> plateFit(const std::vector<MovedTarget>& targets) {

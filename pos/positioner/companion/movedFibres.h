@@ -52,9 +52,9 @@ std::vector<PointPair> platePairs(const std::vector<MovedTarget>& targets);
 
 /**
  * The places on the sky in the tangent plane about the middle of the first ones: x to the north and y to the east,
- * radians. None where a place is a right angle from there.
+ * radians. Places that only rounding tells apart are the same. Nothing where a place is a right angle from there.
  */
-std::vector<PointPair> skyPairs(const std::vector<MovedTarget>& targets);
+std::optional<std::vector<PointPair>> skyPairs(const std::vector<MovedTarget>& targets);
 
 /**
  * What moved targets on the sky: x to the north and y to the east, radians, so that a turn goes from north through
