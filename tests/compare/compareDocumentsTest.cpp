@@ -351,6 +351,16 @@ TEST(CompareDocuments, ASingleChangeIsNamedAtItsTarget) {
     }
 }
 
+TEST(CompareDocuments, ATextIsTheSameInOnePieceAndInSeveral) {
+    const auto noted = [](const std::string& content) { return "<note>" + content + "</note>"; };
+    for (const char* same : {"a<!-- x -->b c", "<![CDATA[a]]>b c", "\n ab<?x?> c "}) {
+        EXPECT_TRUE(compared(noted("ab c"), noted(same)).isSame) << same;
+    }
+    for (const char* other : {"ab  c", "a<b/>b c", "abc"}) {
+        EXPECT_FALSE(compared(noted("ab c"), noted(other)).isSame) << other;
+    }
+}
+
 TEST(CompareDocuments, FormsOfNumbersAreNoDifference) {
     const std::string first = target(R"(fibreid="1" targx="1.50" targprio="1" targpmra="0" ifu_pa="1e1")");
     const std::string second = target(R"(targpmra="0.000" ifu_pa="10" targprio="1.0" targx="1.5" fibreid="1")");

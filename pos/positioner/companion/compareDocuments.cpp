@@ -8,6 +8,7 @@
 #include "xmlKeywords.h"
 #include "xmlStructure.h"
 
+#include <QStringList>
 #include <algorithm>
 #include <cmath>
 #include <map>
@@ -45,12 +46,19 @@ std::set<QString> attributesOf(const QDomElement& first, const QDomElement& seco
     return names;
 }
 
+/** The texts between the child elements of an element, without the blanks around them. */
 std::string contentOf(const QDomElement& element) {
-    QString text;
+    QStringList texts = {QString()};
     for (QDomNode node = element.firstChild(); !node.isNull(); node = node.nextSibling()) {
-        text += node.isCharacterData() && !node.isComment() ? node.nodeValue() + ' ' : QString();
+        if (node.isElement()) {
+            texts.append(QString());
+        } else if (node.isText()) { // a CDATA section is a text too
+            texts.last() += node.nodeValue();
+        }
     }
-    return text.simplified().toStdString();
+    std::transform(texts.begin(), texts.end(), texts.begin(), [](const QString& text) { return text.trimmed(); });
+    texts.removeAll(QString());
+    return texts.join(' ').toStdString();
 }
 
 /** Where a target stands in its field: "", "/group 2", … */
