@@ -403,6 +403,9 @@ TEST(CompareDocuments, ATargetInAnotherGroupIsADifference) {
     ASSERT_THAT(foundIn(comparison), ElementsAre("field 1/A"));
     EXPECT_EQ(comparison.differences.at(0).first, "field 1/group 2");
     EXPECT_EQ(comparison.differences.at(0).second, "field 1/group 1");
+    const Comparison nested = compared("<group/><group><group>" + target(R"(targname="A")") + "</group></group>",
+                                       "<group>" + target(R"(targname="A")") + "<group/></group><group/>");
+    EXPECT_EQ(nested.differences.back().first, "field 1/group 2/group 1");
 }
 
 TEST(CompareDocuments, PlacesWithinTheToleranceAreNoDifference) {

@@ -61,24 +61,10 @@ std::string contentOf(const QDomElement& element) {
     return texts.join(' ').toStdString();
 }
 
-/** Where a target stands in its field: "", "/group 2", … */
-std::string groupsOf(const QDomElement& target) {
-    std::string groups;
-    for (QDomElement parent = target.parentNode().toElement(); parent.tagName() == tag::group;
-         parent = parent.parentNode().toElement()) {
-        int number = 1;
-        for (QDomElement other = parent.previousSiblingElement(tag::group); !other.isNull();
-             other = other.previousSiblingElement(tag::group)) {
-            ++number;
-        }
-        groups.insert(0, "/group " + std::to_string(number));
-    }
-    return groups;
-}
-
-std::vector<std::string> namesOf(const std::vector<QDomElement>& targets) {
+std::vector<std::string> namesOf(const std::vector<PlacedTarget>& targets) {
     std::vector<std::string> names;
-    std::transform(targets.begin(), targets.end(), std::back_inserter(names), nameOfTarget);
+    std::transform(targets.begin(), targets.end(), std::back_inserter(names),
+                   [](const PlacedTarget& target) { return nameOfTarget(target.element); });
     return names;
 }
 
@@ -170,8 +156,9 @@ private:
         const TargetPairs matched = isIgnored(tag::target) ? TargetPairs() : matchTargets(first, second);
         FieldComparison field{field_, matched.pairs.size()};
         for (const auto& [target, other] : matched.pairs) {
-            compareTargets(place + '/' + nameOfTarget(target), target, other);
-            (areOnFibre(target, other) ? field.fibres : field.others).push_back(moved(target, other));
+            compareTargets(place + '/' + nameOfTarget(target.element), target, other);
+            (areOnFibre(target.element, other.element) ? field.fibres : field.others)
+                .push_back(moved(target.element, other.element));
         }
         field.onlyInFirst = namesOf(matched.onlyInFirst);
         field.onlyInSecond = namesOf(matched.onlyInSecond);
@@ -179,14 +166,12 @@ private:
     }
 
     // NOLINTNEXTLINE(misc-no-recursion)
-    void compareTargets(const std::string& place, const QDomElement& first, const QDomElement& second) {
-        const std::string groups = groupsOf(first);
-        const std::string otherGroups = groupsOf(second);
-        if (groups != otherGroups && !isIgnored(tag::group)) {
+    void compareTargets(const std::string& place, const PlacedTarget& first, const PlacedTarget& second) {
+        if (first.groups != second.groups && !isIgnored(tag::group)) {
             const std::string field = "field " + std::to_string(field_);
-            add(place, tag::group, field + groups, field + otherGroups);
+            add(place, tag::group, field + first.groups, field + second.groups);
         }
-        compareElements(place, first, second);
+        compareElements(place, first.element, second.element);
     }
 
     static bool areOnFibre(const QDomElement& first, const QDomElement& second) {

@@ -42,12 +42,13 @@ std::optional<QString> nameKey(const QDomElement& target) {
 }
 
 // NOLINTNEXTLINE(misc-no-recursion): follows the nesting of groups
-void addTargetsBelow(const QDomElement& parent, std::vector<QDomElement>& targets) {
+void addTargetsBelow(const QDomElement& parent, const std::string& groups, std::vector<PlacedTarget>& targets) {
+    int group = 0;
     for (QDomElement child = parent.firstChildElement(); !child.isNull(); child = child.nextSiblingElement()) {
         if (child.tagName() == tag::target) {
-            targets.push_back(child);
+            targets.push_back({child, groups});
         } else if (child.tagName() == tag::group) {
-            addTargetsBelow(child, targets);
+            addTargetsBelow(child, groups + "/group " + std::to_string(++group), targets);
         }
     }
 }
@@ -56,22 +57,22 @@ void addTargetsBelow(const QDomElement& parent, std::vector<QDomElement>& target
 void match(Key key, TargetPairs& matched) {
     QHash<QString, QList<std::size_t>> places;
     for (std::size_t i = 0; i < matched.onlyInSecond.size(); ++i) {
-        if (const auto text = key(matched.onlyInSecond[i])) {
+        if (const auto text = key(matched.onlyInSecond[i].element)) {
             places[*text].append(i);
         }
     }
-    for (QDomElement& target : matched.onlyInFirst) {
-        const auto text = key(target);
+    for (PlacedTarget& target : matched.onlyInFirst) {
+        const auto text = key(target.element);
         if (text && !places.value(*text).isEmpty()) {
-            QDomElement& other = matched.onlyInSecond[places[*text].takeFirst()];
+            PlacedTarget& other = matched.onlyInSecond[places[*text].takeFirst()];
             matched.pairs.emplace_back(target, other);
-            target.clear();
-            other.clear();
+            target.element.clear();
+            other.element.clear();
         }
     }
     for (auto* left : {&matched.onlyInFirst, &matched.onlyInSecond}) {
-        left->erase(std::remove_if(left->begin(), left->end(), [](const QDomElement& e) { return e.isNull(); }),
-                    left->end());
+        const auto isMatched = [](const PlacedTarget& target) { return target.element.isNull(); };
+        left->erase(std::remove_if(left->begin(), left->end(), isMatched), left->end());
     }
 }
 
@@ -90,8 +91,8 @@ std::string nameOfTarget(const QDomElement& target) {
 
 TargetPairs matchTargets(const QDomElement& first, const QDomElement& second) {
     TargetPairs matched;
-    addTargetsBelow(first, matched.onlyInFirst);
-    addTargetsBelow(second, matched.onlyInSecond);
+    addTargetsBelow(first, "", matched.onlyInFirst);
+    addTargetsBelow(second, "", matched.onlyInSecond);
     for (const Key key : {fibreKey, configidKey, nameKey}) {
         match(key, matched);
     }

@@ -15,11 +15,17 @@ namespace pos {
 /** "fibre 304", else the target's name, else "configid 7", else "target". */
 std::string nameOfTarget(const QDomElement& target);
 
+/** A target of a field. */
+struct PlacedTarget {
+    QDomElement element;
+    std::string groups; ///< where it stands in its field: "", "/group 2", "/group 2/group 1", …
+};
+
 /** Targets that belong together, in the order of the first document. */
 struct TargetPairs {
-    std::vector<std::pair<QDomElement, QDomElement>> pairs;
-    std::vector<QDomElement> onlyInFirst;
-    std::vector<QDomElement> onlyInSecond;
+    std::vector<std::pair<PlacedTarget, PlacedTarget>> pairs;
+    std::vector<PlacedTarget> onlyInFirst;
+    std::vector<PlacedTarget> onlyInSecond;
 };
 
 /**
