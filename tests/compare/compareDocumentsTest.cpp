@@ -408,6 +408,22 @@ TEST(CompareDocuments, ATargetInAnotherGroupIsADifference) {
     EXPECT_EQ(nested.differences.back().first, "field 1/group 2/group 1");
 }
 
+TEST(CompareDocuments, AFieldInAFieldIsAFieldOfItsOwn) {
+    const auto around = [](const std::string& inner) {
+        return "<field>" + target(inner) + "</field>" + target(R"(targname="A" targprio="1")");
+    };
+    EXPECT_THAT(foundIn(compared(around(R"(targname="B")"), around(R"(targname="C")"))),
+                ElementsAre("field 1/B", "field 1/C"));
+    const std::string outer = around(R"(targname="B")");
+    const Comparison comparison = compared(outer, replaced(outer, "targprio=\"1\"", "targprio=\"2\""));
+    ASSERT_THAT(foundIn(comparison), ElementsAre("field 1/A/targprio"));
+    EXPECT_EQ(comparison.differences.at(0).field, 1);
+}
+
+TEST(CompareDocuments, ATextInTheDocumentElementHasAPlace) {
+    EXPECT_THAT(foundIn(compareDocuments(parseDocument("<a>x</a>"), parseDocument("<a>y</a>"), {})), ElementsAre("a"));
+}
+
 TEST(CompareDocuments, PlacesWithinTheToleranceAreNoDifference) {
     const std::string fibre = R"(<target fibreid="1" targra="10.000000" targdec="20.000000" targx="1" targy="2"/>)";
     const std::string star = R"(<target targname="A" targra="10.000000" targdec="20.000000" targx="1" targy="2"/>)";

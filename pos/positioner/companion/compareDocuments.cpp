@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <utility>
 
 namespace pos {
 
@@ -96,7 +97,8 @@ private:
     void compareElements(const std::string& place, const QDomElement& first, const QDomElement& second) {
         compareAttributes(place, first, second);
         if (contentOf(first) != contentOf(second)) {
-            add(place, first.tagName(), contentOf(first), contentOf(second));
+            add(place.empty() ? first.tagName().toStdString() : place, first.tagName(), contentOf(first),
+                contentOf(second));
         }
         for (const auto& [name, pairs] : childrenOf(first, second)) {
             // The targets of a field are matched by what they are, wherever they stand in it.
@@ -121,9 +123,9 @@ private:
         for (const auto& [first, second] : pairs) {
             ++number;
             if ((first.isNull() ? second : first).tagName() == tag::field) {
-                field_ = number;
+                const int outer = std::exchange(field_, number);
                 compareFields("field " + std::to_string(number), first, second);
-                field_ = 0;
+                field_ = outer;
                 continue;
             }
             const std::string numbered = pairs.size() > 1 ? place + ' ' + std::to_string(number) : place;
