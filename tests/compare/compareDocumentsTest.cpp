@@ -456,6 +456,11 @@ TEST(CompareDocuments, AFieldIsMovedBeyondTheNoiseOfTheFibresThatHaveAPlace) {
                 ElementsAre("field 1 has 1 fibre elsewhere, by 3.00 µm (fibre 1)"));
 }
 
+TEST(CompareDocuments, OneTargetIsNotToldAsSeveral) {
+    EXPECT_THAT(comparisonText(compared(target(R"(targprio="1")"), target(R"(targprio="2")"))),
+                testing::HasSubstr("\nField 1: 1 target in both, 0 of them on a fibre\n"));
+}
+
 TEST(CompareDocuments, WhatIsIgnoredIsNoDifference) {
     const std::string first =
         R"(<target fibreid="1" targra="1" targdec="2" targx="1" targy="2"><photometry mag="1"/></target>)";

@@ -29,7 +29,7 @@ rect{fill:var(--paper)}text{fill:var(--ink)}circle{fill:var(--soft)}line{stroke:
 )";
 
 std::string attribute(const std::string& name, double value) {
-    return ' ' + name + "=\"" + pictureText(value, 1) + '"';
+    return ' ' + name + "=\"" + pixels(value) + '"';
 }
 
 std::string line(Pixel from, Pixel to, const std::string& style) {
@@ -77,17 +77,17 @@ std::string arrowsOf(const std::vector<PointPair>& pairs, const PlateView& view,
     if (longest == 0) {
         return caption({20, kPanelSize - 20}, "No fibre has moved.");
     }
-    const double pixels = kLongest / longest;
+    const double scale = kLongest / longest;
     std::string arrows;
     for (const auto& [first, second] : pairs) {
         const Pixel from = view.at({first.x, first.y});
-        arrows += line(from, {from.x + (second.x - first.x) * pixels, from.y - (second.y - first.y) * pixels},
+        arrows += line(from, {from.x + (second.x - first.x) * scale, from.y - (second.y - first.y) * scale},
                        "marker-end=\"url(#head)\"");
     }
     const double shown = roundBelow(longest);
     const int decimals = std::max(0, static_cast<int>(-std::floor(std::log10(shown))));
     const Pixel begin{20, kPanelSize - 25};
-    return arrows + line(begin, {begin.x + shown * pixels, begin.y}, "class=\"bar\"") +
+    return arrows + line(begin, {begin.x + shown * scale, begin.y}, "class=\"bar\"") +
            caption({begin.x + kLongest + 10, begin.y + 5}, pictureText(shown, decimals) + ' ' + unit);
 }
 

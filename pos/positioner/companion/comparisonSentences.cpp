@@ -20,10 +20,6 @@ std::string bound(double value) {
     return pictureText(std::max(std::ceil(value / step - 1e-6) * step, kNoticed), 3);
 }
 
-std::string plural(std::ptrdiff_t number, const std::string& noun) {
-    return std::to_string(number) + ' ' + noun + (number == 1 ? "" : "s");
-}
-
 /** What moved the fibres of a field, on the plate or on the sky. */
 struct Movement {
     const Distances& distances;
@@ -120,7 +116,7 @@ std::vector<std::string> otherTargetsOf(const FieldComparison& field, const Comp
 std::string differingValues(const Comparison& comparison, int field) {
     constexpr std::size_t kNamed = 4;
     std::vector<std::string> names;
-    std::ptrdiff_t values = 0;
+    std::size_t values = 0;
     for (const Difference& difference : comparison.differences) {
         if (difference.field == field) {
             ++values;
@@ -143,8 +139,7 @@ std::vector<std::string> sentencesOf(const Comparison& comparison, const FieldCo
     for (const auto& [alone, which] :
          {std::pair(field.onlyInFirst.size(), "first"), {field.onlyInSecond.size(), "second"}}) {
         if (alone > 0) {
-            sentences.push_back(name + " has " + plural(static_cast<std::ptrdiff_t>(alone), "target") + " in the " +
-                                which + " document only");
+            sentences.push_back(name + " has " + plural(alone, "target") + " in the " + which + " document only");
         }
     }
     const std::string values = differingValues(comparison, field.number);

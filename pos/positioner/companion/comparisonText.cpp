@@ -86,8 +86,8 @@ std::string fieldText(const FieldComparison& field) {
     const auto plate = plateDistances(field.fibres);
     const auto sky = skyDistances(field.fibres);
     const bool isMoved = (plate && plate->moved > 0) || (sky && sky->moved > 0);
-    std::string text = "\nField " + std::to_string(field.number) + ": " + std::to_string(field.matched) +
-                       " targets in both, " + std::to_string(field.fibres.size()) + " of them on a fibre";
+    std::string text = "\nField " + std::to_string(field.number) + ": " + plural(field.matched, "target") +
+                       " in both, " + std::to_string(field.fibres.size()) + " of them on a fibre";
     text += isMoved || field.fibres.empty() ? "\n" : "; no fibre has moved\n";
     text += isMoved ? motionTable(field) : "";
     return text + aloneText(field.onlyInFirst, "first") + aloneText(field.onlyInSecond, "second");

@@ -41,6 +41,11 @@ inline std::string digits(double value) {
     return fixedText(size < 0.0005 ? 0.0 : value, decimals).toStdString();
 }
 
+/** "1 fibre", "2 fibres". */
+template <typename Count> std::string plural(Count number, const std::string& noun) {
+    return std::to_string(number) + ' ' + noun + (number == 1 ? "" : "s");
+}
+
 /** "a, b and c". @param last what stands before the last word */
 inline std::string joined(const std::vector<std::string>& words, const std::string& last) {
     std::string text;
