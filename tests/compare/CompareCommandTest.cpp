@@ -313,8 +313,9 @@ TEST_F(CompareCommand, TellsTheScaleOfLongAndShortArrowsWithoutExponents) {
 }
 
 TEST_F(CompareCommand, WritesNoPictureOverADocumentNorWhereItCannot) {
-    for (const auto& [file, message] : {std::pair("./a.xml", "The picture ./a.xml would replace a document\n"),
-                                        {"none/a.svg", "File open error: Unable to open output file\n"}}) {
+    for (const auto& [file, message] :
+         {std::pair("./a.xml", "The output file ./a.xml is the field definition in use\n"),
+          {"none/a.svg", "File open error: Unable to open output file\n"}}) {
         const ProgramResult result = comparedWith(configuredText(), {"--picture", file});
         EXPECT_EQ(result.status, 2);
         EXPECT_EQ(result.out, "");

@@ -11,7 +11,6 @@
 #include "soundDocument.h"
 
 #include <CLI/CLI.hpp>
-#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
@@ -53,12 +52,8 @@ CompareOptions optionsOf(const CompareArguments& arguments) {
 }
 
 void writePicture(const CompareArguments& arguments, const Comparison& comparison) {
-    for (const std::string& document : {arguments.first, arguments.second}) {
-        std::error_code notThere;
-        if (std::filesystem::equivalent(arguments.picture, document, notThere)) {
-            throw std::runtime_error("The picture " + arguments.picture + " would replace a document");
-        }
-    }
+    refuseIfRead(arguments.picture,
+                 {{"field definition", arguments.first, ""}, {"field definition", arguments.second, ""}});
     writeFile(arguments.picture, QByteArray::fromStdString(comparisonPicture(comparison)));
 }
 
