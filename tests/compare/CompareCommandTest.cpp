@@ -340,5 +340,12 @@ TEST_F(CompareCommand, NamesADocumentThatCannotBeRead) {
 TEST_F(CompareCommand, ReadsTheStandardInput) {
     ProgramOptions options;
     options.shellRedirection = "< a.xml";
-    EXPECT_EQ(compare({"a.xml", "-"}, options).out, "the same\n");
+    const ProgramResult result = compare({"a.xml", "-"}, options);
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, "the same\n");
+    EXPECT_EQ(result.err, "");
+    const ProgramResult twice = compare({"-", "-"}, options);
+    EXPECT_EQ(twice.status, 2);
+    EXPECT_EQ(twice.out, "");
+    EXPECT_EQ(twice.err, "Only one of the documents can be the standard input\n");
 }

@@ -58,6 +58,9 @@ void writePicture(const CompareArguments& arguments, const Comparison& compariso
 }
 
 int compare(const CompareArguments& arguments) {
+    if (arguments.first == "-" && arguments.second == "-") {
+        throw std::runtime_error("Only one of the documents can be the standard input");
+    }
     const QDomDocument first = documentOf(arguments.first);
     const Comparison comparison = compareDocuments(first, documentOf(arguments.second), optionsOf(arguments));
     if (!arguments.picture.empty()) {
