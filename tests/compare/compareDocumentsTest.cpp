@@ -15,8 +15,10 @@
 #include <gtest/gtest.h>
 
 using namespace pos;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::MatchesRegex;
 
 namespace {
 
@@ -341,6 +343,11 @@ TEST(CompareDocuments, ASingleChangeIsNamedAtItsTarget) {
         const std::vector<std::string> found = foundIn(comparison);
         ASSERT_FALSE(found.empty());
         const std::string field = change.field == 0 ? "" : "field " + std::to_string(change.field) + '/';
+        if (change.element == "target") {
+            ASSERT_THAT(found, Contains(field + change.before));
+        } else if (!change.element.empty()) {
+            ASSERT_THAT(found, Contains(MatchesRegex(field + "(.*/)?" + change.element + "( [0-9]+)?")));
+        }
         const auto isAt = [&](const std::string& place, const std::string& target) {
             const bool isInIt = place.starts_with(target.empty() ? field : field + target + '/');
             return (isInIt && place.ends_with(change.attribute)) || (!target.empty() && place == field + target);

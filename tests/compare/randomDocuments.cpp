@@ -186,7 +186,8 @@ RandomDocuments::Change RandomDocuments::change(const QDomDocument& document) {
     const int attributes = element.attributes().count();
     const int kind = below(10);
     if (kind == 0 && ancestor(element, "field").tagName() == "field" && element.tagName() != "field") {
-        change.what = "removed <" + element.tagName().toStdString() + ">";
+        change.element = element.tagName().toStdString();
+        change.what = "removed <" + change.element + ">";
         element.parentNode().removeChild(element);
     } else if (kind == 1 || attributes == 0) {
         change.attribute = "remark";

@@ -12,7 +12,10 @@ class RandomDocuments {
 public:
     explicit RandomDocuments(unsigned seed) : random_(seed) {}
 
-    /** One with one to three fields. No two targets of a field have the same fibre, configid or name. */
+    /**
+     * One with one to three fields. No two targets of a field have the same fibre, nor two of its user the same name,
+     * or the same configid but 0.
+     */
     QDomDocument make();
 
     /** The same with its attributes in another order, and with another indentation, quotes, comments and encoding. */
@@ -22,6 +25,7 @@ public:
     struct Change {
         std::string what;      ///< for messages
         std::string attribute; ///< its name; empty for an element
+        std::string element;   ///< the name of a removed one; empty for an attribute
         int field = 0;         ///< from 1; 0 outside of fields
         std::string before;    ///< the name of the target as a comparison tells it; empty outside of targets
         std::string after;     ///< the same in the changed document; empty where it is removed
