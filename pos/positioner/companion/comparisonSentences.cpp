@@ -45,11 +45,11 @@ std::string wordsOf(const Movement& movement) {
     std::vector<std::string> words;
     if (isNoticed(shift, shift)) {
         const double direction = radiansToDegrees(eraAnp(std::atan2(fit.shift.y, fit.shift.x)));
-        words.push_back("shifted by " + digits(told(shift)) + ' ' + movement.unit.name +
+        words.push_back("shifted by " + lengthText(shift, movement.unit) +
                         (movement.unit.isSky ? " towards position angle " + digits(direction) : ""));
     }
     if (isNoticed(fit.rotation * fit.extent, fit.rotation * fit.extentRms)) {
-        words.push_back("turned by " + digits(arcseconds(fit.rotation)) + " arcsec about its centre");
+        words.push_back("turned by " + lengthText(fit.rotation, kOnSky) + " about its centre");
     }
     if (isNoticed(fit.scale * fit.extent, fit.scale * fit.extentRms)) {
         words.push_back("scaled by " + digits(fit.scale * 1e6) + " ppm");
@@ -60,15 +60,15 @@ std::string wordsOf(const Movement& movement) {
 /** "what remains is below 0.01 µm", or how much it is. */
 std::string remainderOf(const Movement& movement) {
     const bool isNoticed = movement.unit.of(movement.fit->residualMax) >= kNoticed;
-    return "what remains is " +
-           (isNoticed ? digits(movement.unit.of(movement.fit->residualRms)) : "below " + bound(kNoticed)) + ' ' +
-           movement.unit.name + (isNoticed ? " (root mean square)" : "");
+    return "what remains is " + (isNoticed
+                                     ? lengthText(movement.fit->residualRms, movement.unit) + " (root mean square)"
+                                     : "below " + bound(kNoticed) + ' ' + movement.unit.name);
 }
 
 /** "by 3.20 µm (fibre 17)" for one target, and for several the greatest distance. */
 std::string greatestOf(const Distances& distances, const LengthUnit& unit) {
-    return std::string(distances.moved > 1 ? "by at most " : "by ") + digits(unit.of(distances.greatest)) + ' ' +
-           unit.name + " (" + distances.worst.name + ')';
+    return std::string(distances.moved > 1 ? "by at most " : "by ") + lengthText(distances.greatest, unit) + " (" +
+           distances.worst.name + ')';
 }
 
 /** "field 1 is turned by 12.4 arcsec about its centre; what remains is below 0.01 µm". */

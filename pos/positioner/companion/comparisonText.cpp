@@ -22,10 +22,6 @@ std::string row(const std::string& label, const std::string& plate, const std::s
     return lineOf(line.toStdString());
 }
 
-std::string lengthText(double length, const LengthUnit& unit) {
-    return digits(unit.of(length)) + ' ' + unit.name;
-}
-
 std::string greatestText(const std::optional<Distances>& distances, const LengthUnit& unit) {
     const bool isMoved = distances && distances->greatest > 0;
     return distances ? lengthText(distances->greatest, unit) + (isMoved ? " (" + distances->worst.name + ')' : "")
@@ -39,11 +35,12 @@ template <typename Text> std::string told(const std::optional<Similarity>& fit, 
 
 std::string shiftText(double first, const std::string& word, double second, const std::string& otherWord,
                       const LengthUnit& unit) {
-    return digits(unit.of(first)) + word + ", " + digits(unit.of(second)) + otherWord + ' ' + unit.name;
+    const LengthUnit& shown = readable(std::hypot(first, second), unit);
+    return digits(shown.of(first)) + word + ", " + digits(shown.of(second)) + otherWord + ' ' + shown.name;
 }
 
 std::string turnText(const Similarity& fit) {
-    return digits(arcseconds(fit.rotation)) + " arcsec";
+    return lengthText(fit.rotation, kOnSky);
 }
 
 std::string scaleText(const Similarity& fit) {

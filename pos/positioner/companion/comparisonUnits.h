@@ -34,11 +34,25 @@ struct LengthUnit {
 inline constexpr LengthUnit kOnPlate{"µm", 1000.0, false, "on the plate"};
 inline constexpr LengthUnit kOnSky{"arcsec", arcseconds(1.0), true, "on the sky"};
 
+/** An angle of a degree and more, for people. */
+inline constexpr LengthUnit kInDegrees{"degrees", radiansToDegrees(1.0), true, "on the sky"};
+
+/** The unit in which people read a length: that of it, but degrees for a large angle. */
+inline const LengthUnit& readable(double value, const LengthUnit& unit) {
+    return unit.isSky && std::fabs(radiansToDegrees(value)) >= 1 ? kInDegrees : unit;
+}
+
 /** Three digits, but no more than three decimals; never "-0.000". */
 inline std::string digits(double value) {
     const double size = std::fabs(value);
     const int decimals = size >= 99.95 ? 0 : size >= 9.995 ? 1 : size >= 0.9995 ? 2 : 3;
     return fixedText(size < 0.0005 ? 0.0 : value, decimals).toStdString();
+}
+
+/** A length, or an angle, in the unit in which people read it: "3.20 µm", "12.4 arcsec", "179 degrees". */
+inline std::string lengthText(double value, const LengthUnit& unit) {
+    const LengthUnit& shown = readable(value, unit);
+    return digits(shown.of(value)) + ' ' + shown.name;
 }
 
 /** "1 fibre", "2 fibres". */
