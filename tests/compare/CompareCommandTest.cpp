@@ -116,6 +116,11 @@ TEST_F(CompareCommand, SaysWhatMovedAField) {
         return std::pair(x - angle * (y + 20), y + angle * x);
     };
     const auto scaled = [](double x, double y) { return std::pair(x * 1.00005, -20 + (y + 20) * 1.00005); };
+    const auto shiftedALittle = [](double x, double y) { return std::pair(x + 0.000008, y); };
+    const auto turnedALittle = [](double x, double y) {
+        const double angle = 0.13 / 3600 / 180 * 3.141592653589793;
+        return std::pair(x - angle * (y + 20), y + angle * x);
+    };
     const auto apart = [](double x, double y) { return std::pair(x + 0.001 * std::cos(1e5 * x), y); };
     for (const auto& [motion, sentence] :
          {std::pair<Motion, std::string>(shifted, "field 1 is shifted by 5.00 µm; what remains is below 0.01 µm\n"),
@@ -125,6 +130,9 @@ TEST_F(CompareCommand, SaysWhatMovedAField) {
           {scaled, "field 1 is scaled by 50.0 ppm; what remains is below 0.01 µm\n"},
           {[&](double x, double y) { return std::apply(shifted, turned(x, y)); },
            "field 1 is shifted by 5.00 µm and turned by 12.4 arcsec about its centre; what remains is below 0.01 "
+           "µm\n"},
+          {[&](double x, double y) { return std::apply(shiftedALittle, turnedALittle(x, y)); },
+           "field 1 is shifted by 0.008 µm and turned by 0.130 arcsec about its centre; what remains is below 0.01 "
            "µm\n"}}) {
         EXPECT_EQ(sentences(movedOnPlate(motion), 1), sentence);
     }
@@ -140,6 +148,28 @@ TEST_F(CompareCommand, SaysWhatMovedAFieldOnTheSky) {
     EXPECT_THAT(sentences(moved("targra", "targdec", east), 1),
                 StartsWith("on the sky field 1 is shifted by 1.00 arcsec towards position angle 90.0; what remains is "
                            "below 0.01 arcsec\n"));
+    const auto north = [](double ra, double dec) { return std::pair(ra, dec + 1 / 3600.0); };
+    EXPECT_THAT(sentences(moved("targra", "targdec", north), 1),
+                StartsWith("on the sky field 1 is shifted by 1.00 arcsec towards position angle 0.000; "));
+}
+
+TEST_F(CompareCommand, SaysWhereFibresHaveNoPlace) {
+    const auto without = [&](const std::vector<QString>& names) {
+        return comparedWith(edited([&](const QDomDocument& document) {
+                   for (QDomElement target : elements(elements(document, "field").at(0), "target")) {
+                       for (const QString& name : names) {
+                           target.removeAttribute(name);
+                       }
+                   }
+               }))
+            .out;
+    };
+    const std::string both = "\nField 1: 604 targets in both, 603 of them on a fibre; ";
+    EXPECT_THAT(without({"targra"}),
+                HasSubstr(both + "no fibre has moved on the plate; none has a place on the sky in both documents\n"));
+    EXPECT_THAT(without({"targx"}),
+                HasSubstr(both + "no fibre has moved on the sky; none has a place on the plate in both documents\n"));
+    EXPECT_THAT(without({"targra", "targx"}), HasSubstr(both + "none has a place in both documents\n"));
 }
 
 TEST_F(CompareCommand, SaysThatFibresAllOverTheSkyMovedInNoCommonWay) {

@@ -80,9 +80,11 @@ std::string arrowsOf(const std::vector<PointPair>& pairs, const PlateView& view,
     const double scale = kLongest / longest;
     std::string arrows;
     for (const auto& [first, second] : pairs) {
-        const Pixel from = view.at({first.x, first.y});
-        arrows += line(from, {from.x + (second.x - first.x) * scale, from.y - (second.y - first.y) * scale},
-                       "marker-end=\"url(#head)\"");
+        if (lengthOf({first, second}) > 0) {
+            const Pixel from = view.at({first.x, first.y});
+            arrows += line(from, {from.x + (second.x - first.x) * scale, from.y - (second.y - first.y) * scale},
+                           "marker-end=\"url(#head)\"");
+        }
     }
     const double shown = roundBelow(longest);
     const int decimals = std::max(0, static_cast<int>(-std::floor(std::log10(shown))));

@@ -27,11 +27,19 @@ struct Movement {
     const LengthUnit& unit;
 };
 
+/** The position angle of a shift on the sky, in degrees. */
+std::string directionOf(Point shift) {
+    const std::string degrees = digits(radiansToDegrees(eraAnp(std::atan2(shift.y, shift.x))));
+    return degrees == "360" ? digits(0.0) : degrees;
+}
+
 /**
  * "shifted by 3.20 µm, turned by 12.4 arcsec about its centre and …"; empty where nothing is noticed. Five times what
  * noise does to the mean of so many fibres is no motion in common; nor is what a few of them do.
+ *
+ * @param least by how much a motion must move a fibre, µm or arcsec
  */
-std::string wordsOf(const Movement& movement) {
+std::string wordsOf(const Movement& movement, double least) {
     if (!movement.fit) {
         return "";
     }
@@ -39,14 +47,13 @@ std::string wordsOf(const Movement& movement) {
     const auto told = [&](double size) { return movement.unit.of(size); };
     const double noise = 5 * fit.residualRms / std::sqrt(fit.count);
     const auto isNoticed = [&](double greatest, double rms) {
-        return std::fabs(told(greatest)) >= kNoticed && std::fabs(rms) >= noise;
+        return std::fabs(told(greatest)) >= least && std::fabs(rms) >= noise;
     };
     const double shift = std::hypot(fit.shift.x, fit.shift.y);
     std::vector<std::string> words;
     if (isNoticed(shift, shift)) {
-        const double direction = radiansToDegrees(eraAnp(std::atan2(fit.shift.y, fit.shift.x)));
         words.push_back("shifted by " + lengthText(shift, movement.unit) +
-                        (movement.unit.isSky ? " towards position angle " + digits(direction) : ""));
+                        (movement.unit.isSky ? " towards position angle " + directionOf(fit.shift) : ""));
     }
     if (isNoticed(fit.rotation * fit.extent, fit.rotation * fit.extentRms)) {
         words.push_back("turned by " + lengthText(fit.rotation, kOnSky) + " about its centre");
@@ -73,7 +80,10 @@ std::string greatestOf(const Distances& distances, const LengthUnit& unit) {
 
 /** "field 1 is turned by 12.4 arcsec about its centre; what remains is below 0.01 µm". */
 std::string sentenceOf(const std::string& field, const Movement& movement) {
-    const std::string words = wordsOf(movement);
+    std::string words = wordsOf(movement, kNoticed);
+    if (words.empty()) { // several may be noticed together
+        words = wordsOf(movement, kNoticed / 10);
+    }
     return words.empty() ? field + " has " + plural(movement.distances.moved, "fibre") + " elsewhere" +
                                (movement.distances.moved > 1 ? ", moved in no common way, " : ", ") +
                                greatestOf(movement.distances, movement.unit)

@@ -79,13 +79,24 @@ std::string aloneText(std::vector<std::string> names, const std::string& which) 
     return lineOf("  only in the " + which + ": " + joined(names, ", "));
 }
 
+/** What is said of fibres none of which has moved. */
+std::string stillText(const std::optional<Distances>& plate, const std::optional<Distances>& sky) {
+    if (!plate && !sky) {
+        return "none has a place in both documents";
+    }
+    return std::string("no fibre has moved") + (plate && sky ? ""
+                                                : plate
+                                                    ? " on the plate; none has a place on the sky in both documents"
+                                                    : " on the sky; none has a place on the plate in both documents");
+}
+
 std::string fieldText(const FieldComparison& field) {
     const auto plate = plateDistances(field.fibres);
     const auto sky = skyDistances(field.fibres);
     const bool isMoved = (plate && plate->moved > 0) || (sky && sky->moved > 0);
     std::string text = "\nField " + std::to_string(field.number) + ": " + plural(field.matched, "target") +
                        " in both, " + std::to_string(field.fibres.size()) + " of them on a fibre";
-    text += isMoved || field.fibres.empty() ? "\n" : "; no fibre has moved\n";
+    text += isMoved || field.fibres.empty() ? "\n" : "; " + stillText(plate, sky) + '\n';
     text += isMoved ? motionTable(field) : "";
     return text + aloneText(field.onlyInFirst, "first") + aloneText(field.onlyInSecond, "second");
 }
