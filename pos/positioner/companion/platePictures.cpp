@@ -154,6 +154,7 @@ Json marked(const PlateView& view, PlateCoordinates place, bool isLabelLeft) {
 /** The radius of the fibres, radians; of a single one, an arcsecond. */
 double radiusOf(const std::vector<ReportedFibre>& fibres) {
     std::vector<FibrePlace> places;
+    places.reserve(fibres.size());
     for (const ReportedFibre& fibre : fibres) {
         places.push_back({fibre.plate, {degreesToRadians(fibre.raDeg), degreesToRadians(fibre.decDeg)}});
     }
