@@ -340,12 +340,7 @@ TEST_F(ExportTest, NamesInRegionsAreWrittenAsFarAsRegionsCanSayThem) {
 }
 
 TEST_F(ExportTest, KindsTellWhyAFibreSeesNothing) {
-    InstrumentOnDisk instrument;
-    instrument.replace(R"(fibre_name="C01" type="Spectrograph" status="enabled")",
-                       R"(fibre_name="C01" type="Spectrograph" status="absent")");
-    instrument.replace(R"(fibre_name="1B" type="Spectrograph" status="enabled")",
-                       R"(fibre_name="1B" type="Spectrograph" status="disabled")");
-    instrument.write(folder_);
+    instrumentWithUnusableFibres().write(folder_);
     const std::string text = exported(kFaultless, "ds9", {"-c", "configure.xml"});
     const auto fibres = regionsIn(text, "circle");
     EXPECT_EQ(fibres.count("C01"), 0U);

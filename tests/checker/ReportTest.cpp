@@ -122,12 +122,7 @@ TEST_F(ReportTest, AConfiguredDocumentThatCannotBeConfiguredAgainIsSeenAsItIs) {
 }
 
 TEST_F(ReportTest, TellsWhyAFibreSeesNothing) {
-    InstrumentOnDisk instrument;
-    instrument.replace(R"(fibre_name="C01" type="Spectrograph" status="enabled")",
-                       R"(fibre_name="C01" type="Spectrograph" status="absent")");
-    instrument.replace(R"(fibre_name="1B" type="Spectrograph" status="enabled")",
-                       R"(fibre_name="1B" type="Spectrograph" status="disabled")");
-    instrument.write(folder_);
+    instrumentWithUnusableFibres().write(folder_);
     const std::map<int, std::string> kinds = kindsIn(page(kFaultless, {"-c", "configure.xml"}));
     EXPECT_EQ(kinds.at(1), "absent");
     EXPECT_EQ(kinds.at(2), "disabled");

@@ -47,6 +47,16 @@ struct InstrumentOnDisk {
     }
 };
 
+/** With an absent fibre, 1 ("C01"), and a disabled one, 2 ("1B"), beside the broken ones. */
+inline InstrumentOnDisk instrumentWithUnusableFibres() {
+    InstrumentOnDisk instrument;
+    instrument.replace(R"(fibre_name="C01" type="Spectrograph" status="enabled")",
+                       R"(fibre_name="C01" type="Spectrograph" status="absent")");
+    instrument.replace(R"(fibre_name="1B" type="Spectrograph" status="enabled")",
+                       R"(fibre_name="1B" type="Spectrograph" status="disabled")");
+    return instrument;
+}
+
 /** Checks an instrument as a new process does. */
 inline pos::CheckedInstrument checkedAnew(const InstrumentOnDisk& instrument, const TemporaryFolder& folder,
                                           double fieldRadius = 0.0) {
