@@ -1,7 +1,6 @@
 #include "Program.h"
 #include "TemporaryFolder.h"
 #include "checked.h"
-#include "configuredDocument.h"
 #include "fibreRadius.h"
 #include "fieldDefinition.h"
 #include "instrumentOnDisk.h"

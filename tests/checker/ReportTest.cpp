@@ -1,8 +1,8 @@
 #include "Program.h"
 #include "TemporaryFolder.h"
 #include "checked.h"
-#include "configuredDocument.h"
 #include "instrumentOnDisk.h"
+#include "xml.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,5 @@
 #include "Program.h"
 #include "TemporaryFolder.h"
-#include "configuredDocument.h"
 #include "fieldDefinition.h"
 #include "xml.h"
 

@@ -1,5 +1,5 @@
+#include "Program.h"
 #include "angles.h"
-#include "configuredDocument.h"
 #include "fieldDefinition.h"
 #include "tolerances.h"
 #include "xml.h"

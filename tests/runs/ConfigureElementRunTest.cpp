@@ -1,5 +1,6 @@
-#include "configuredDocument.h"
+#include "Program.h"
 #include "fieldDefinition.h"
+#include "xml.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

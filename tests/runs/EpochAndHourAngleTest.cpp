@@ -1,8 +1,9 @@
 #include "Conditions.h"
 #include "Estimates.h"
-#include "configuredDocument.h"
+#include "Program.h"
 #include "fieldDefinition.h"
 #include "thrown.h"
+#include "xml.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "ownConfiguration.h"
+#include "Program.h"
 #include "angles.h"
-#include "configuredDocument.h"
 #include "fieldDefinition.h"
 #include "outputRun.h"
 #include "tolerances.h"

@@ -1,5 +1,5 @@
+#include "Program.h"
 #include "TemporaryFolder.h"
-#include "configuredDocument.h"
 #include "fieldDefinition.h"
 
 #include <gtest/gtest.h>

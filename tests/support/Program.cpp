@@ -2,6 +2,7 @@
 
 #include "TemporaryFolder.h"
 #include "schemaCheck.h"
+#include "xml.h"
 
 #include <csignal>
 #include <cstdlib>
@@ -107,4 +108,24 @@ ProgramResult runVekoConfigure(const std::vector<std::string>& arguments, const 
 
 std::string vekoConfigureExecutable() {
     return VEKO_CONFIGURE_EXECUTABLE;
+}
+
+std::string configuredBytes(const std::string& document, const std::vector<std::string>& arguments,
+                            const ProgramOptions& options) {
+    const TemporaryFolder folder;
+    std::vector<std::string> all = {"-i", folder.write("in.xml", document), "-o", folder.path("out.xml")};
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    expectSilentSuccess(runVekoConfigure(all, options));
+    return folder.read("out.xml");
+}
+
+QDomDocument configured(const std::string& document, const std::vector<std::string>& arguments,
+                        const ProgramOptions& options) {
+    return parseDocument(configuredBytes(document, arguments, options));
+}
+
+void expectSilentSuccess(const ProgramResult& result) {
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "");
 }

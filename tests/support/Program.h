@@ -1,6 +1,7 @@
 #ifndef POS_TESTS_PROGRAM_H
 #define POS_TESTS_PROGRAM_H
 
+#include <QDomDocument>
 #include <string>
 #include <vector>
 
@@ -31,5 +32,23 @@ ProgramResult runCommand(const std::vector<std::string>& command, const ProgramO
 
 /** The name of the veko_configure executable under test. */
 std::string vekoConfigureExecutable();
+
+/**
+ * Runs the program on a document in a folder of its own. Fails the test when the run does not end with status 0, says
+ * anything, or leaves no output file.
+ *
+ * @param document the bytes of the input
+ * @param arguments further arguments
+ * @return the bytes of the output
+ */
+std::string configuredBytes(const std::string& document, const std::vector<std::string>& arguments = {},
+                            const ProgramOptions& options = {});
+
+/** The same, parsed. */
+QDomDocument configured(const std::string& document, const std::vector<std::string>& arguments = {},
+                        const ProgramOptions& options = {});
+
+/** Fails the test unless a run ended with status 0 and said nothing. */
+void expectSilentSuccess(const ProgramResult& result);
 
 #endif

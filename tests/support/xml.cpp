@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 #include <list>
-#include <map>
 #include <sstream>
 
 namespace {
@@ -10,13 +9,8 @@ namespace {
 void describe(const QDomNode& node, int depth, std::ostream& text) {
     text << std::string(static_cast<std::size_t>(depth), ' ');
     if (node.isElement()) {
-        std::map<std::string, std::string> attributes;
-        const QDomNamedNodeMap map = node.attributes();
-        for (int i = 0; i < map.count(); ++i) {
-            attributes[map.item(i).nodeName().toStdString()] = map.item(i).nodeValue().toStdString();
-        }
         text << '<' << node.nodeName().toStdString();
-        for (const auto& [name, value] : attributes) {
+        for (const auto& [name, value] : attributes(node.toElement())) {
             text << ' ' << name << "='" << value << "'";
         }
         text << ">\n";
@@ -26,6 +20,15 @@ void describe(const QDomNode& node, int depth, std::ostream& text) {
     }
     for (QDomNode child = node.firstChild(); !child.isNull(); child = child.nextSibling()) {
         describe(child, depth + 1, text);
+    }
+}
+
+void collect(const QDomNode& node, const QString& name, std::vector<QDomElement>& found) {
+    if (node.nodeName() == name) {
+        found.push_back(node.toElement());
+    }
+    for (QDomElement child = node.firstChildElement(); !child.isNull(); child = child.nextSiblingElement()) {
+        collect(child, name, found);
     }
 }
 
@@ -65,4 +68,41 @@ std::string setterText(double value) {
 
 std::string fixedPointText(double value, int decimals) {
     return QString::number(value, 'f', decimals).toStdString();
+}
+
+std::vector<QDomElement> elements(const QDomNode& node, const std::string& name) {
+    std::vector<QDomElement> found;
+    collect(node, QString::fromStdString(name), found);
+    return found;
+}
+
+QDomElement onlyElement(const QDomNode& node, const std::string& name) {
+    const std::vector<QDomElement> found = elements(node, name);
+    EXPECT_EQ(found.size(), 1U) << name;
+    return found.size() == 1 ? found.front() : QDomElement();
+}
+
+std::vector<QDomElement> children(const QDomElement& parent, const std::string& name) {
+    std::vector<QDomElement> found;
+    const QString tag = QString::fromStdString(name);
+    for (QDomElement child = parent.firstChildElement(tag); !child.isNull(); child = child.nextSiblingElement(tag)) {
+        found.push_back(child);
+    }
+    return found;
+}
+
+double number(const QDomElement& element, const std::string& attribute) {
+    bool ok = false;
+    const double value = element.attribute(QString::fromStdString(attribute)).toDouble(&ok);
+    EXPECT_TRUE(ok) << attribute << " is '" << attributeText(element, attribute) << "'";
+    return value;
+}
+
+std::map<std::string, std::string> attributes(const QDomElement& element) {
+    std::map<std::string, std::string> all;
+    const QDomNamedNodeMap map = element.attributes();
+    for (int i = 0; i < map.count(); ++i) {
+        all[map.item(i).nodeName().toStdString()] = map.item(i).nodeValue().toStdString();
+    }
+    return all;
 }

@@ -5,8 +5,10 @@
 
 #include <QDomDocument>
 #include <gtest/gtest.h>
+#include <map>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 /** A document from its text. Fails the test when the text is not well-formed. */
 QDomDocument parseDocument(const std::string& text);
@@ -22,6 +24,21 @@ std::string treeText(const QDomNode& node);
 
 /** An attribute of an element, UTF-8; "(absent)" where the element does not have it. */
 std::string attributeText(const QDomElement& element, const std::string& name);
+
+/** All elements of a name at or below a node, in document order. */
+std::vector<QDomElement> elements(const QDomNode& node, const std::string& name);
+
+/** The only element of a name at or below a node. Fails the test, and gives a null element, when there is another. */
+QDomElement onlyElement(const QDomNode& node, const std::string& name);
+
+/** The child elements of a name. */
+std::vector<QDomElement> children(const QDomElement& parent, const std::string& name);
+
+/** An attribute as a number. Fails the test when it is none. */
+double number(const QDomElement& element, const std::string& attribute);
+
+/** All attributes of an element. */
+std::map<std::string, std::string> attributes(const QDomElement& element);
 
 /** The text that the XML library's own setter gives a double. */
 std::string setterText(double value);

@@ -3,7 +3,6 @@
 #include "PosConfig.h"
 #include "ProcessWideState.h"
 #include "configureDocument.h"
-#include "configuredDocument.h"
 #include "fieldDefinition.h"
 #include "ownConfiguration.h"
 #include "pointing.h"

@@ -2,7 +2,7 @@
 
 #include "PosConfig.h"
 #include "ProcessWideState.h"
-#include "configuredDocument.h"
+#include "Program.h"
 #include "fieldDefinition.h"
 #include "thrown.h"
 #include "xml.h"

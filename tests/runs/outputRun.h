@@ -1,5 +1,5 @@
-#ifndef POS_TESTS_OUTPUTRUN_H
-#define POS_TESTS_OUTPUTRUN_H
+#ifndef POS_TESTS_RUNS_OUTPUTRUN_H
+#define POS_TESTS_RUNS_OUTPUTRUN_H
 
 #include "Program.h"
 #include "TemporaryFolder.h"

@@ -1,5 +1,5 @@
-#ifndef POS_TESTS_VEKOFIELD_H
-#define POS_TESTS_VEKOFIELD_H
+#ifndef POS_TESTS_UNIT_VEKOFIELD_H
+#define POS_TESTS_UNIT_VEKOFIELD_H
 
 #include "Field.h"
 #include "PosConfig.h"
