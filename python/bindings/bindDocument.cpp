@@ -202,7 +202,7 @@ std::string check(const std::string& xml, const std::string& name, const std::st
 Estimates estimatesOf(std::optional<double> epoch, std::optional<double> hourAngle, std::optional<double> pressure,
                       double horizonLimitDeg) {
     return {epoch.value_or(kNotGiven), hourAngle.value_or(kHourAngleNotGiven), pressure.value_or(kNotGiven),
-            degreesToRadians(90 - horizonLimitDeg)};
+            zenithDistanceOf(horizonLimitDeg)};
 }
 
 } // namespace

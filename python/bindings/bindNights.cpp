@@ -3,6 +3,7 @@
 #include "bindings.h"
 
 #include "ConditionsXML.h"
+#include "Estimates.h"
 #include "Instrument.h"
 #include "OutputFile.h"
 #include "Report.h"
@@ -43,7 +44,7 @@ std::optional<double> radiansOf(std::optional<double> degrees) {
 /** What a window needs. @param minimum minutes; angles are degrees */
 WindowOptions windowOptions(double horizonLimit, std::optional<double> sunAltitude, std::optional<double> airmass,
                             std::optional<double> moon, double minimum) {
-    return {degreesToRadians(90 - horizonLimit),
+    return {zenithDistanceOf(horizonLimit),
             radiansOf(sunAltitude),
             airmass,
             radiansOf(moon),
@@ -59,7 +60,7 @@ Plan planOf(const std::array<double, 3>& place, double temperature, double press
 
 /** The plan of a document. @param pressure millibar; kNotGiven for the document's */
 Plan planOfDocument(const std::string& xml, const std::string& name, double pressure) {
-    return readPlan(loadXmlBytes(QByteArray::fromStdString(xml), name), {kNotGiven, kHourAngleNotGiven, pressure, 0.0});
+    return readPlan(loadXmlBytes(QByteArray::fromStdString(xml), name), {.pressure = pressure});
 }
 
 /** Finds windows, a night at a time, so that signals have their turn. */

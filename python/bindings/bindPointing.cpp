@@ -2,6 +2,7 @@
 #include "PointedPlate.h"
 #include "bindings.h"
 
+#include "Estimates.h"
 #include "PointingInForce.h"
 #include "SunAndMoon.h"
 #include "angles.h"
@@ -166,7 +167,7 @@ std::array<double, 4> conditionsOf(const FocalPlane& pointing) {
 }
 
 LimitsCalc limitsOf(const PointedPlate& plate, double horizonLimit) {
-    return plate.limits(degreesToRadians(90 - horizonLimit));
+    return plate.limits(zenithDistanceOf(horizonLimit));
 }
 
 Two hourAngleLimits(const PointedPlate& plate, double horizonLimit) {

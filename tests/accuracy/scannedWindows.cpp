@@ -10,7 +10,6 @@ using namespace pos;
 
 namespace {
 
-constexpr double kSecond = 1.0 / 86400; // days
 constexpr double kFinestStep = 0.4 * kSecond;
 constexpr double kLongestStep = 1800 * kSecond;
 constexpr double kBisected = 1e-5 * kSecond;

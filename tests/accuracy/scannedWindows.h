@@ -5,6 +5,9 @@
 
 #include <vector>
 
+/** One second of a date, days. */
+inline constexpr double kSecond = 1.0 / 86400;
+
 /** An interval of time, MJD, TAI. */
 struct Interval {
     double begin;

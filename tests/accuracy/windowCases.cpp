@@ -3,14 +3,13 @@
 #include "DateContexts.h"
 #include "LimitsCalc.h"
 #include "angles.h"
+#include "scannedWindows.h"
 
 #include <cmath>
 
 using namespace pos;
 
 namespace {
-
-constexpr double kSecond = 1.0 / 86400; // days
 
 /** One of a few values. */
 double oneOf(Numbers& numbers, const std::vector<double>& values) {

@@ -104,7 +104,7 @@ std::optional<std::string> failureOfRun(const std::string& document, Instrument&
         const QByteArray bytes = QByteArray::fromStdString(document);
         const QDomDocument tree = parseXml(decodeXml(bytes, "field.xml"), "field.xml").document;
         requireDataModelVersion(tree);
-        placeDocument(instrument, tree, noOptions().estimates);
+        placeDocument(instrument, tree, {});
     } catch (const std::exception& error) {
         return error.what();
     }
@@ -161,7 +161,7 @@ std::optional<std::string> failureWith(const std::string& configuration) {
         Instrument instrument(config);
         const QDomDocument tree = parseXml(QByteArray::fromStdString(kFaultless), "field.xml").document;
         requireDataModelVersion(tree);
-        placeDocument(instrument, tree, noOptions().estimates);
+        placeDocument(instrument, tree, {});
     } catch (const std::exception& error) {
         return error.what();
     }
@@ -171,7 +171,7 @@ std::optional<std::string> failureWith(const std::string& configuration) {
 /** The errors that a call has on an instrument and the faultless document. */
 std::vector<std::string> errorsWith(const InstrumentOnDisk& instrument, const TemporaryFolder& folder) {
     CheckedInstrument checked = checkedAnew(instrument, folder);
-    CheckOptions options = noOptions();
+    CheckOptions options;
     options.isInstrumentSound = checked.isSound;
     checked.files.push_back(
         {"field.xml", checkDocument(QByteArray::fromStdString(kFaultless), "field.xml", *checked.instrument, options)});

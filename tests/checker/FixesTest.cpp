@@ -20,8 +20,8 @@ QString documentWith(const QString& version) {
 }
 
 std::optional<QByteArray> mended(const QByteArray& bytes) {
-    const CheckResult result = checkDocument(bytes, "field.xml", builtInInstrument(), noOptions());
-    const auto mended = mendedDocument(bytes, result, "field.xml", builtInInstrument(), noOptions());
+    const CheckResult result = checkDocument(bytes, "field.xml", builtInInstrument(), {});
+    const auto mended = mendedDocument(bytes, result, "field.xml", builtInInstrument(), {});
     return mended ? std::optional(mended->bytes) : std::nullopt;
 }
 

@@ -111,7 +111,7 @@ TEST(CheckDocument, TellsTheSameWhicheverDocumentIsTheFirst) {
     const PosConfig config(":/configure.xml", PosConfig::XML);
     Instrument instrument(config);
     const auto codes = [&] {
-        return codesOf(checkDocument(QByteArray::fromStdString(document), "field.xml", instrument, noOptions()));
+        return codesOf(checkDocument(QByteArray::fromStdString(document), "field.xml", instrument, {}));
     };
     const std::vector<std::string> first = codes();
     EXPECT_THAT(first, Contains("VK110 9:18"));

@@ -9,12 +9,6 @@
 #include <string>
 #include <vector>
 
-/** What a check takes for granted without any option. */
-inline pos::CheckOptions noOptions() {
-    constexpr double kDegree = 3.141592653589793 / 180;
-    return {{pos::kNotGiven, pos::kHourAngleNotGiven, pos::kNotGiven, 65 * kDegree}, kDegree};
-}
-
 /** The built-in instrument. */
 inline pos::Instrument& builtInInstrument() {
     static const pos::PosConfig config(":/configure.xml", pos::PosConfig::XML);
@@ -24,7 +18,7 @@ inline pos::Instrument& builtInInstrument() {
 }
 
 /** What is found in a document by the built-in instrument. */
-inline pos::CheckResult checked(const std::string& document, const pos::CheckOptions& options = noOptions()) {
+inline pos::CheckResult checked(const std::string& document, const pos::CheckOptions& options = {}) {
     return pos::checkDocument(QByteArray::fromStdString(document), "field.xml", builtInInstrument(), options);
 }
 

@@ -33,7 +33,7 @@ std::string targetWith(const std::string& attributes, const std::string& use = "
 }
 
 /** The problems whose codes begin with VK2: "code severity line:column", and behind an arrow the fix. */
-std::vector<std::string> namesTold(const std::string& document, const CheckOptions& options = noOptions()) {
+std::vector<std::string> namesTold(const std::string& document, const CheckOptions& options = {}) {
     const CheckResult result = checked(document, options);
     std::vector<std::string> found;
     for (const Problem& problem : result.problems) {
@@ -47,7 +47,7 @@ std::vector<std::string> namesTold(const std::string& document, const CheckOptio
     return found;
 }
 
-std::vector<std::string> namesTold(const Parts& parts, const CheckOptions& options = noOptions()) {
+std::vector<std::string> namesTold(const Parts& parts, const CheckOptions& options = {}) {
     return namesTold(parts.text(), options);
 }
 
@@ -178,7 +178,7 @@ TEST(RulesOfNames, TellDefaultsAmongConditions) {
     parts.configure = R"(<conditions epoch="2027.25" pressure="770" temperature="%%%"/>)";
     EXPECT_THAT(namesTold(parts), ElementsAre("VK216 note 3:12", "VK216 note 3:12", "VK216 note 3:68"));
     parts.configure = R"(<conditions epoch="2027.25" temperature="280" humidity="0.1"/>)";
-    CheckOptions options = noOptions();
+    CheckOptions options;
     options.estimates.hourAngle = 1.0;
     options.estimates.pressure = 770.0;
     EXPECT_THAT(namesTold(parts, options), ElementsAre("VK201 warning 3:58 -> relative_humidity"));

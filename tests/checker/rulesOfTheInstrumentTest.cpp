@@ -367,7 +367,7 @@ TEST_F(RulesOfTheInstrument, AnInstrumentThatNoRunCanUseHidesNothingThatDoesNotD
     instrument.map = "";
     const CheckedInstrument checked = checkedAnew(instrument, folder_);
     EXPECT_FALSE(checked.isSound);
-    CheckOptions options = noOptions();
+    CheckOptions options;
     options.isInstrumentSound = checked.isSound;
     const std::string document = replaced(replaced(kFaultless, "pa=\"0\"", "PA=\"0\""), "8.00", "8.0");
     EXPECT_EQ(problemsOf(checkDocument(QByteArray::fromStdString(document), "f.xml", *checked.instrument, options)),

@@ -43,8 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const QByteArray document = QByteArray::fromStdString(isText ? bytes.ConsumeRemainingBytesAsString()
                                                                  : editedDocument(bytes, fieldDefinitions()));
     const CheckOptions options{
-        {numbers.epoch, numbers.hourAngle, numbers.pressure, degreesToRadians(90 - numbers.horizonLimit)},
-        degreesToRadians(1.0)};
+        {numbers.epoch, numbers.hourAngle, numbers.pressure, zenithDistanceOf(numbers.horizonLimit)}};
     const CheckedFile file{"field.xml", checkDocument(document, "field.xml", instrument, options)};
     require(hasError(file) != isConfigured(document, config, options.estimates), "an error stands where the run fails");
     tellProblems({file});

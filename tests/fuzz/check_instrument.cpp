@@ -44,8 +44,7 @@ void writeInstrument(FuzzedDataProvider& bytes, const std::map<std::string, std:
 
 /** Checks a field definition with an instrument that runs can use. */
 void checkField(CheckedInstrument& instrument) {
-    const CheckOptions options{{kNotGiven, kHourAngleNotGiven, kNotGiven, degreesToRadians(65.0)},
-                               degreesToRadians(1.0)};
+    const CheckOptions options;
     const QByteArray document = QByteArray::fromStdString(kPlainField);
     const CheckedFile file{"field.xml", checkDocument(document, "field.xml", *instrument.instrument, options)};
     require(hasError(file) != isConfigured(document, *instrument.config, options.estimates),

@@ -1,8 +1,8 @@
 #include "checkedRun.h"
 
+#include "Estimates.h"
 #include "PosConfig.h"
 #include "ProcessState.h"
-#include "angles.h"
 #include "fieldDefinition.h"
 #include "ownConfiguration.h"
 #include "veko_configure.h"
@@ -109,7 +109,7 @@ void RunFolder::check(const std::function<int()>& run) const {
 void RunFolder::configure(const pos::PosConfig& config, const RunNumbers& numbers) const {
     check([&] {
         return veko_configure(config, input(), output(), numbers.epoch, numbers.hourAngle, numbers.pressure,
-                              pos::degreesToRadians(90 - numbers.horizonLimit));
+                              pos::zenithDistanceOf(numbers.horizonLimit));
     });
 }
 

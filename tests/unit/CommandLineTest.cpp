@@ -34,11 +34,11 @@ TEST(CommandLine, WithoutArgumentsHoldsTheDefaults) {
     EXPECT_EQ(commandLine.configFile, ":/configure.xml");
     EXPECT_EQ(commandLine.input, std::nullopt);
     EXPECT_EQ(commandLine.output, std::nullopt);
-    EXPECT_EQ(commandLine.epoch, 0.0);
-    EXPECT_EQ(commandLine.hourAngle, 100.0);
-    EXPECT_EQ(commandLine.pressure, 0.0);
+    EXPECT_EQ(commandLine.estimates.epoch, 0.0);
+    EXPECT_EQ(commandLine.estimates.hourAngle, 100.0);
+    EXPECT_EQ(commandLine.estimates.pressure, 0.0);
     // 90 - 25 degrees
-    EXPECT_EQ(commandLine.zenithDistanceLimit, 65.0 / 180 * 3.141592653589793);
+    EXPECT_EQ(commandLine.estimates.zenithDistanceLimit, 65.0 / 180 * 3.141592653589793);
 }
 
 TEST(CommandLine, WithoutEvenAProgramNameHoldsTheDefaults) {
@@ -57,11 +57,11 @@ TEST(CommandLine, TakesEveryLongAndEveryShortOption) {
         EXPECT_EQ(commandLine.configFile, "c.xml");
         EXPECT_EQ(commandLine.input, "i.xml");
         EXPECT_EQ(commandLine.output, "o.xml");
-        EXPECT_EQ(commandLine.epoch, 2020.5);
-        EXPECT_EQ(commandLine.hourAngle, 1.25);
-        EXPECT_EQ(commandLine.pressure, 771.5);
+        EXPECT_EQ(commandLine.estimates.epoch, 2020.5);
+        EXPECT_EQ(commandLine.estimates.hourAngle, 1.25);
+        EXPECT_EQ(commandLine.estimates.pressure, 771.5);
         // 6.5 / 180 * pi; with a precomputed pi / 180, or multiplied first, it ends in ...43.
-        EXPECT_EQ(commandLine.zenithDistanceLimit, 0.11344640137963141);
+        EXPECT_EQ(commandLine.estimates.zenithDistanceLimit, 0.11344640137963141);
     }
 }
 
@@ -91,11 +91,11 @@ TEST(CommandLine, TakesEveryNotationOfAFiniteNumber) {
     for (const auto& [text, value] :
          {Row{"-1.5", -1.5}, Row{"-.5", -0.5}, Row{"-1e-3", -1e-3}, Row{"-0", 0.0}, Row{"+2", 2.0}, Row{"2.", 2.0},
           Row{".25", 0.25}, Row{"0.15E1", 1.5}, Row{"1.7976931348623157e308", 1.7976931348623157e308}}) {
-        EXPECT_EQ(parse({"--ha", text}).hourAngle, value);
-        EXPECT_EQ(parse({(std::string("--ha=") + text).c_str()}).hourAngle, value);
+        EXPECT_EQ(parse({"--ha", text}).estimates.hourAngle, value);
+        EXPECT_EQ(parse({(std::string("--ha=") + text).c_str()}).estimates.hourAngle, value);
     }
-    EXPECT_EQ(parse({"--horizon_limit", "90"}).zenithDistanceLimit, 0.0);
-    EXPECT_EQ(parse({"--horizon_limit", "-90"}).zenithDistanceLimit, 3.141592653589793);
+    EXPECT_EQ(parse({"--horizon_limit", "90"}).estimates.zenithDistanceLimit, 0.0);
+    EXPECT_EQ(parse({"--horizon_limit", "-90"}).estimates.zenithDistanceLimit, 3.141592653589793);
 }
 
 TEST(CommandLine, RefusesWhatIsNotAFiniteNumber) {

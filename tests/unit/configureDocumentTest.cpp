@@ -14,13 +14,11 @@ namespace {
 /** The embedded configuration, and documents in memory. */
 class ConfigureDocument : public ProcessWideState {
 protected:
-    static QDomDocument configuredInMemory(const std::string& text, const Estimates& estimates = kNothingKnown) {
+    static QDomDocument configuredInMemory(const std::string& text, const Estimates& estimates = {}) {
         QDomDocument document = parseDocument(text);
         configureDocument(PosConfig(":/configure.xml", PosConfig::XML), document, estimates);
         return document;
     }
-
-    static constexpr Estimates kNothingKnown = {0.0, 100.0, 0.0, 65.0 / 180.0 * 3.141592653589793};
 };
 
 } // namespace
@@ -32,7 +30,7 @@ TEST_F(ConfigureDocument, MakesInMemoryWhatTheProgramWrites) {
 
 TEST_F(ConfigureDocument, TakesEstimatesAsTheProgramDoes) {
     const std::string document = documentWithConditions(R"(ha="x")");
-    Estimates estimates = kNothingKnown;
+    Estimates estimates;
     estimates.epoch = 2020.5;
     estimates.hourAngle = 1.5;
     estimates.pressure = 700.0;

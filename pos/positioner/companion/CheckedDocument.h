@@ -22,10 +22,14 @@ namespace pos {
 class Instrument;
 class SourceText;
 
+/** How far apart centre and targets of a field may be where nothing is given, degrees. */
+inline constexpr double kFieldRadiusDeg = 1.0;
+
 /** What a check takes for granted beside the document. */
 struct CheckOptions {
     Estimates estimates = {};
-    double fieldRadius = 0.0;      ///< how far apart centre and targets of a field may be, radians
+    /** How far apart centre and targets of a field may be, radians. */
+    double fieldRadius = degreesToRadians(kFieldRadiusDeg);
     bool isInstrumentSound = true; ///< without it each run fails for the instrument's sake, which is told elsewhere
 };
 

@@ -30,7 +30,7 @@ QString documentWith(const Estimates& estimates) {
 
 std::vector<EstimateProblem> checkEstimates(const Estimates& estimates, Instrument& instrument) {
     const ReadDocument read = readText(documentWith(estimates).toUtf8(), "");
-    const CheckOptions options{{kNotGiven, kHourAngleNotGiven, kNotGiven, 0.0}};
+    const CheckOptions options;
     CheckedDocument document{read.text, *read.root, options, instrument};
     findParts(document);
     Problems problems;

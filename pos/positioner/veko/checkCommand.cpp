@@ -27,7 +27,7 @@ namespace {
 struct CheckArguments {
     std::vector<std::string> files;
     RunOptions run;
-    double fieldRadius = 1.0; ///< degrees
+    double fieldRadius = CheckOptions{}.fieldRadius; ///< radians
     std::string format = "text";
     std::string colour = "auto";
     std::string explain;
@@ -147,8 +147,7 @@ void checkFiles(const CheckArguments& arguments, Instrument& instrument, const C
 /** Opens the instrument. @param files where its documents are added to; where it cannot be opened, the configuration */
 std::optional<CheckedInstrument> openInstrument(const CheckArguments& arguments, std::vector<CheckedFile>& files) {
     try {
-        CheckedInstrument instrument =
-            checkInstrument(arguments.run.configFile, degreesToRadians(arguments.fieldRadius));
+        CheckedInstrument instrument = checkInstrument(arguments.run.configFile, arguments.fieldRadius);
         files = instrument.files;
         return instrument;
     } catch (const std::runtime_error& error) {
@@ -162,8 +161,7 @@ std::optional<CheckedInstrument> openInstrument(const CheckArguments& arguments,
 std::vector<CheckedFile> checkAll(const CheckArguments& arguments) {
     std::vector<CheckedFile> files;
     if (const std::optional<CheckedInstrument> instrument = openInstrument(arguments, files)) {
-        const CheckOptions options{arguments.run.estimates(), degreesToRadians(arguments.fieldRadius),
-                                   instrument->isSound};
+        const CheckOptions options{arguments.run.estimates, arguments.fieldRadius, instrument->isSound};
         tellOptions(options.estimates, *instrument->instrument);
         checkFiles(arguments, *instrument->instrument, options, files);
     }

@@ -26,7 +26,7 @@ struct ExportArguments {
     std::string format;
     std::string output;
     RunOptions run;
-    double fieldRadius = 1.0; ///< degrees
+    double fieldRadius = CheckOptions{}.fieldRadius; ///< radians
 };
 
 using Exporter = std::function<QByteArray(const ExportedTargets&)>;
@@ -49,13 +49,12 @@ ExportedTargets tableOf(const QDomDocument& document, const std::string& file, I
 }
 
 int exportTargets(const ExportArguments& arguments) {
-    const Estimates estimates = arguments.run.estimates();
-    const double fieldRadius = degreesToRadians(arguments.fieldRadius);
-    const CheckedInstrument checked = openSoundInstrument(arguments.run.configFile, fieldRadius);
+    const Estimates estimates = arguments.run.estimates;
+    const CheckedInstrument checked = openSoundInstrument(arguments.run.configFile, arguments.fieldRadius);
     tellOptions(estimates, *checked.instrument);
     const QByteArray bytes = readInput(arguments.file);
     const QDomDocument document =
-        openConfigured(bytes, arguments.file, *checked.instrument, {estimates, fieldRadius, true});
+        openConfigured(bytes, arguments.file, *checked.instrument, {estimates, arguments.fieldRadius, true});
     const QByteArray text = exporters().at(arguments.format)(tableOf(document, arguments.file, *checked.instrument));
     if (arguments.output.empty()) {
         std::cout.write(text.constData(), text.size());

@@ -22,8 +22,8 @@ struct ReportArguments {
     RunOptions run;
     std::string night;
     RequirementOptions requirements;
-    double fieldRadius = 1.0; ///< degrees
-    double exposure = 60.0;   ///< minutes
+    double fieldRadius = CheckOptions{}.fieldRadius; ///< radians
+    double exposure = 60.0;                          ///< minutes
 };
 
 /** The words of the command line. */
@@ -37,12 +37,11 @@ std::vector<std::string> commandLine() {
 }
 
 int writeReport(const ReportArguments& arguments) {
-    const Estimates estimates = arguments.run.estimates();
-    const Report report =
-        makeReport({arguments.file, readInput(arguments.file), arguments.run.configFile, estimates,
-                    arguments.night.empty() ? std::nullopt : std::optional(dateOf(arguments.night)),
-                    arguments.requirements.windowOptions(estimates.zenithDistanceLimit),
-                    degreesToRadians(arguments.fieldRadius), arguments.exposure / (24 * 60), commandLine()});
+    const Estimates estimates = arguments.run.estimates;
+    const Report report = makeReport({arguments.file, readInput(arguments.file), arguments.run.configFile, estimates,
+                                      arguments.night.empty() ? std::nullopt : std::optional(dateOf(arguments.night)),
+                                      arguments.requirements.windowOptions(estimates.zenithDistanceLimit),
+                                      arguments.fieldRadius, arguments.exposure / (24 * 60), commandLine()});
     refuseIfRead(arguments.output, report.documents);
     writeFile(arguments.output, reportPage(report));
     return 0;

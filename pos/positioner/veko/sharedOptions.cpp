@@ -1,6 +1,6 @@
 #include "sharedOptions.h"
 
-#include "angles.h"
+#include "CheckedDocument.h"
 #include "checkEstimates.h"
 
 #include <cmath>
@@ -35,27 +35,31 @@ std::string refusalOfRadius(const std::string& text) {
 
 constexpr const char* kGroup = "As in veko_configure";
 
-CLI::Option* addNumber(CLI::App& command, const std::string& name, double& value, const std::string& description,
-                       const std::string& unit) {
-    return command.add_option(name, value, description)->check(finite())->type_name(unit)->group(kGroup);
+void addNumber(CLI::App& command, const std::string& name, double& value, const std::string& description,
+               const std::string& unit) {
+    command.add_option(name, value, description)->check(finite())->type_name(unit)->group(kGroup);
 }
 
 } // namespace
-
-Estimates RunOptions::estimates() const {
-    return {epoch, hourAngle, pressure, degreesToRadians(90 - horizonLimit)};
-}
 
 void addRunOptions(CLI::App& command, RunOptions& options) {
     command.add_option("-c,--config_file", options.configFile, "configuration file")
         ->type_name("FILE")
         ->capture_default_str()
         ->group(kGroup);
-    addNumber(command, "--epoch", options.epoch, "Julian epoch of the observation; 0: the document's", "YEARS");
-    addNumber(command, "--ha", options.hourAngle, "hour angle of the observation; 100: the document's", "HOURS");
-    addNumber(command, "--pressure", options.pressure, "pressure at the telescope; 0: the document's", "MBAR");
-    addNumber(command, "--horizon_limit", options.horizonLimit, "lowest elevation of a field", "DEGREES")
-        ->capture_default_str();
+    Estimates& estimates = options.estimates;
+    addNumber(command, "--epoch", estimates.epoch, "Julian epoch of the observation; 0: the document's", "YEARS");
+    addNumber(command, "--ha", estimates.hourAngle, "hour angle of the observation; 100: the document's", "HOURS");
+    addNumber(command, "--pressure", estimates.pressure, "pressure at the telescope; 0: the document's", "MBAR");
+    command
+        .add_option_function<double>(
+            "--horizon_limit",
+            [&estimates](double degrees) { estimates.zenithDistanceLimit = zenithDistanceOf(degrees); },
+            "lowest elevation of a field")
+        ->check(finite())
+        ->type_name("DEGREES")
+        ->default_str(CLI::detail::to_string(kHorizonLimitDeg))
+        ->group(kGroup);
 }
 
 void addRunOptionsOfNights(CLI::App& command, RunOptions& options) {
@@ -70,11 +74,14 @@ void tellOptions(const Estimates& estimates, Instrument& instrument) {
     }
 }
 
-void addFieldRadiusOption(CLI::App& command, double& degrees) {
-    command.add_option("--field_radius", degrees, "how far apart places may be, up to 90")
+void addFieldRadiusOption(CLI::App& command, double& radius) {
+    command
+        .add_option_function<double>(
+            "--field_radius", [&radius](double degrees) { radius = degreesToRadians(degrees); },
+            "how far apart places may be, up to 90")
         ->check(refusalOfRadius, "")
         ->type_name("DEGREES")
-        ->capture_default_str();
+        ->default_str(CLI::detail::to_string(kFieldRadiusDeg));
 }
 
 CLI::Validator within(double low, double high) {

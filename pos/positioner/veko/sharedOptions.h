@@ -19,12 +19,7 @@ class Instrument;
 /** The instrument and the estimates, as veko_configure has them. */
 struct RunOptions {
     std::string configFile = ":/configure.xml";
-    double epoch = kNotGiven;              ///< Julian epoch, years
-    double hourAngle = kHourAngleNotGiven; ///< hours
-    double pressure = kNotGiven;           ///< millibar
-    double horizonLimit = 25.0;            ///< degrees
-
-    Estimates estimates() const;
+    Estimates estimates = {};
 };
 
 /** Adds the options of the run to a command. @param options must live as long as the command */
@@ -33,8 +28,8 @@ void addRunOptions(CLI::App& command, RunOptions& options);
 /** The same without the hour angle, for commands that look at all hour angles. */
 void addRunOptionsOfNights(CLI::App& command, RunOptions& options);
 
-/** How far apart centre and targets of a field may be. @param degrees must live as long as the command */
-void addFieldRadiusOption(CLI::App& command, double& degrees);
+/** How far apart centre and targets of a field may be. @param radius radians; must live as long as the command */
+void addFieldRadiusOption(CLI::App& command, double& radius);
 
 /** Accepts finite numbers of a range alone. */
 CLI::Validator within(double low, double high);

@@ -51,7 +51,7 @@ public:
     explicit WindowFinder(const WindowArguments& arguments)
         : arguments_(arguments), config_(arguments.run.configFile.c_str(), PosConfig::XML), instrument_(config_),
           telescope_(readTelescope(config_)) {
-        tellOptions(arguments.run.estimates(), instrument_);
+        tellOptions(arguments.run.estimates, instrument_);
     }
 
     const Telescope& telescope() const {
@@ -59,7 +59,7 @@ public:
     }
 
     std::vector<FieldNight> ofPlace() {
-        const Estimates estimates = arguments_.run.estimates();
+        const Estimates estimates = arguments_.run.estimates;
         Conditions conditions = createConditionsXML({});
         conditions.temperature = arguments_.temperature;
         conditions.relativeHumidity = arguments_.relativeHumidity;
@@ -72,7 +72,7 @@ public:
 
     std::vector<FieldNight> ofFile(const std::string& name) {
         const QDomDocument document = loadXmlFile(name == "-" ? "/dev/stdin" : name);
-        return of(readPlan(document, arguments_.run.estimates()), name);
+        return of(readPlan(document, arguments_.run.estimates), name);
     }
 
 private:
@@ -80,7 +80,7 @@ private:
         const std::vector<Night> nights = nightsOf(plan);
         const auto contexts = contexts_.try_emplace(nights.front().evening, nights.front().begin, nights.back().end);
         return findFieldNights(instrument_, plan, file, nights, contexts.first->second,
-                               arguments_.requirements.windowOptions(arguments_.run.estimates().zenithDistanceLimit));
+                               arguments_.requirements.windowOptions(arguments_.run.estimates.zenithDistanceLimit));
     }
 
     std::vector<Night> nightsOf(const Plan& plan) const {

@@ -1,12 +1,10 @@
 #include "CommandLine.h"
 
-#include "Estimates.h"
 #include "veko_configure.h"
 
 #include "EmbeddedResources.h"
 #include "PosConfig.h"
 #include "Version.h"
-#include "angles.h"
 
 #include <boost/lexical_cast/try_lexical_convert.hpp>
 #include <cmath>
@@ -114,7 +112,7 @@ po::options_description describeOptions() {
         ("epoch", po::value<FiniteNumber>(), "estimated epoch of observation (yr)")
         ("help,h", "display all the command arguments")
         ("ha", po::value<FiniteNumber>(), "estimated hour angle of observation (hr)")
-        ("horizon_limit", po::value<FiniteNumber>()->default_value({25}, "25"), "horizon limit (deg)")
+        ("horizon_limit", po::value<FiniteNumber>()->default_value({kHorizonLimitDeg}, "25"), "horizon limit (deg)")
         ("input,i", po::value<std::string>(), "input configuration file name")
         ("output,o", po::value<std::string>(), "output configuration file name")
         ("pressure", po::value<FiniteNumber>(), "estimated pressure at time of observation (mBar)")
@@ -132,10 +130,11 @@ CommandLine parseCommandLine(int argc, const char* const* argv, const po::option
     commandLine.configFile = values["config_file"].as<std::string>();
     commandLine.input = optionalText(values, "input");
     commandLine.output = optionalText(values, "output");
-    commandLine.hourAngle = optionalNumber(values, "ha", kHourAngleNotGiven);
-    commandLine.epoch = optionalNumber(values, "epoch", kNotGiven);
-    commandLine.pressure = optionalNumber(values, "pressure", kNotGiven);
-    commandLine.zenithDistanceLimit = degreesToRadians(90 - values["horizon_limit"].as<FiniteNumber>().value);
+    Estimates& estimates = commandLine.estimates;
+    estimates.hourAngle = optionalNumber(values, "ha", kHourAngleNotGiven);
+    estimates.epoch = optionalNumber(values, "epoch", kNotGiven);
+    estimates.pressure = optionalNumber(values, "pressure", kNotGiven);
+    estimates.zenithDistanceLimit = zenithDistanceOf(values["horizon_limit"].as<FiniteNumber>().value);
     return commandLine;
 }
 
@@ -160,8 +159,9 @@ int runCommandLine(int argc, const char* const* argv) {
     }
     qInitResources_config_files();
     qInitResources_plate_files();
-    return veko_configure(config, *commandLine.input, *commandLine.output, commandLine.epoch, commandLine.hourAngle,
-                          commandLine.pressure, commandLine.zenithDistanceLimit);
+    const Estimates& estimates = commandLine.estimates;
+    return veko_configure(config, *commandLine.input, *commandLine.output, estimates.epoch, estimates.hourAngle,
+                          estimates.pressure, estimates.zenithDistanceLimit);
 }
 
 } // namespace pos

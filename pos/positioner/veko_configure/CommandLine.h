@@ -5,6 +5,8 @@
 #ifndef POS_COMMANDLINE_H
 #define POS_COMMANDLINE_H
 
+#include "Estimates.h"
+
 #include <boost/program_options.hpp>
 #include <optional>
 #include <string>
@@ -18,10 +20,7 @@ struct CommandLine {
     std::string configFile;            ///< name of the configuration file, ":/configure.xml" when not given
     std::optional<std::string> input;  ///< name of the field definition, bytes as given
     std::optional<std::string> output; ///< name of the document to write, bytes as given
-    double epoch;                      ///< Julian epoch, years; 0.0 when not given
-    double hourAngle;                  ///< hours; 100.0 when not given
-    double pressure;                   ///< millibar; 0.0 when not given
-    double zenithDistanceLimit;        ///< radians
+    Estimates estimates;
 };
 
 /** The options in the order of the help listing. */

@@ -5,6 +5,8 @@
 #ifndef POS_ESTIMATES_H
 #define POS_ESTIMATES_H
 
+#include "angles.h"
+
 #include <QDomElement>
 #include <stdexcept>
 
@@ -16,13 +18,21 @@ struct Conditions;
 inline constexpr double kNotGiven = 0.0;
 /** An hour angle, hours, that is not given: no real one has this value. */
 inline constexpr double kHourAngleNotGiven = 100.0;
+/** The lowest elevation of a field where none is given, degrees. */
+inline constexpr double kHorizonLimitDeg = 25.0;
+
+/** The zenith distance of an elevation in degrees, radians. */
+constexpr double zenithDistanceOf(double elevationDeg) {
+    return degreesToRadians(90 - elevationDeg);
+}
 
 /** Values for the observation from outside its document. */
 struct Estimates {
-    double epoch;               ///< Julian epoch of the observation, years; kNotGiven for the document's
-    double hourAngle;           ///< hour angle of the first field's centre, hours; kHourAngleNotGiven: the document's
-    double pressure;            ///< millibar; kNotGiven for the document's
-    double zenithDistanceLimit; ///< the field must be nearer to the zenith than this, radians
+    double epoch = kNotGiven;              ///< Julian epoch of the observation, years; kNotGiven for the document's
+    double hourAngle = kHourAngleNotGiven; ///< of the first field's centre, hours; kHourAngleNotGiven: the document's
+    double pressure = kNotGiven;           ///< millibar; kNotGiven for the document's
+    /** The field must be nearer to the zenith than this, radians. */
+    double zenithDistanceLimit = zenithDistanceOf(kHorizonLimitDeg);
 };
 
 /** Neither the estimates nor the document has a date. */
