@@ -4,7 +4,6 @@
 
 #include "ConditionsXML.h"
 #include "Estimates.h"
-#include "Instrument.h"
 #include "OutputFile.h"
 #include "Report.h"
 #include "TelescopeConfig.h"
@@ -67,8 +66,7 @@ Plan planOfDocument(const std::string& xml, const std::string& name, double pres
 class NightSearch {
 public:
     NightSearch(const std::string& configFile, const std::optional<std::string>& file, WindowOptions options)
-        : config_(openConfig(configFile)), instrument_(config_), telescope_(readTelescope(config_)), file_(file),
-          options_(options) {}
+        : NightSearch(openConfig(configFile), file, options) {}
 
     /** @param first, last evenings */
     std::string find(const Plan& plan, QDate first, QDate last) {
@@ -79,8 +77,8 @@ public:
         const DateContexts contexts = inLibrary([&] { return DateContexts(nights.front().begin, nights.back().end); });
         std::vector<FieldNight> found;
         for (const Night& night : nights) {
-            const auto more =
-                inLibrary([&] { return findFieldNights(instrument_, plan, file_, {night}, contexts, options_); });
+            const auto more = inLibrary(
+                [&] { return findFieldNights(pointing_, telescope_, plan, file_, {night}, contexts, options_); });
             found.insert(found.end(), more.begin(), more.end());
             endAtSignals();
         }
@@ -90,9 +88,12 @@ public:
     }
 
 private:
-    PosConfig config_;
-    Instrument instrument_;
+    NightSearch(const PosConfig& config, const std::optional<std::string>& file, WindowOptions options)
+        : telescope_(readTelescope(config)), pointing_(config, VEKO, Astrometric{}, 0.0, {}), file_(file),
+          options_(options) {}
+
     Telescope telescope_;
+    FocalPlane pointing_;
     std::optional<std::string> file_;
     WindowOptions options_;
 };

@@ -26,6 +26,10 @@ Night nightAround(double mjdTai, double eastLongitude);
 /** Whether it is known where Sun and Moon stand at a date: from 1900 to 2100. */
 bool areSunAndMoonKnown(QDate date);
 
+/** The end of a sentence about a date at which that is not known. */
+inline constexpr const char* kNotOfKnownYears =
+    " is not between 1900 and 2100, the years in which Sun and Moon are known";
+
 /** MJD, UTC. */
 double utcOf(double mjdTai);
 

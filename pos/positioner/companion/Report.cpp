@@ -33,7 +33,7 @@ Estimates estimatesOf(const ReportRequest& request, const Telescope& telescope) 
 void requireKnownNight(const Night& night) {
     if (!areSunAndMoonKnown(night.evening)) {
         throw std::runtime_error("The night of " + night.evening.toString(Qt::ISODate).toStdString() +
-                                 " is not between 1900 and 2100, the years in which Sun and Moon are known");
+                                 kNotOfKnownYears);
     }
 }
 
@@ -143,10 +143,11 @@ std::pair<double, double> partShown(const Report& report, const DateContexts& co
 }
 
 /** Windows and curves of all fields. */
-void reportNight(Instrument& instrument, const Plan& plan, Report& report) {
+void reportNight(const Plan& plan, Report& report) {
     const DateContexts contexts(report.night.begin, report.night.end);
     const std::vector<FieldNight> nights =
-        findFieldNights(instrument, plan, report.request.file, {report.night}, contexts, report.request.windows);
+        findFieldNights(report.fields.front().pointing, report.telescope, plan, report.request.file, {report.night},
+                        contexts, report.request.windows);
     for (std::size_t i = 0; i < report.fields.size(); ++i) {
         report.fields.at(i).windows = nights.at(i).found;
     }
@@ -186,7 +187,7 @@ Report makeReport(const ReportRequest& request) {
     report.night =
         request.evening ? nightOf(*request.evening, longitude) : nightAround(report.conditions.epoch, longitude);
     requireKnownNight(report.night);
-    reportNight(instrument, plan, report);
+    reportNight(plan, report);
     report.documents = documentsRead(request.file, request.bytes, *checked.config);
     return report;
 }

@@ -44,7 +44,8 @@ BodyPlace moonFrom(const Telescope& site, const DateContext& context);
 /**
  * The airmass, by the formula of K. A. Pickering, DIO 12, 1, 20 (2002), that holds down to the horizon.
  *
- * @param altitude observed, radians, 0 to π/2; some 38 at 0, and 1 at π/2
+ * @param altitude observed, radians
+ * @return some 38 at 0, 1 at π/2; NaN below 0
  */
 double airmass(double altitude);
 

@@ -32,8 +32,8 @@ void requireFile(const std::string& name) {
     std::error_code notThere;
     const std::filesystem::file_type type = std::filesystem::status(name, notThere).type();
     const bool isStream = type == std::filesystem::file_type::fifo || type == std::filesystem::file_type::character;
-    if (!isStream && !readFile(name)) {
-        throw std::runtime_error(name + " could not be opened");
+    if (!isStream) {
+        static_cast<void>(loadFile(name));
     }
 }
 

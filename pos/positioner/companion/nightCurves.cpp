@@ -43,8 +43,8 @@ std::vector<NightSample> sampleNight(FieldTrack& track, const DateContexts& cont
             std::round((static_cast<double>(step) * kTenMinutes + taiLessUtc) / kMicroday) * kMicroday;
         const DateContext context = contexts.at(instant);
         const FocalPlane& pointing = track.at(instant);
-        samples.push_back({instant, kPi / 2 - pointing.zenithDistance(), track.rotatorAngle(),
-                           pointing.parallacticAngle(), sunFrom(track.telescope(), context).altitude,
+        samples.push_back({instant, pointing.altitude(), track.rotatorAngle(), pointing.parallacticAngle(),
+                           sunFrom(track.telescope(), context).altitude,
                            moonFrom(track.telescope(), context).altitude});
     }
     return samples;

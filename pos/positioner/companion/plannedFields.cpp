@@ -4,9 +4,7 @@
 #include "ConditionsXML.h"
 #include "FieldTargets.h"
 #include "FieldTrack.h"
-#include "Instrument.h"
 #include "TargetXML.h"
-#include "TelescopeConfig.h"
 #include "angles.h"
 #include "xmlKeywords.h"
 #include "xmlStructure.h"
@@ -47,13 +45,12 @@ Plan readPlan(const QDomDocument& document, const Estimates& estimates) {
     return plan;
 }
 
-std::vector<FieldNight> findFieldNights(Instrument& instrument, const Plan& plan,
+std::vector<FieldNight> findFieldNights(FocalPlane pointing, const Telescope& telescope, const Plan& plan,
                                         const std::optional<std::string>& file, const std::vector<Night>& nights,
                                         const DateContexts& contexts, const WindowOptions& options) {
-    const Telescope telescope = readTelescope(instrument.config());
     Conditions conditions = plan.conditions;
     conditions.epoch = nights.front().begin;
-    FocalPlane pointing(instrument.config(), VEKO, Astrometric{}, 0.0, conditions);
+    pointing.setConditions(conditions);
     pointing.setFieldCentre(plan.fields.front().toAstrometric(conditions.epoch), plan.positionAngle);
     FieldTrack first(pointing, telescope, contexts);
     std::vector<FieldNight> all;

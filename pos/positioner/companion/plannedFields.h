@@ -17,8 +17,6 @@
 
 namespace pos {
 
-class Instrument;
-
 /** What a document plans. */
 struct Plan {
     /** The centre of the first field, and of each other its science target, which the run takes for it. */
@@ -41,10 +39,12 @@ Plan readPlan(const QDomDocument& document, const Estimates& estimates);
 /**
  * The windows of all fields of a plan in some nights, field by field.
  *
+ * @param pointing of the bundle's plate, at any place and date
+ * @param telescope site, and limits of the rotator
  * @param nights at least one, one after the other
  * @param contexts of a span that holds them
  */
-std::vector<FieldNight> findFieldNights(Instrument& instrument, const Plan& plan,
+std::vector<FieldNight> findFieldNights(FocalPlane pointing, const Telescope& telescope, const Plan& plan,
                                         const std::optional<std::string>& file, const std::vector<Night>& nights,
                                         const DateContexts& contexts, const WindowOptions& options);
 

@@ -98,7 +98,7 @@ std::string verdictOf(const Report& report, const ReportedField& field) {
 
 Json momentFacts(const ReportedField& field) {
     const FocalPlane& pointing = field.pointing;
-    const double altitude = kPi / 2 - pointing.zenithDistance();
+    const double altitude = pointing.altitude();
     return {fact("Hour angle", hourAngleText(pointing.hourAngle())),
             fact("Altitude", degreesText(altitude, 2) + "°"),
             fact("Airmass", altitude > 0 ? numberText(airmass(altitude), 3) : "–"),

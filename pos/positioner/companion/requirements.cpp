@@ -39,13 +39,9 @@ std::string atTime(double mjdTai) {
     return "at " + utcText(mjdTai, 0).substr(11, 5) + " UTC";
 }
 
-double altitudeOf(const FocalPlane& pointing) {
-    return kPi / 2 - pointing.zenithDistance();
-}
-
 /** The instant in some stretches at which a field is highest. */
 double instantOfHighest(FieldTrack& track, const std::vector<Stretch>& stretches) {
-    return greatest([&](double mjdTai) { return altitudeOf(track.at(mjdTai)); }, stretches,
+    return greatest([&](double mjdTai) { return track.at(mjdTai).altitude(); }, stretches,
                     track.upperCulminations(stretches.front().begin, stretches.back().end));
 }
 
@@ -102,7 +98,7 @@ public:
     std::string whyNever(const std::vector<Stretch>& stretches) override {
         const double highest = instantOfHighest(track_, stretches);
         return "the field is never above " + shortText(radiansToDegrees(limit_)) + " degrees: at its highest, " +
-               atTime(highest) + ", it stands at " + degreesText(altitudeOf(track_.at(highest))) + " degrees";
+               atTime(highest) + ", it stands at " + degreesText(track_.at(highest).altitude()) + " degrees";
     }
 
 protected:
@@ -122,7 +118,7 @@ public:
     }
     std::string whyNever(const std::vector<Stretch>& stretches) override {
         const double highest = instantOfHighest(track_, stretches);
-        const double altitude = altitudeOf(track_.at(highest));
+        const double altitude = track_.at(highest).altitude();
         return "the airmass is never below " + shortText(largest_) + ": at the field's highest, " + atTime(highest) +
                ", it is " + fixedText(airmass(altitude), 2).toStdString() + " at an altitude of " +
                degreesText(altitude) + " degrees";
@@ -231,6 +227,12 @@ private:
 };
 
 } // namespace
+
+const std::map<std::string, std::optional<double>>& twilights() {
+    static const std::map<std::string, std::optional<double>> all = {
+        {"civil", -6.0}, {"nautical", -12.0}, {"astronomical", -18.0}, {"none", std::nullopt}};
+    return all;
+}
 
 const char* wordOf(WindowLimit limit) {
     switch (limit) {

@@ -7,6 +7,7 @@
 
 #include "curves.h"
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -19,6 +20,9 @@ class FieldTrack;
 
 /** More than an epoch rounds when a run is given it, days: with ends told so far inwards the run accepts them, too. */
 inline constexpr double kMarginOfRuns = 1e-4 / 86400;
+
+/** Below which altitude, degrees, the Sun is in a twilight that has a name; nothing for "none", which any Sun fits. */
+const std::map<std::string, std::optional<double>>& twilights();
 
 /** What a window needs, beside the limits of the rotator. */
 struct WindowOptions {

@@ -57,11 +57,7 @@ std::string sha256(const QByteArray& bytes) {
 } // namespace
 
 QByteArray readInput(const std::string& name) {
-    const std::optional<QByteArray> content = readFile(name == "-" ? "/dev/stdin" : name);
-    if (!content) {
-        throw std::runtime_error(name + " could not be opened");
-    }
-    return *content;
+    return loadFile(name == "-" ? "/dev/stdin" : name);
 }
 
 CheckedInstrument openSoundInstrument(const std::string& configFile, double fieldRadius) {

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <erfa.h>
-#include <limits>
 
 namespace pos {
 
@@ -53,12 +52,12 @@ double siderealTime(double mjdTai, double eastLongitude) {
 
 Moment momentAt(FieldTrack& track, double mjdTai) {
     const FocalPlane& pointing = track.at(mjdTai);
-    const double altitude = kPi / 2 - pointing.zenithDistance();
+    const double altitude = pointing.altitude();
     return {mjdTai,
             siderealTime(mjdTai, pointing.eastLongitude()),
             pointing.hourAngle(),
             altitude,
-            altitude < 0 ? std::numeric_limits<double>::quiet_NaN() : airmass(altitude),
+            airmass(altitude),
             pointing.azimuth(),
             pointing.parallacticAngle(),
             track.rotatorAngle(),

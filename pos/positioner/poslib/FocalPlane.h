@@ -10,6 +10,7 @@
 #include "Optics.h"
 #include "PlateCoordinates.h"
 #include "Telescope.h"
+#include "angles.h"
 
 #include <erfa.h>
 #include <optional>
@@ -190,6 +191,10 @@ public:
     /** Observed zenith distance of the field centre, radians, in [0, π]. */
     double zenithDistance() const {
         return zenithDistance_;
+    }
+    /** Observed altitude of the field centre, radians, in [−π/2, π/2]. */
+    double altitude() const {
+        return kPi / 2 - zenithDistance_;
     }
     /** Observed hour angle of the field centre, radians, in [−π, π], positive west of the meridian. */
     double hourAngle() const {

@@ -53,4 +53,12 @@ std::optional<QByteArray> readFile(const std::string& name, qint64 maxSize) {
     return content;
 }
 
+QByteArray loadFile(const std::string& name) {
+    const std::optional<QByteArray> content = readFile(name);
+    if (!content) {
+        throw std::runtime_error(name + " could not be opened");
+    }
+    return *content;
+}
+
 } // namespace pos

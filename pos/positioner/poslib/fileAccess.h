@@ -34,6 +34,9 @@ inline constexpr qint64 kMaxFileSize = qint64{256} * 1024 * 1024;
  */
 std::optional<QByteArray> readFile(const std::string& name, qint64 maxSize = kMaxFileSize);
 
+/** The same of a file that must be there. @throw std::runtime_error name + " could not be opened", and as readFile */
+QByteArray loadFile(const std::string& name);
+
 } // namespace pos
 
 #endif

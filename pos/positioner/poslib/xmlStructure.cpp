@@ -12,11 +12,7 @@
 namespace pos {
 
 QDomDocument loadXmlFile(const std::string& filename) {
-    const std::optional<QByteArray> text = readFile(filename);
-    if (!text) {
-        throw std::runtime_error(filename + " could not be opened");
-    }
-    return loadXmlBytes(*text, filename);
+    return loadXmlBytes(loadFile(filename), filename);
 }
 
 QDomDocument loadXmlBytes(const QByteArray& bytes, const std::string& filename) {

@@ -77,11 +77,7 @@ QByteArray bytesOf(const std::string& name, Progress& progress) {
         progress.interrupt([&] { all.assign(std::istreambuf_iterator<char>(std::cin), {}); });
         return QByteArray::fromStdString(all);
     }
-    const std::optional<QByteArray> content = readFile(name);
-    if (!content) {
-        throw std::runtime_error(name + " could not be opened");
-    }
-    return *content;
+    return loadFile(name);
 }
 
 /** Tells on the error stream what has been mended, a line a fix. */

@@ -4,27 +4,20 @@
 #include "angles.h"
 #include "sharedOptions.h"
 
-#include <map>
-
 namespace pos {
 
 namespace {
 
-const std::map<std::string, double> kTwilights = {{"civil", -6.0}, {"nautical", -12.0}, {"astronomical", -18.0}};
-
 /** Why a text is no twilight; empty where it is one. */
 std::string refusalOfTwilight(const std::string& text) {
-    const bool isKnown = text == "none" || kTwilights.contains(text);
-    return isKnown ? "" : within(-90, 0)(text);
+    return twilights().contains(text) ? "" : within(-90, 0)(text);
 }
 
 /** The altitude below which the Sun must be, radians. */
 std::optional<double> sunAltitude(const std::string& twilight) {
-    if (twilight == "none") {
-        return std::nullopt;
-    }
-    const auto known = kTwilights.find(twilight);
-    return degreesToRadians(known != kTwilights.end() ? known->second : std::stod(twilight));
+    const auto known = twilights().find(twilight);
+    const auto degrees = known != twilights().end() ? known->second : std::stod(twilight);
+    return degrees ? std::optional(degreesToRadians(*degrees)) : std::nullopt;
 }
 
 } // namespace
@@ -65,9 +58,7 @@ std::string refusalOfNight(const std::string& text) {
     if (!date.isValid() || text.size() != std::string("YYYY-MM-DD").size()) {
         return "'" + text + "' is not a date YYYY-MM-DD";
     }
-    return areSunAndMoonKnown(date)
-               ? ""
-               : "'" + text + "' is not between 1900 and 2100, the years in which Sun and Moon are known";
+    return areSunAndMoonKnown(date) ? "" : "'" + text + '\'' + kNotOfKnownYears;
 }
 
 } // namespace pos

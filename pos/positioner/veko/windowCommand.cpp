@@ -79,7 +79,8 @@ private:
     std::vector<FieldNight> of(const Plan& plan, const std::optional<std::string>& file) {
         const std::vector<Night> nights = nightsOf(plan);
         const auto contexts = contexts_.try_emplace(nights.front().evening, nights.front().begin, nights.back().end);
-        return findFieldNights(instrument_, plan, file, nights, contexts.first->second,
+        const FocalPlane pointing(config_, VEKO, Astrometric{}, 0.0, plan.conditions);
+        return findFieldNights(pointing, telescope_, plan, file, nights, contexts.first->second,
                                arguments_.requirements.windowOptions(arguments_.run.estimates.zenithDistanceLimit));
     }
 
@@ -101,8 +102,7 @@ private:
         }
         const Night night = nightAround(plan.conditions.epoch, longitude);
         if (!areSunAndMoonKnown(night.evening)) {
-            throw std::runtime_error(
-                "The epoch is not between 1900 and 2100, the years in which Sun and Moon are known");
+            throw std::runtime_error(std::string("The epoch") + kNotOfKnownYears);
         }
         return {night};
     }
