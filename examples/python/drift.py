@@ -1,12 +1,10 @@
 """How the places that the fibres see drift through a night by refraction, while the telescope follows the field.
 
-The pointing keeps its field centre on the same place; what the fibres see then moves, because refraction changes from
-the one end of the bundle to the other. A picture shows the way of each place, five hundred times as long.
-
-usage: drift.py FIELD_DEFINITION PICTURE      for example  drift.py examples/sombrero_south.xml drift.png
+Each pointing keeps the science target on fibre 304. What the other fibres see moves all the same, because refraction
+differs from one end of the bundle to the other. A picture shows the way of each place, five hundred times as long.
 """
 
-import sys
+import argparse
 
 import matplotlib.pyplot as plt  # type: ignore[import]
 import numpy as np
@@ -14,45 +12,57 @@ import veko
 from numpy.typing import NDArray
 
 EPOCH = 2027.25
+MIDDLE_FIBRE = 304
+HOURS = np.linspace(-3, 3, 13)
+CULMINATION = 6
+"""The place of hour angle 0 in HOURS."""
 SCALE = 500
 ARCSEC_PER_DEGREE = 3600.0
 
 
 def offsets(pointing: veko.Pointing, bundle: veko.Bundle) -> NDArray[np.float64]:
-    """East and north of the field centre, in arcsec, of what each fibre sees."""
+    """East and north of what the middle fibre sees, in arcsec, of what each fibre sees."""
     ra, dec = pointing.plate_to_sky(bundle.x, bundle.y)
-    centre_ra, centre_dec = pointing.plate_to_sky(*middle(bundle))
-    east = (ra - centre_ra) * np.cos(np.radians(centre_dec))
-    return np.array([east, dec - centre_dec], dtype=np.float64) * ARCSEC_PER_DEGREE
+    (middle,) = np.flatnonzero(bundle.ids == MIDDLE_FIBRE)
+    east = ((ra - ra[middle] + 180) % 360 - 180) * np.cos(np.radians(dec[middle]))
+    return np.array([east, dec - dec[middle]], dtype=np.float64) * ARCSEC_PER_DEGREE
 
 
-def middle(bundle: veko.Bundle) -> tuple[float, float]:
-    """Where fibre 304 is."""
-    (index,) = np.flatnonzero(bundle.ids == 304)
-    return float(bundle.x[index]), float(bundle.y[index])
-
-
-def main(path: str, picture: str) -> None:
-    document = veko.read(path)
-    science = document.targets[document.targets["use"] == "T"][0]
-    bundle = veko.Bundle()
-    places = []
-    hours = np.linspace(-3, 3, 13)
-    for hour_angle in hours:
-        pointing = veko.Pointing(science["ra"], science["dec"], document.pa, epoch=EPOCH, hour_angle=hour_angle)
-        pointing.place(science["ra"], science["dec"], 304)
-        places.append(offsets(pointing, bundle))
-        largest = np.hypot(*(places[-1] - places[0])).max()
-        print(f"hour angle {hour_angle:5.1f}   airmass {pointing.airmass:.2f}   largest drift {largest * 1000:6.2f} mas")
+def draw(ways: NDArray[np.float64], picture: str) -> None:
+    """Draws the offsets of all fibres at all hours; their drift from culmination is made longer."""
+    places = ways[CULMINATION]
+    longer = places + (ways - places) * SCALE
     figure, axes = plt.subplots(figsize=(6, 6), layout="constrained")
-    ways = np.array(places)
-    ways = ways[6] + (ways - ways[6]) * SCALE
-    axes.plot(ways[:, 0], ways[:, 1], color="tab:blue", linewidth=0.6)
-    axes.plot(*places[6], ".", color="black", markersize=2)
+    axes.plot(longer[:, 0], longer[:, 1], color="tab:blue", linewidth=0.6)
+    axes.plot(*places, ".", color="black", markersize=2)
     axes.set(aspect="equal", xlabel="east, arcsec", ylabel="north, arcsec")
-    axes.set_title(f"Drift in six hours, {SCALE} times as large")
+    axes.set_title(f"Drift in three hours before and after culmination (dots),\n{SCALE} times as large")
     axes.invert_xaxis()
     figure.savefig(picture)
 
 
-main(*sys.argv[1:])
+def main() -> None:
+    parser = argparse.ArgumentParser(description=(__doc__ or "").splitlines()[0])
+    parser.add_argument("document", help="field definition, such as examples/sombrero_south.xml")
+    parser.add_argument("picture", help="file to draw in, such as drift.png")
+    arguments = parser.parse_args()
+
+    document = veko.read(arguments.document)
+    science = document.targets[document.targets["use"] == "T"][0]
+    place = science["ra"], science["dec"]
+    bundle = veko.Bundle()
+    ways: list[NDArray[np.float64]] = []
+    for hour_angle in HOURS:
+        pointing = veko.Pointing(*place, document.pa, epoch=EPOCH, hour_angle=hour_angle)
+        pointing.place(*place, fibre=MIDDLE_FIBRE)
+        ways.append(offsets(pointing, bundle))
+        drift = np.hypot(*(ways[-1] - ways[0]))
+        fibre = bundle.ids[drift.argmax()]
+        print(
+            f"hour angle {hour_angle:5.1f}   airmass {pointing.airmass:.2f}   "
+            f"largest drift {drift.max() * 1000:6.2f} mas, of fibre {fibre}"
+        )
+    draw(np.array(ways), arguments.picture)
+
+
+main()

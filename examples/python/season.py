@@ -1,9 +1,6 @@
-"""When galaxies can be observed in a season: a table, and a picture of the hours in each night.
+"""When galaxies can be observed in a season: a table, and a picture of the hours in each night."""
 
-usage: season.py FIRST_NIGHT LAST_NIGHT PICTURE      for example  season.py 2027-01-01 2027-06-30 season.png
-"""
-
-import sys
+import argparse
 
 import matplotlib.pyplot as plt  # type: ignore[import]
 import veko
@@ -17,12 +14,18 @@ GALAXIES = {
 """ICRS, degrees."""
 
 
-def main(first: str, last: str, picture: str) -> None:
+def main() -> None:
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("first", help="date of the first evening, such as 2027-01-01")
+    parser.add_argument("last", help="of the last, such as 2027-06-30")
+    parser.add_argument("picture", help="file to draw in, such as season.png")
+    arguments = parser.parse_args()
+
     figure, axes = plt.subplots(figsize=(8, 4.5), layout="constrained")
     print("galaxy   nights   hours   best night   highest, deg")
     for name, place in GALAXIES.items():
-        nights = veko.windows(place, first, last, twilight="astronomical", moon=30, airmass=2)
-        hours = [sum(window.hours for window in night.windows) for night in nights]
+        nights = veko.windows(place, arguments.first, arguments.last, twilight="astronomical", moon=30, airmass=2)
+        hours = [night.hours for night in nights]
         best = max(range(len(nights)), key=hours.__getitem__)
         highest = max((window.best.altitude for night in nights for window in night.windows), default=float("nan"))
         possible = sum(length > 0 for length in hours)
@@ -31,7 +34,7 @@ def main(first: str, last: str, picture: str) -> None:
     axes.set_ylabel("hours in the night")
     axes.set_title("Dark, below airmass 2, and 30 degrees from the Moon while it is up")
     axes.legend()
-    figure.savefig(picture)
+    figure.savefig(arguments.picture)
 
 
-main(*sys.argv[1:])
+main()

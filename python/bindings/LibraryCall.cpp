@@ -6,6 +6,7 @@
 
 #include <QHash>
 #include <QTextCodec>
+#include <pthread.h>
 
 namespace pos {
 
@@ -30,14 +31,16 @@ LibraryCall::~LibraryCall() {
 }
 
 void prepareLibrary() {
-    // The XML library orders attributes by a hash with a random seed; with this one the same input gives the bytes of
-    // the program.
     qSetGlobalQHashSeed(0);
-    // Names of files are UTF-8 in every locale.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     qInitResources_config_files();
     qInitResources_plate_files();
     qInitResources_check_files();
+    pthread_atfork([] { callMutex().lock(); }, [] { callMutex().unlock(); }, [] { callMutex().unlock(); });
+}
+
+PosConfig openConfig(const std::string& file) {
+    return {"configure_version", configure_version, file.c_str(), PosConfig::XML};
 }
 
 } // namespace pos

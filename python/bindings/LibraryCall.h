@@ -5,9 +5,12 @@
 #ifndef POS_LIBRARYCALL_H
 #define POS_LIBRARYCALL_H
 
+#include "PosConfig.h"
+
 #include <QtGlobal>
 #include <mutex>
 #include <pybind11/pybind11.h>
+#include <string>
 #include <utility>
 
 namespace pos {
@@ -30,9 +33,26 @@ private:
     QtMessageHandler previousHandler_;
 };
 
-/** Does something in the library while other threads of the interpreter go on. @param work touches no object of it */
+/** Lets other threads of the interpreter go on. */
+class InterpreterReleased {
+public:
+    InterpreterReleased() = default;
+    /** The interpreter ends a thread here when it shuts down, by an exception that must pass. */
+    ~InterpreterReleased() noexcept(false) {
+        PyEval_RestoreThread(state_);
+    }
+    InterpreterReleased(const InterpreterReleased&) = delete;
+    InterpreterReleased& operator=(const InterpreterReleased&) = delete;
+    InterpreterReleased(InterpreterReleased&&) = delete;
+    InterpreterReleased& operator=(InterpreterReleased&&) = delete;
+
+private:
+    PyThreadState* state_ = PyEval_SaveThread();
+};
+
+/** Does something in the library while other threads of the interpreter go on. @param work uses no Python object */
 template <typename Work> auto inLibrary(Work work) {
-    const pybind11::gil_scoped_release released;
+    const InterpreterReleased released;
     const LibraryCall call;
     return work();
 }
@@ -44,8 +64,15 @@ inline void endAtSignals() {
     }
 }
 
-/** Makes what the library uses of its process fit for it; once, when the module is loaded. */
+/**
+ * Sets, once and for good, what the library needs of its process: the seed of Qt's hashes, with which the same document
+ * gives the same bytes, and UTF-8 for Qt's names of files. A fork waits for the call under way, which its child would
+ * otherwise wait for without end.
+ */
 void prepareLibrary();
+
+/** The configuration of a run. @param file its name. @throw what a run throws that cannot read it */
+PosConfig openConfig(const std::string& file);
 
 } // namespace pos
 

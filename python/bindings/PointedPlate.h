@@ -7,7 +7,6 @@
 
 #include "Conditions.h"
 #include "LimitsCalc.h"
-#include "PosConfig.h"
 #include "Telescope.h"
 #include "Veko.h"
 
@@ -18,10 +17,9 @@
 
 namespace pos {
 
-/** The configuration of a run. @param file its name. @throw what a run throws that cannot read it */
-PosConfig openConfig(const std::string& file);
+class PosConfig;
 
-/** The bundle of a configuration and its pointing. All of it is for use within a call of the library. */
+/** The bundle of a configuration and its pointing, a value. All of it is for use within a call of the library. */
 class PointedPlate {
 public:
     /**
@@ -37,31 +35,35 @@ public:
     PointedPlate(const std::string& configFile, Astrometric centre, double positionAngle, const Conditions& conditions,
                  std::optional<double> hourAngle);
 
-    /** The bundle, with its pointing. */
-    const Veko& veko() const {
-        return *veko_;
+    /** The bundle. */
+    const Veko& bundle() const {
+        return *bundle_;
     }
 
     /** The pointing. */
-    const FocalPlane& focalPlane() const {
-        return veko_->focalPlane;
+    const FocalPlane& pointing() const {
+        return pointing_;
     }
 
     /** Points so that a place falls on a fibre; after a failure the pointing is the one before. Throws as placeVeko. */
     void place(const ICRS& place, std::uint32_t fibre);
 
     /** The limits of the pointing. @param largestZenithDistance radians */
-    LimitsCalc limits(double largestZenithDistance) const;
+    LimitsCalc limits(double largestZenithDistance);
 
-    /** The name of the configuration, as it was given. */
+    /** The name of the configuration, which no change of folder affects. */
     const std::string& configFile() const {
-        return config_.name();
+        return configFile_;
     }
 
 private:
-    PosConfig config_;
+    PointedPlate(const PosConfig& config, Astrometric centre, double positionAngle, const Conditions& conditions,
+                 std::optional<double> hourAngle);
+
+    std::string configFile_;
     Telescope telescope_;
-    std::unique_ptr<Veko> veko_;
+    std::shared_ptr<Veko> bundle_; ///< one for all copies, each of which has its own pointing
+    FocalPlane pointing_;
 };
 
 } // namespace pos

@@ -5,7 +5,6 @@
 
 #include "angles.h"
 
-#include <pybind11/stl.h>
 #include <string>
 #include <vector>
 
@@ -15,54 +14,53 @@ namespace {
 
 namespace py = pybind11;
 
-/** The fibres of a bundle, column by column, in ascending identifier. */
-struct FibreColumns {
-    std::vector<std::uint32_t> ids;
-    std::vector<std::string> names;
-    std::vector<std::string> statuses;
-    std::vector<double> dx;
-    std::vector<double> dy;
-    std::vector<double> x;
-    std::vector<double> y;
-    double orientation = 0.0; ///< radians
+/** What a fibre tells of itself. */
+struct FibreRow {
+    std::uint32_t id;
+    std::string name;
+    std::string status;
+    double dx; ///< mm, as are the next three
+    double dy;
+    double x;
+    double y;
 };
 
-FibreColumns readFibres(const std::string& configFile) {
+/** The fibres of a bundle, in ascending identifier. */
+struct FibreTable {
+    std::vector<FibreRow> rows;
+    double orientation; ///< radians
+};
+
+FibreTable readFibres(const std::string& configFile) {
     // Where the bundle is on its plate depends on no pointing.
     const PointedPlate plate(configFile, Astrometric{}, 0.0, Conditions{}, std::nullopt);
-    FibreColumns columns;
-    columns.orientation = plate.veko().centre.orientation;
-    for (const auto& [id, fibre] : plate.veko().fibres) {
+    FibreTable table{{}, plate.bundle().centre.orientation};
+    for (const auto& [id, fibre] : plate.bundle().fibres) {
         const PlateCoordinates position = fibre.platePosition();
-        columns.ids.push_back(id);
-        columns.names.push_back(plate.veko().names.at(id));
-        columns.statuses.emplace_back(fibre.status);
-        columns.dx.push_back(fibre.dx);
-        columns.dy.push_back(fibre.dy);
-        columns.x.push_back(position.x);
-        columns.y.push_back(position.y);
+        table.rows.push_back(
+            {id, plate.bundle().names.at(id), std::string(fibre.status), fibre.dx, fibre.dy, position.x, position.y});
     }
-    return columns;
+    return table;
 }
 
 py::dict bundle(const std::string& configFile) {
-    const FibreColumns columns = inLibrary([&] { return readFibres(configFile); });
+    const FibreTable table = inLibrary([&] { return readFibres(configFile); });
     py::dict result;
-    result["ids"] = arrayOf(columns.ids);
-    result["names"] = columns.names;
-    result["statuses"] = columns.statuses;
-    result["dx"] = arrayOf(columns.dx);
-    result["dy"] = arrayOf(columns.dy);
-    result["x"] = arrayOf(columns.x);
-    result["y"] = arrayOf(columns.y);
-    result["orientation"] = radiansToDegrees(columns.orientation);
+    result["ids"] = columnOf(table.rows, &FibreRow::id);
+    result["names"] = columnOf(table.rows, &FibreRow::name);
+    result["statuses"] = columnOf(table.rows, &FibreRow::status);
+    result["dx"] = columnOf(table.rows, &FibreRow::dx);
+    result["dy"] = columnOf(table.rows, &FibreRow::dy);
+    result["x"] = columnOf(table.rows, &FibreRow::x);
+    result["y"] = columnOf(table.rows, &FibreRow::y);
+    result["orientation"] = radiansToDegrees(table.orientation);
     return result;
 }
 
 } // namespace
 
 void bindBundle(py::module_& module) {
-    module.def("bundle", &bundle, py::arg("config"));
+    module.def("bundle", &bundle);
 }
 
 } // namespace pos

@@ -1,10 +1,9 @@
 #include "LibraryCall.h"
-#include "PointedPlate.h"
+#include "Source.h"
 #include "arrays.h"
 #include "bindings.h"
 
 #include "CelestialPositionXML.h"
-#include "ConditionsXML.h"
 #include "OutputFile.h"
 #include "TargetWalk.h"
 #include "TargetXML.h"
@@ -17,13 +16,11 @@
 #include "veko_configure.h"
 #include "xmlKeywords.h"
 #include "xmlSerialise.h"
-#include "xmlStructure.h"
 
 #include <limits>
 #include <optional>
-#include <pybind11/stl.h>
-#include <stdexcept>
 #include <string>
+#include <variant>
 #include <vector>
 
 namespace pos {
@@ -32,51 +29,49 @@ namespace {
 
 namespace py = pybind11;
 
-/** Fields, column by column. */
-struct FieldColumns {
-    std::vector<double> ra; ///< degrees
-    std::vector<double> dec;
-    std::vector<std::int32_t> targets; ///< how many
+/** A field. */
+struct FieldRow {
+    double ra; ///< degrees
+    double dec;
+    std::int32_t targets; ///< how many
 };
 
-/** Targets, column by column. */
-struct TargetColumns {
-    std::vector<std::int32_t> field; ///< from 1
-    std::vector<std::int32_t> group; ///< of the field, from 1; 0 for a target that stands in none
-    std::vector<Target> target;
-    std::vector<double> ra; ///< degrees, as they are written
-    std::vector<double> dec;
-    std::vector<double> x; ///< mm; NaN where the document has none
-    std::vector<double> y;
-    std::vector<std::string> spaxel;
+/** A target. */
+struct TargetRow {
+    std::int32_t field; ///< from 1
+    std::int32_t group; ///< of the field, from 1; 0 for a target that stands in none
+    Target target;
+    double ra; ///< degrees, as it is written
+    double dec;
+    double x; ///< mm; NaN where the document has none
+    double y;
+    std::string spaxel;
 };
 
 /** What a document holds. */
-struct DocumentColumns {
+struct DocumentTables {
     double positionAngle = 0.0; ///< degrees
-    FieldColumns fields;
-    TargetColumns targets;
+    std::vector<FieldRow> fields;
+    std::vector<TargetRow> targets;
 };
 
-double numberAt(const QDomElement& element, const QString& attribute, double absent) {
-    return numberOf(element.attribute(attribute)).value_or(absent);
+/** NaN where there is none. */
+double numberAt(const QDomElement& element, const QString& attribute) {
+    return numberOf(element.attribute(attribute)).value_or(std::numeric_limits<double>::quiet_NaN());
 }
 
-void addTarget(const QDomElement& element, std::int32_t field, std::int32_t group, TargetColumns& columns) {
-    constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-    columns.target.push_back(createTargetXML(element));
-    columns.field.push_back(field);
-    columns.group.push_back(group);
-    columns.ra.push_back(numberAt(element, attr::targra, kNaN));
-    columns.dec.push_back(numberAt(element, attr::targdec, kNaN));
-    columns.x.push_back(numberAt(element, attr::targx, kNaN));
-    columns.y.push_back(numberAt(element, attr::targy, kNaN));
-    columns.spaxel.push_back(element.attribute(attr::ifuSpaxel).toStdString());
+TargetRow targetRow(const QDomElement& element, std::int32_t field, std::int32_t group) {
+    return {field,
+            group,
+            createTargetXML(element),
+            numberAt(element, attr::targra),
+            numberAt(element, attr::targdec),
+            numberAt(element, attr::targx),
+            numberAt(element, attr::targy),
+            element.attribute(attr::ifuSpaxel).toStdString()};
 }
 
-/** @return how many targets the field has */
-std::int32_t addTargets(const QDomElement& field, std::int32_t number, TargetColumns& columns) {
-    const std::size_t before = columns.target.size();
+void addTargets(const QDomElement& field, std::int32_t number, std::vector<TargetRow>& targets) {
     std::int32_t groups = 0;
     std::int32_t group = 0;
     TargetWalk walk(field);
@@ -86,92 +81,93 @@ std::int32_t addTargets(const QDomElement& field, std::int32_t number, TargetCol
         } else if (step == TargetWalk::Step::LevelLeft) {
             group = 0;
         } else {
-            addTarget(walk.element(), number, group, columns);
+            targets.push_back(targetRow(walk.element(), number, group));
         }
     }
-    return static_cast<std::int32_t>(columns.target.size() - before);
 }
 
-DocumentColumns readColumns(const QByteArray& bytes, const std::string& name, const std::string& configFile) {
+DocumentTables readTables(const Source& source, const std::string& configFile) {
     openConfig(configFile); // brings the data model version
-    const QDomElement root = loadXmlBytes(bytes, name).documentElement();
-    DocumentColumns columns;
-    columns.positionAngle = findObservationElement(root).attribute(attr::pa).toDouble();
+    const QDomElement root = load(source).documentElement();
+    DocumentTables tables;
+    tables.positionAngle = findObservationElement(root).attribute(attr::pa).toDouble();
     std::int32_t number = 0;
     for (QDomElement field = findFieldElement(root, QDomElement()); !field.isNull();
          field = findFieldElement(root, field)) {
         static_cast<void>(createAstrometricXML("Field centre", field)); // refuses what the run refuses
-        columns.fields.ra.push_back(numberAt(field, attr::raD, 0.0));
-        columns.fields.dec.push_back(numberAt(field, attr::decD, 0.0));
-        columns.fields.targets.push_back(addTargets(field, ++number, columns.targets));
+        const std::size_t before = tables.targets.size();
+        addTargets(field, ++number, tables.targets);
+        tables.fields.push_back({numberAt(field, attr::raD), numberAt(field, attr::decD),
+                                 static_cast<std::int32_t>(tables.targets.size() - before)});
     }
-    return columns;
+    return tables;
 }
 
-/** One member of all targets. */
-template <typename Get> auto columnOf(const std::vector<Target>& targets, Get get) {
-    std::vector<decltype(get(targets.front()))> values;
-    values.reserve(targets.size());
-    for (const Target& target : targets) {
-        values.push_back(get(target));
-    }
-    return values;
-}
-
-py::dict dictOf(const TargetColumns& columns) {
-    const std::vector<Target>& targets = columns.target;
+py::dict columnsOf(const std::vector<FieldRow>& rows) {
     py::dict result;
-    result["field"] = arrayOf(columns.field);
-    result["group"] = arrayOf(columns.group);
-    result["name"] = columnOf(targets, [](const Target& t) { return t.name; });
-    result["survey"] = columnOf(targets, [](const Target& t) { return t.survey; });
-    result["use"] = columnOf(targets, [](const Target& t) { return std::string(t.use); });
-    result["priority"] = arrayOf(columnOf(targets, [](const Target& t) { return t.priority; }));
-    result["configid"] =
-        arrayOf(columnOf(targets, [](const Target& t) { return static_cast<std::int64_t>(t.configid); }));
-    result["fibre"] = arrayOf(columnOf(targets, [](const Target& t) { return t.fibreid == kNoFibre ? 0 : t.fibreid; }));
-    result["automatic"] = columnOf(targets, [](const Target& t) { return t.automatic; });
-    result["ra"] = arrayOf(columns.ra);
-    result["dec"] = arrayOf(columns.dec);
-    result["epoch"] = arrayOf(columnOf(targets, [](const Target& t) { return t.position.epoch; }));
-    result["pm_ra"] = arrayOf(columnOf(targets, [](const Target& t) { return t.position.pmRa; }));
-    result["pm_dec"] = arrayOf(columnOf(targets, [](const Target& t) { return t.position.pmDec; }));
-    result["parallax"] = arrayOf(columnOf(targets, [](const Target& t) { return t.position.parallax; }));
-    result["rv"] = arrayOf(columnOf(targets, [](const Target& t) { return t.position.rv; }));
-    result["x"] = arrayOf(columns.x);
-    result["y"] = arrayOf(columns.y);
-    result["spaxel"] = columns.spaxel;
+    result["ra"] = columnOf(rows, &FieldRow::ra);
+    result["dec"] = columnOf(rows, &FieldRow::dec);
+    result["targets"] = columnOf(rows, &FieldRow::targets);
     return result;
 }
 
-py::dict document(const std::string& xml, const std::string& name, const std::string& configFile) {
-    const DocumentColumns columns =
-        inLibrary([&] { return readColumns(QByteArray::fromStdString(xml), name, configFile); });
-    py::dict fields;
-    fields["ra"] = arrayOf(columns.fields.ra);
-    fields["dec"] = arrayOf(columns.fields.dec);
-    fields["targets"] = arrayOf(columns.fields.targets);
+py::dict columnsOf(const std::vector<TargetRow>& rows) {
+    const auto ofTarget = [&](auto get) {
+        return columnOf(rows, [get](const TargetRow& row) { return get(row.target); });
+    };
     py::dict result;
-    result["pa"] = columns.positionAngle;
-    result["fields"] = fields;
-    result["targets"] = dictOf(columns.targets);
+    result["field"] = columnOf(rows, &TargetRow::field);
+    result["group"] = columnOf(rows, &TargetRow::group);
+    result["name"] = ofTarget([](const Target& t) { return t.name; });
+    result["survey"] = ofTarget([](const Target& t) { return t.survey; });
+    result["use"] = ofTarget([](const Target& t) { return std::string(t.use); });
+    result["priority"] = ofTarget([](const Target& t) { return t.priority; });
+    result["configid"] = ofTarget([](const Target& t) { return static_cast<std::int64_t>(t.configid); });
+    result["fibre"] = ofTarget([](const Target& t) { return t.fibreid == kNoFibre ? 0 : t.fibreid; });
+    result["automatic"] = ofTarget([](const Target& t) { return t.automatic; });
+    result["ra"] = columnOf(rows, &TargetRow::ra);
+    result["dec"] = columnOf(rows, &TargetRow::dec);
+    result["epoch"] = ofTarget([](const Target& t) { return t.position.epoch; });
+    result["pm_ra"] = ofTarget([](const Target& t) { return t.position.pmRa; });
+    result["pm_dec"] = ofTarget([](const Target& t) { return t.position.pmDec; });
+    result["parallax"] = ofTarget([](const Target& t) { return t.position.parallax; });
+    result["rv"] = ofTarget([](const Target& t) { return t.position.rv; });
+    result["x"] = columnOf(rows, &TargetRow::x);
+    result["y"] = columnOf(rows, &TargetRow::y);
+    result["spaxel"] = columnOf(rows, &TargetRow::spaxel);
     return result;
+}
+
+py::dict document(const Source& source, const std::string& configFile) {
+    const DocumentTables tables = inLibrary([&] { return readTables(source, configFile); });
+    py::dict result;
+    result["pa"] = tables.positionAngle;
+    result["fields"] = columnsOf(tables.fields);
+    result["targets"] = columnsOf(tables.targets);
+    return result;
+}
+
+py::bytes bytesOf(const QByteArray& content) {
+    return {content.constData(), static_cast<std::size_t>(content.size())};
 }
 
 py::bytes readBytes(const std::string& name) {
-    const auto content = inLibrary([&] { return readFile(name); });
-    if (!content) {
-        throw std::runtime_error(name + " could not be opened");
-    }
-    return {content->constData(), static_cast<std::size_t>(content->size())};
+    return bytesOf(inLibrary([&] { return loadFile(name); }));
 }
 
-py::bytes configure(const std::string& input, const std::optional<std::string>& output, const std::string& configFile,
-                    const Estimates& estimates) {
-    const QByteArray bytes = inLibrary([&] {
+void writeBytes(const std::string& name, const std::string& bytes) {
+    inLibrary([&] { writeFile(name, QByteArray::fromStdString(bytes)); });
+}
+
+/** @param input the name of a file, or a document */
+py::bytes configure(const std::variant<Source, std::string>& input, const std::optional<std::string>& output,
+                    const std::string& configFile, const Estimates& estimates) {
+    return bytesOf(inLibrary([&] {
         const PosConfig config = openConfig(configFile);
         static_cast<void>(config.get<double>("default_epoch")); // told before an input that cannot be read
-        const QDomDocument document = loadFieldDefinition(input);
+        const auto* const source = std::get_if<Source>(&input);
+        const QDomDocument document =
+            source != nullptr ? load(*source) : loadFieldDefinition(std::get<std::string>(input));
         configureDocument(config, document, estimates);
         if (output) {
             checkOutput(config, *output);
@@ -181,17 +177,17 @@ py::bytes configure(const std::string& input, const std::optional<std::string>& 
             writeFile(*output, text);
         }
         return text;
-    });
-    return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
+    }));
 }
 
 /** The problems of the instrument and of a document, as JSON. */
-std::string check(const std::string& xml, const std::string& name, const std::string& configFile,
-                  const Estimates& estimates, double fieldRadiusDeg) {
+std::string check(const Source& source, const std::string& configFile, const Estimates& estimates,
+                  double fieldRadiusDeg) {
     return inLibrary([&] {
         const double fieldRadius = degreesToRadians(fieldRadiusDeg);
         CheckedInstrument instrument = checkInstrument(configFile, fieldRadius);
         const CheckOptions options{estimates, fieldRadius, instrument.isSound};
+        const auto& [xml, name] = source;
         instrument.files.push_back(
             {name, checkDocument(QByteArray::fromStdString(xml), name, *instrument.instrument, options)});
         return problemJson(instrument.files);
@@ -208,14 +204,12 @@ Estimates estimatesOf(std::optional<double> epoch, std::optional<double> hourAng
 } // namespace
 
 void bindDocument(py::module_& module) {
-    py::class_<Estimates>(module, "Estimates")
-        .def(py::init(&estimatesOf), py::arg("epoch"), py::arg("hour_angle"), py::arg("pressure"),
-             py::arg("horizon_limit"));
-    module.def("document", &document, py::arg("xml"), py::arg("name"), py::arg("config"));
-    module.def("read_bytes", &readBytes, py::arg("name"));
-    module.def("configure", &configure, py::arg("input"), py::arg("output"), py::arg("config"), py::arg("estimates"));
-    module.def("check", &check, py::arg("xml"), py::arg("name"), py::arg("config"), py::arg("estimates"),
-               py::arg("field_radius"));
+    py::class_<Estimates>(module, "Estimates").def(py::init(&estimatesOf));
+    module.def("document", &document);
+    module.def("read_bytes", &readBytes);
+    module.def("write_bytes", &writeBytes);
+    module.def("configure", &configure);
+    module.def("check", &check);
 }
 
 } // namespace pos

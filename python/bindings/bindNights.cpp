@@ -1,16 +1,13 @@
 #include "LibraryCall.h"
-#include "PointedPlate.h"
+#include "Source.h"
 #include "bindings.h"
 
-#include "ConditionsXML.h"
 #include "Estimates.h"
-#include "OutputFile.h"
 #include "Report.h"
 #include "TelescopeConfig.h"
 #include "angles.h"
 #include "reportPage.h"
 #include "windowRecords.h"
-#include "xmlStructure.h"
 
 #include <QDate>
 #include <algorithm>
@@ -30,8 +27,7 @@ namespace py = pybind11;
 QDate eveningOf(const std::string& text) {
     const QDate date = QDate::fromString(QString::fromStdString(text), Qt::ISODate);
     if (!areSunAndMoonKnown(date)) {
-        throw py::value_error("The night of " + text +
-                              " is not between 1900 and 2100, the years in which Sun and Moon are known");
+        throw py::value_error("The night of " + text + kNotOfKnownYears);
     }
     return date;
 }
@@ -57,11 +53,6 @@ Plan planOf(const std::array<double, 3>& place, double temperature, double press
     return {{field}, degreesToRadians(place[2]), {0.0, temperature, pressure, relativeHumidity}};
 }
 
-/** The plan of a document. @param pressure millibar; kNotGiven for the document's */
-Plan planOfDocument(const std::string& xml, const std::string& name, double pressure) {
-    return readPlan(loadXmlBytes(QByteArray::fromStdString(xml), name), {.pressure = pressure});
-}
-
 /** Finds windows, a night at a time, so that signals have their turn. */
 class NightSearch {
 public:
@@ -70,17 +61,10 @@ public:
 
     /** @param first, last evenings */
     std::string find(const Plan& plan, QDate first, QDate last) {
-        std::vector<Night> nights;
-        for (QDate evening = first; evening <= last; evening = evening.addDays(1)) {
-            nights.push_back(nightOf(evening, telescope_.eastLongitude));
-        }
-        const DateContexts contexts = inLibrary([&] { return DateContexts(nights.front().begin, nights.back().end); });
+        constexpr qint64 kNightsAtOnce = 400;
         std::vector<FieldNight> found;
-        for (const Night& night : nights) {
-            const auto more = inLibrary(
-                [&] { return findFieldNights(pointing_, telescope_, plan, file_, {night}, contexts, options_); });
-            found.insert(found.end(), more.begin(), more.end());
-            endAtSignals();
+        for (QDate evening = first; evening <= last; evening = evening.addDays(kNightsAtOnce)) {
+            addNights(plan, evening, std::min(last, evening.addDays(kNightsAtOnce - 1)), found);
         }
         std::stable_sort(found.begin(), found.end(),
                          [](const FieldNight& a, const FieldNight& b) { return a.field < b.field; });
@@ -88,6 +72,19 @@ public:
     }
 
 private:
+    void addNights(const Plan& plan, QDate first, QDate last, std::vector<FieldNight>& found) {
+        const double longitude = telescope_.eastLongitude;
+        const DateContexts contexts =
+            inLibrary([&] { return DateContexts(nightOf(first, longitude).begin, nightOf(last, longitude).end); });
+        for (QDate evening = first; evening <= last; evening = evening.addDays(1)) {
+            const std::vector<Night> night = {nightOf(evening, longitude)};
+            const auto more = inLibrary(
+                [&] { return findFieldNights(pointing_, telescope_, plan, file_, night, contexts, options_); });
+            found.insert(found.end(), more.begin(), more.end());
+            endAtSignals();
+        }
+    }
+
     NightSearch(const PosConfig& config, const std::optional<std::string>& file, WindowOptions options)
         : telescope_(readTelescope(config)), pointing_(config, VEKO, Astrometric{}, 0.0, {}), file_(file),
           options_(options) {}
@@ -101,26 +98,27 @@ private:
 std::string windowsOfPlace(const std::array<double, 3>& place, const std::array<double, 3>& weather,
                            const std::string& first, const std::string& last, const std::string& configFile,
                            const WindowOptions& options) {
-    auto search = inLibrary([&] { return std::make_unique<NightSearch>(configFile, std::nullopt, options); });
-    return search->find(planOf(place, weather[0], weather[1], weather[2]), eveningOf(first), eveningOf(last));
+    auto search = inLibrary([&] { return NightSearch(configFile, std::nullopt, options); });
+    return search.find(planOf(place, weather[0], weather[1], weather[2]), eveningOf(first), eveningOf(last));
 }
 
-std::string windowsOfDocument(const std::string& xml, const std::string& name, std::optional<double> pressure,
-                              const std::string& first, const std::string& last, const std::string& configFile,
-                              const WindowOptions& options) {
+/** @param pressure millibar; nothing for the document's */
+std::string windowsOfDocument(const Source& source, std::optional<double> pressure, const std::string& first,
+                              const std::string& last, const std::string& configFile, const WindowOptions& options) {
     std::optional<Plan> plan;
     auto search = inLibrary([&] {
-        auto opened = std::make_unique<NightSearch>(configFile, name, options);
-        plan = planOfDocument(xml, name, pressure.value_or(kNotGiven));
+        NightSearch opened(configFile, source.second, options);
+        plan = readPlan(load(source), {.pressure = pressure.value_or(kNotGiven)});
         return opened;
     });
-    return search->find(*plan, eveningOf(first), eveningOf(last));
+    return search.find(*plan, eveningOf(first), eveningOf(last));
 }
 
 /** @param exposureMinutes of the exposure */
-std::string report(const std::string& xml, const std::string& name, const std::optional<std::string>& night,
-                   const std::string& configFile, const Estimates& estimates, const WindowOptions& options,
-                   double fieldRadiusDeg, double exposureMinutes) {
+std::string report(const Source& source, const std::optional<std::string>& night, const std::string& configFile,
+                   const Estimates& estimates, const WindowOptions& options, double fieldRadiusDeg,
+                   double exposureMinutes) {
+    const auto& [xml, name] = source;
     const ReportRequest request{name,
                                 QByteArray::fromStdString(xml),
                                 configFile,
@@ -136,21 +134,10 @@ std::string report(const std::string& xml, const std::string& name, const std::o
 } // namespace
 
 void bindNights(py::module_& module) {
-    py::class_<WindowOptions>(module, "WindowOptions")
-        .def(py::init(&windowOptions), py::arg("horizon_limit"), py::arg("sun_altitude"), py::arg("airmass"),
-             py::arg("moon"), py::arg("minimum"));
-    module.def("windows_of_place", &windowsOfPlace, py::arg("place"), py::arg("weather"), py::arg("first"),
-               py::arg("last"), py::arg("config"), py::arg("options"));
-    module.def("windows_of_document", &windowsOfDocument, py::arg("xml"), py::arg("name"), py::arg("pressure"),
-               py::arg("first"), py::arg("last"), py::arg("config"), py::arg("options"));
-    module.def("report", &report, py::arg("xml"), py::arg("name"), py::arg("night"), py::arg("config"),
-               py::arg("estimates"), py::arg("options"), py::arg("field_radius"), py::arg("exposure"));
-    module.def(
-        "write_bytes",
-        [](const std::string& name, const std::string& bytes) {
-            inLibrary([&] { writeFile(name, QByteArray::fromStdString(bytes)); });
-        },
-        py::arg("name"), py::arg("bytes"));
+    py::class_<WindowOptions>(module, "WindowOptions").def(py::init(&windowOptions));
+    module.def("windows_of_place", &windowsOfPlace);
+    module.def("windows_of_document", &windowsOfDocument);
+    module.def("report", &report);
 }
 
 } // namespace pos

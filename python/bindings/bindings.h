@@ -9,6 +9,8 @@
 
 namespace pos {
 
+/** What is to know about arguments: defaults and ranges. */
+void bindArguments(pybind11::module_& module);
 /** The bundle's fibres as arrays. */
 void bindBundle(pybind11::module_& module);
 /** What is different between two documents. */

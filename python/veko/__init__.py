@@ -10,8 +10,9 @@ give arrays; quantities, times and coordinates of astropy are taken too, where a
 """
 
 from ._bundle import Bundle
+from ._check import Problem, check
 from ._comparison import Comparison, compare
-from ._document import Document, Problem, check, configure, read
+from ._document import Document, configure, read
 from ._pointing import Pointing
 from ._report import Page, report
 from ._veko import Error

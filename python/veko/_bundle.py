@@ -10,7 +10,7 @@ from ._arguments import PathLike, config_name
 
 
 class Bundle:
-    """The fibres of the bundle, in ascending number.
+    """The fibres of the bundle, in ascending number. The arrays cannot be written to.
 
     Parameters
     ----------
@@ -22,7 +22,8 @@ class Bundle:
     ids : array of int
         The numbers of the fibres.
     names : array of str
-        Their spaxel names. Those that begin with "S" see the sky beside the science target.
+        Their spaxel names, the `spaxel` of a document's targets. Those that begin with "S" see the sky beside the science
+        target; a run gives them targets of `use` "S".
     statuses : array of str
         "enabled", "disabled", "broken", "bad ferrule", "no magnet", "no prism" or "absent".
     dx, dy : array of float
@@ -30,7 +31,7 @@ class Bundle:
     x, y : array of float
         Places on the plate, mm: what `Pointing.plate_to_sky` takes.
     orientation : float
-        How the bundle is turned on the plate, degrees.
+        How the bundle is turned on the plate, from its x axis towards y, degrees.
 
     Raises
     ------
@@ -58,15 +59,7 @@ class Bundle:
     orientation: float
 
     def __init__(self, config: PathLike | None = None) -> None:
-        columns = _veko.bundle(config_name(config))
-        self.ids = columns["ids"]
-        self.names = np.array(columns["names"], dtype=np.str_)
-        self.statuses = np.array(columns["statuses"], dtype=np.str_)
-        self.dx = columns["dx"]
-        self.dy = columns["dy"]
-        self.x = columns["x"]
-        self.y = columns["y"]
-        self.orientation = columns["orientation"]
+        vars(self).update(_veko.bundle(config_name(config)))
 
     def __len__(self) -> int:
         return len(self.ids)

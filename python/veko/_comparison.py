@@ -12,7 +12,7 @@ from ._arguments import Numbers, PathLike, number
 from ._document import Document, source
 
 
-@dataclass(frozen=True)
+@dataclass(frozen=True, eq=False, repr=False)
 class Comparison:
     """Two documents beside each other; as a text it tells all, and a notebook shows a picture of what moved.
 
@@ -61,9 +61,9 @@ def compare(
     first, second : path or Document
         The documents.
     plate_tolerance : float, default 0
-        Up to this, places on the plate are the same; micrometres.
+        Up to this, places on the plate are the same; micrometres, up to 1e6.
     sky_tolerance : float, default 0
-        Up to this, places on the sky are the same; arcsec.
+        Up to this, places on the sky are the same; arcsec, up to 3600.
     ignore : sequence of str, optional
         Names of attributes and elements that are left out.
 
@@ -74,7 +74,7 @@ def compare(
     Raises
     ------
     TypeError, ValueError
-        For an argument that cannot be meant.
+        For an invalid argument.
     veko.Error
         For a document that cannot be read.
 
@@ -85,8 +85,8 @@ def compare(
     >>> veko.compare(veko.configure(example), veko.configure(example)).same
     True
     """
-    if isinstance(ignore, str):
-        raise TypeError("ignore must be a sequence of names, not one text")
+    if isinstance(ignore, (str, bytes)) or not all(isinstance(name, str) for name in ignore):
+        raise TypeError("ignore must be a sequence of names")
     found, text, picture = _veko.compare(
         source(first),
         source(second),

@@ -10,20 +10,17 @@ import numpy as np
 
 from . import _veko
 from ._arguments import (
+    RANGES,
     Numbers,
     PathLike,
+    catalogue_place,
     columns,
     config_name,
-    is_coordinate,
-    julian_years,
+    direction,
     number,
     numbers,
 )
-
-_MOTION_UNITS = {"epoch": "yr", "pm_ra": "mas/yr", "pm_dec": "mas/yr", "parallax": "arcsec", "rv": "km/s"}
-_ZERO = np.zeros(())
-
-DEFAULT_TEMPERATURE, DEFAULT_PRESSURE, DEFAULT_HUMIDITY = _veko.default_weather()
+from ._options import HORIZON_LIMIT, date_epoch, horizon, hour_angle_hours, weather
 
 
 def _date(epoch: Numbers | None, mjd_tai: Numbers | None) -> float:
@@ -31,34 +28,9 @@ def _date(epoch: Numbers | None, mjd_tai: Numbers | None) -> float:
     if (epoch is None) == (mjd_tai is None):
         raise TypeError("one of epoch and mjd_tai must be given, and not both")
     if mjd_tai is None:
-        return _veko.mjd_of_epoch(number("epoch", julian_years(epoch), "yr"))
-    return number("mjd_tai", mjd_tai.tai.mjd if hasattr(mjd_tai, "tai") else mjd_tai, "d")
-
-
-def _of_coordinate(coordinate: Any, motion: dict[str, Numbers | None]) -> tuple[Numbers, Numbers]:
-    """Right ascension and declination of a SkyCoord. Its proper motion and date count where no others are given."""
-    place = coordinate.icrs
-    if "s" in place.data.differentials:
-        own = {"pm_ra": place.pm_ra_cosdec, "pm_dec": place.pm_dec, "epoch": coordinate.obstime}
-        motion.update({name: value for name, value in own.items() if motion[name] is None})
-    return place.ra, place.dec
-
-
-def _place(ra: Numbers, dec: Numbers | None, motion: dict[str, Numbers | None]) -> dict[str, Any]:
-    """A catalogue place, or many, as arrays in the units of the library."""
-    if dec is None:
-        if not is_coordinate(ra):
-            raise TypeError("dec is missing: give ra and dec, or a SkyCoord alone")
-        ra, dec = _of_coordinate(ra, motion)
-    elif is_coordinate(ra):
-        raise TypeError("ra is a SkyCoord, beside which there is no dec")
-    if motion["epoch"] is None and any(value is not None for value in motion.values()):
-        raise ValueError("epoch is missing: without it the motion of a place does not count")
-    motion["epoch"] = julian_years(motion["epoch"])
-    values = {
-        name: _ZERO if value is None else numbers(name, value, _MOTION_UNITS[name]) for name, value in motion.items()
-    }
-    return {"ra": numbers("ra", ra, "deg"), "dec": numbers("dec", dec, "deg"), **values}
+        return _veko.mjd_of_epoch(date_epoch(epoch))
+    first, last = (round(_veko.mjd_of_epoch(year)) for year in RANGES["date"])
+    return number("mjd_tai", mjd_tai.tai.mjd if hasattr(mjd_tai, "tai") else mjd_tai, "d", first, last)
 
 
 class Pointing:
@@ -69,20 +41,20 @@ class Pointing:
     Parameters
     ----------
     ra, dec : float
-        Field centre: ICRS, at the date of the pointing, degrees; `dec` is from -90 to 90.
+        Field centre: ICRS, at the date of the pointing, degrees; `dec` is from -90 to 90. In place of both, a SkyCoord.
     pa : float, default 0
-        Position angle, from north through east, degrees.
+        Position angle, from the north of the date through east, degrees from -360 to 360.
     epoch : float or astropy.time.Time
-        Date as Julian epoch, years.
+        Date as Julian epoch, years on the scale TAI, from 1960 to 2200.
     mjd_tai : float or astropy.time.Time
         Date as Modified Julian Date, TAI. Either this or `epoch` is required.
     hour_angle : float, optional
-        The date moves, by up to half a day, until the field centre has this hour angle to a second of time; hours,
-        positive west of the meridian. Without it the date stays.
+        The date moves, by up to half a day, until the field centre has this hour angle to a second of time; hours from
+        -12 to 12, positive west of the meridian. Without it the date stays.
     temperature : float, default 283
-        Kelvin.
+        Kelvin, from 123.15 to 473.15.
     pressure : float, default 660
-        Millibar; 0 means no refraction.
+        Millibar, up to 10000; 0 means no refraction.
     relative_humidity : float, default 0.2
         From 0 to 1.
     config : path, optional
@@ -91,13 +63,18 @@ class Pointing:
     Raises
     ------
     TypeError, ValueError
-        For an argument that cannot be meant; the message names it.
+        For an invalid argument; the message names it.
     veko.Error
         For a configuration that cannot be read, or an hour angle that cannot be reached.
 
     Notes
     -----
     Numbers may be quantities of astropy, in any fitting unit.
+
+    The optical model is that of the plate, some 1.1 degrees around the field centre. Farther away the conversions go on
+    with its formula, and their numbers mean little.
+
+    A pickled pointing has the name of its configuration, which is read again where it comes back.
 
     Examples
     --------
@@ -113,38 +90,34 @@ class Pointing:
     def __init__(
         self,
         ra: Numbers,
-        dec: Numbers,
+        dec: Numbers | None = None,
         pa: Numbers = 0.0,
         *,
         epoch: Numbers | None = None,
         mjd_tai: Numbers | None = None,
         hour_angle: Numbers | None = None,
-        temperature: Numbers = DEFAULT_TEMPERATURE,
-        pressure: Numbers = DEFAULT_PRESSURE,
-        relative_humidity: Numbers = DEFAULT_HUMIDITY,
+        temperature: Numbers | None = None,
+        pressure: Numbers | None = None,
+        relative_humidity: Numbers | None = None,
         config: PathLike | None = None,
     ) -> None:
-        conditions = (
-            _date(epoch, mjd_tai),
-            number("temperature", temperature, "K", low=0),
-            number("pressure", pressure, "mbar", low=0),
-            number("relative_humidity", relative_humidity, low=0, high=1),
-        )
         self._plate = _veko.PointedPlate(
             config_name(config),
-            number("ra", ra, "deg"),
-            number("dec", dec, "deg", -90, 90),
-            number("pa", pa, "deg"),
-            conditions,
-            None if hour_angle is None else number("hour_angle", hour_angle, "hourangle"),
+            *direction(ra, dec),
+            number("pa", pa, "deg", *RANGES["pa"]),
+            [_date(epoch, mjd_tai), *weather(temperature, pressure, relative_humidity)],
+            hour_angle_hours(hour_angle),
         )
 
     def __copy__(self) -> Pointing:
-        return copy.deepcopy(self)
+        copied = object.__new__(type(self))
+        vars(copied).update(vars(self), _plate=copy.copy(self._plate))
+        return copied
 
     def __repr__(self) -> str:
-        ra, dec = self.field_centre
-        return f"veko.Pointing({ra:.6f}, {dec:.6f}, {self.pa:g}, mjd_tai={self.mjd_tai:.6f})"
+        now = self._plate.state()
+        centre = f"{now['ra']:.6f} {now['dec']:.6f}, pa {now['pa']:g}, mjd_tai {now['mjd_tai']:.6f}"
+        return f"<veko.Pointing {centre}, hour angle {now['hour_angle']:.2f}, altitude {now['altitude']:.1f}>"
 
     def sky_to_plate(
         self,
@@ -164,13 +137,14 @@ class Pointing:
         Parameters
         ----------
         ra, dec : array_like
-            Catalogue places: ICRS, degrees. In place of both, a SkyCoord, whose proper motion and `obstime` count.
+            Catalogue places: ICRS, degrees. In place of both, a SkyCoord; where it has a proper motion, this counts, with
+            its `obstime`, distance and radial velocity, as far as the arguments below are not given.
         epoch : array_like or astropy.time.Time, optional
-            Julian epoch of the places, years. Without it they do not move.
+            Julian epoch of the places, years up to 2200. Without it, or where it is 0 or less, they do not move.
         pm_ra, pm_dec : array_like, optional
             Proper motions, mas/yr; that in right ascension has the factor cos(dec). They need `epoch`.
         parallax : array_like, optional
-            Arcsec. It only changes the proper motion a little; the annual parallax is not applied.
+            Arcsec, at most 0.77. It only changes the proper motion a little; the annual parallax is not applied.
         rv : array_like, optional
             Radial velocity, km/s, positive receding.
 
@@ -183,7 +157,7 @@ class Pointing:
         Raises
         ------
         TypeError, ValueError
-            For an argument that cannot be meant, and for shapes that do not fit together.
+            For an invalid argument, and for shapes that do not fit together.
 
         Examples
         --------
@@ -193,8 +167,8 @@ class Pointing:
         >>> print(x.round(6) + 0, y.round(6) + 0)
         [ 0. nan] [ 0. nan]
         """
-        motion = {"epoch": epoch, "pm_ra": pm_ra, "pm_dec": pm_dec, "parallax": parallax, "rv": rv}
-        shape, values = columns(**_place(ra, dec, motion))
+        place = catalogue_place(ra, dec, epoch=epoch, pm_ra=pm_ra, pm_dec=pm_dec, parallax=parallax, rv=rv)
+        shape, values = columns(**place)
         x, y = self._plate.sky_to_plate(math.prod(shape), values)
         return x.reshape(shape)[()], y.reshape(shape)[()]
 
@@ -215,7 +189,7 @@ class Pointing:
         Raises
         ------
         TypeError, ValueError
-            For an argument that cannot be meant, and for shapes that do not fit together.
+            For an invalid argument, and for shapes that do not fit together.
 
         Examples
         --------
@@ -234,8 +208,8 @@ class Pointing:
     def place(
         self,
         ra: Numbers,
-        dec: Numbers | None,
-        fibre: int,
+        dec: Numbers | None = None,
+        fibre: int | np.integer[Any] | None = None,
         *,
         epoch: Numbers | None = None,
         pm_ra: Numbers | None = None,
@@ -248,16 +222,16 @@ class Pointing:
         Parameters
         ----------
         ra, dec : float
-            Catalogue place: ICRS, degrees; a SkyCoord and None will do, too.
+            Catalogue place: ICRS, degrees. In place of both, a SkyCoord.
         fibre : int
-            Number of the fibre, see `Bundle`.
+            Number of the fibre, see `Bundle`; required. It may be a broken one.
         epoch, pm_ra, pm_dec, parallax, rv : float, optional
             As `sky_to_plate` takes them.
 
         Raises
         ------
         TypeError, ValueError
-            For an argument that cannot be meant.
+            For an invalid argument.
         veko.Error
             For a fibre that does not exist, or a pointing that cannot be found; the pointing is then the one before.
 
@@ -270,24 +244,26 @@ class Pointing:
         >>> print(f"{abs(x):.3f} {y:.3f}")
         0.000 -20.000
         """
-        motion = {"epoch": epoch, "pm_ra": pm_ra, "pm_dec": pm_dec, "parallax": parallax, "rv": rv}
-        values = [number(name, value) for name, value in _place(ra, dec, motion).items()]
-        if not isinstance(fibre, (int, np.integer)):
+        place = catalogue_place(ra, dec, epoch=epoch, pm_ra=pm_ra, pm_dec=pm_dec, parallax=parallax, rv=rv)
+        values = [number(name, value) for name, value in place.items()]
+        if not isinstance(fibre, (int, np.integer)) or isinstance(fibre, bool):
             raise TypeError(f"fibre must be an integer, not {type(fibre).__name__}")
         if not 0 <= fibre < 2**31:
             raise ValueError(f"fibre must be the number of a fibre, not {fibre}")
         self._plate.place(values, int(fibre))
 
-    def check(self, horizon_limit: Numbers = 25.0) -> None:
+    def check(self, horizon_limit: Numbers = HORIZON_LIMIT) -> None:
         """Checks horizon and rotator as the run does.
 
         Parameters
         ----------
         horizon_limit : float, default 25
-            Altitude above which the field centre must be, degrees.
+            Altitude above which the field centre must be, degrees from -90 to 90.
 
         Raises
         ------
+        TypeError, ValueError
+            For an invalid argument.
         veko.Error
             "field is below the horizon limit" or "field position angle is outside the rotator limits".
 
@@ -298,20 +274,29 @@ class Pointing:
         Traceback (most recent call last):
         veko.Error: field is below the horizon limit
         """
-        self._plate.check(number("horizon_limit", horizon_limit, "deg", -90, 90))
+        self._plate.check(horizon(horizon_limit))
 
-    def hour_angle_limits(self, horizon_limit: Numbers = 25.0) -> tuple[float, float]:
-        """The hour angles between which the field stays observable, as the run writes them.
+    def hour_angle_limits(self, horizon_limit: Numbers = HORIZON_LIMIT) -> tuple[float, float]:
+        """The hour angles that a run writes as limits: how far the field can be followed from where it is now.
+
+        They begin and end at the horizon limit, or where the rotator is at one of its ends; the field must pass `check` now.
+        Where it does not, they mean nothing: ask `windows`, which knows all intervals of a night.
 
         Parameters
         ----------
         horizon_limit : float, default 25
-            Altitude above which the field centre must be, degrees.
+            Altitude above which the field centre must be, degrees from -90 to 90.
 
         Returns
         -------
-        earliest, latest : float
-            Hours. Both are 0 for a field that is below the limit now, and NaN for one that nothing limits.
+        smaller, larger : float
+            Hours; of a field that never sets, up to a turn beyond -12 and 12. Both are 0 for a field that is below the limit
+            now, and NaN for one that has no limit. A document has the smaller as `latest`, the larger as `earliest`.
+
+        Raises
+        ------
+        TypeError, ValueError
+            For an invalid argument.
 
         Examples
         --------
@@ -320,64 +305,65 @@ class Pointing:
         >>> print(f"{limits[0]:.2f} {limits[1]:.2f}")
         -3.51 3.51
         """
-        return self._plate.hour_angle_limits(number("horizon_limit", horizon_limit, "deg", -90, 90))
+        return self._plate.hour_angle_limits(horizon(horizon_limit))
 
     @property
     def field_centre(self) -> tuple[float, float]:
-        """Right ascension and declination of the field centre: ICRS at the date of the pointing, degrees."""
-        return self._plate.field_centre
+        """Right ascension, from 0 to 360, and declination: ICRS at the date of the pointing, degrees."""
+        now = self._plate.state()
+        return now["ra"], now["dec"]
 
     @property
     def pa(self) -> float:
-        """Position angle, from north through east, degrees, from -180 to 180."""
-        return self._plate.pa
+        """Position angle, from the north of the date through east, degrees, from -180 to 180."""
+        return self._plate.state()["pa"]
 
     @property
     def mjd_tai(self) -> float:
         """The date: Modified Julian Date, TAI."""
-        return self._plate.conditions[0]
+        return self._plate.state()["mjd_tai"]
 
     @property
     def temperature(self) -> float:
         """Kelvin."""
-        return self._plate.conditions[1]
+        return self._plate.state()["temperature"]
 
     @property
     def pressure(self) -> float:
         """Millibar."""
-        return self._plate.conditions[2]
+        return self._plate.state()["pressure"]
 
     @property
     def relative_humidity(self) -> float:
         """From 0 to 1."""
-        return self._plate.conditions[3]
+        return self._plate.state()["relative_humidity"]
 
     @property
     def altitude(self) -> float:
         """Observed altitude of the field centre, degrees, from -90 to 90."""
-        return self._plate.altitude
+        return self._plate.state()["altitude"]
 
     @property
     def airmass(self) -> float:
         """Airmass of the field centre; NaN below the horizon."""
-        return self._plate.airmass
+        return self._plate.state()["airmass"]
 
     @property
     def azimuth(self) -> float:
         """Observed azimuth of the field centre, from north through east, degrees, from 0 to 360."""
-        return self._plate.azimuth
+        return self._plate.state()["azimuth"]
 
     @property
     def hour_angle(self) -> float:
         """Observed hour angle of the field centre, positive west of the meridian, hours, from -12 to 12."""
-        return self._plate.hour_angle
+        return self._plate.state()["hour_angle"]
 
     @property
     def parallactic_angle(self) -> float:
         """Parallactic angle of the field centre, degrees, from -180 to 180."""
-        return self._plate.parallactic_angle
+        return self._plate.state()["parallactic_angle"]
 
     @property
     def rotator_angle(self) -> float:
         """The rotator angle that the pointing needs, degrees, from -180 to 180."""
-        return self._plate.rotator_angle
+        return self._plate.state()["rotator_angle"]

@@ -3,13 +3,12 @@
 from __future__ import annotations
 
 import html
-import os
 from dataclasses import dataclass
 
 from . import _veko
-from ._arguments import Numbers, PathLike, config_name, number
-from ._document import Document, estimates, field_radius_of, source
-from ._windows import Date, evening, window_options
+from ._arguments import Numbers, PathLike, file_name, number
+from ._document import Document, configuration, source
+from ._options import HORIZON_LIMIT, Date, estimates, evening, field_radius_degrees, window_options
 
 
 @dataclass(frozen=True)
@@ -33,7 +32,7 @@ class Page:
 
     def write(self, path: PathLike) -> None:
         """Writes the page to a file, whole or not at all. Raises `veko.Error` where that is not possible."""
-        _veko.write_bytes(os.fsencode(path), self.html.encode())
+        _veko.write_bytes(file_name("path", path), self.html.encode())
 
 
 def report(
@@ -43,7 +42,7 @@ def report(
     epoch: Numbers | None = None,
     hour_angle: Numbers | None = None,
     pressure: Numbers | None = None,
-    horizon_limit: Numbers = 25.0,
+    horizon_limit: Numbers = HORIZON_LIMIT,
     twilight: str | Numbers = "nautical",
     airmass: Numbers | None = None,
     moon: Numbers | None = None,
@@ -65,7 +64,7 @@ def report(
     twilight, airmass, moon, minimum
         As `windows` takes them.
     exposure : float, default 60
-        Length of the exposure, for refraction, minutes.
+        Length of the exposure, for refraction, minutes up to 1440.
     field_radius : float, default 1
         As `check` takes it.
 
@@ -76,7 +75,7 @@ def report(
     Raises
     ------
     TypeError, ValueError
-        For an argument that cannot be meant.
+        For an invalid argument.
     veko.Error
         For a document that the run refuses, with each error and its place on a line of its own.
 
@@ -85,16 +84,14 @@ def report(
     >>> import veko
     >>> veko.report("examples/sombrero_south.xml").write("/dev/null")
     """
-    xml, name = source(document)
     return Page(
         _veko.report(
-            xml,
-            name,
+            source(document),
             None if night is None else evening("night", night),
-            config_name(config),
+            configuration(document, config),
             estimates(epoch, hour_angle, pressure, horizon_limit),
             window_options(horizon_limit, twilight, airmass, moon, minimum),
-            field_radius_of(field_radius),
+            field_radius_degrees(field_radius),
             number("exposure", exposure, "min", 0, 1440),
         )
     )

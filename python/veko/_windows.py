@@ -5,75 +5,42 @@ from __future__ import annotations
 import datetime
 import json
 import math
+import os
 from dataclasses import dataclass
 from typing import Any
 
+import numpy as np
+
 from . import _veko
-from ._arguments import Numbers, PathLike, config_name, is_coordinate, number, optional
-from ._document import Document, source
-from ._pointing import DEFAULT_HUMIDITY, DEFAULT_PRESSURE, DEFAULT_TEMPERATURE
+from ._arguments import RANGES, Numbers, PathLike, config_name, direction, is_coordinate, optional
+from ._document import Document, configuration, source
+from ._options import HORIZON_LIMIT, Date, evening, pressure_of, weather, window_options
 
-Date = str | datetime.date
-
-TWILIGHTS = {"civil": -6.0, "nautical": -12.0, "astronomical": -18.0, "none": None}
-
-
-def evening(name: str, date: Date) -> str:
-    """A date as YYYY-MM-DD."""
-    if isinstance(date, datetime.datetime) or not isinstance(date, (str, datetime.date)):
-        raise TypeError(f"{name} must be a date or a text YYYY-MM-DD, not {type(date).__name__}")
-    try:
-        return (datetime.date.fromisoformat(date) if isinstance(date, str) else date).isoformat()
-    except ValueError:
-        raise ValueError(f"{name} is not a date YYYY-MM-DD: {date}") from None
-
-
-def _sun_altitude(twilight: str | Numbers) -> float | None:
-    """The altitude below which the Sun must be, degrees."""
-    if not isinstance(twilight, str):
-        return number("twilight", twilight, "deg", -90, 0)
-    if twilight not in TWILIGHTS:
-        raise ValueError(f"twilight must be one of {', '.join(TWILIGHTS)} or an altitude, not {twilight}")
-    return TWILIGHTS[twilight]
-
-
-def window_options(
-    horizon_limit: Numbers, twilight: str | Numbers, airmass: Numbers | None, moon: Numbers | None, minimum: Numbers
-) -> _veko.WindowOptions:
-    """What must hold in a window."""
-    return _veko.WindowOptions(
-        number("horizon_limit", horizon_limit, "deg"),
-        _sun_altitude(twilight),
-        optional("airmass", airmass, low=1, high=40),
-        optional("moon", moon, "deg", 0, 180),
-        number("minimum", minimum, "min", 0, 1440),
-    )
-
-
-@dataclass(frozen=True)
+@dataclass(frozen=True, repr=False)
 class Moment:
     """Where a field stands at an instant.
 
     Attributes
     ----------
     utc : datetime.datetime
-        To the millisecond.
+        To the millisecond, with its time zone; a leap second is the first of the next day.
     mjd_tai : float
         Modified Julian Date, TAI.
     epoch : float
-        Julian epoch: with it `configure` comes to this instant.
+        Julian epoch, years, TAI. `configure` with it as `epoch` and with `run_hour_angle` as `hour_angle` comes to this
+        instant.
     sidereal_time : float
-        Local apparent, hours.
+        Local apparent, hours from 0 to 24.
     hour_angle : float
-        Observed, hours.
+        Observed, positive west of the meridian, hours from -12 to 12.
     run_hour_angle : float
-        The same of the first field of the document, which a run takes for that of all.
+        The observed hour angle of the document's first field at this instant, hours from -12 to 12.
     altitude, azimuth : float
-        Observed, degrees.
+        Observed, degrees; azimuth from north through east, 0 to 360.
     airmass : float
         NaN below the horizon.
     parallactic_angle, rotator_angle : float
-        Degrees.
+        Degrees from -180 to 180.
     """
 
     utc: datetime.datetime
@@ -88,8 +55,12 @@ class Moment:
     parallactic_angle: float
     rotator_angle: float
 
+    def __repr__(self) -> str:
+        place = f"hour angle {self.hour_angle:.2f}, altitude {self.altitude:.1f}"
+        return f"<veko.Moment {self.utc:%Y-%m-%d %H:%M:%S} UTC, {place}>"
 
-@dataclass(frozen=True)
+
+@dataclass(frozen=True, repr=False)
 class Window:
     """An interval in which a field can be observed.
 
@@ -115,8 +86,12 @@ class Window:
         """The length, hours."""
         return (self.end.mjd_tai - self.start.mjd_tai) * 24
 
+    def __repr__(self) -> str:
+        times = f"{self.start.utc:%Y-%m-%d %H:%M} to {self.end.utc:%H:%M} UTC"
+        return f"<veko.Window {times}, from {self.start_limit} to {self.end_limit}>"
 
-@dataclass(frozen=True)
+
+@dataclass(frozen=True, repr=False)
 class NightWindows:
     """The windows of a field in a night.
 
@@ -140,10 +115,25 @@ class NightWindows:
     windows: tuple[Window, ...]
     reason: str | None
 
+    @property
+    def hours(self) -> float:
+        """The length of all windows, hours; 0 where there is none."""
+        return math.fsum(window.hours for window in self.windows)
+
+    def __repr__(self) -> str:
+        found = ", ".join(map(repr, self.windows)) or self.reason
+        return f"<veko.NightWindows {self.night}, field {self.field}: {found}>"
+
+
+def _utc(text: str) -> datetime.datetime:
+    """An instant of ISO 8601. The type knows no second 60."""
+    leap = datetime.timedelta(seconds=1 if ":60" in text else 0)
+    return datetime.datetime.fromisoformat(text.replace(":60", ":59").replace("Z", "+00:00")) + leap
+
 
 def _moment(found: dict[str, Any]) -> Moment:
     return Moment(
-        utc=datetime.datetime.fromisoformat(found["utc"].replace("Z", "+00:00")),
+        utc=_utc(found["utc"]),
         mjd_tai=found["mjdTai"],
         epoch=found["epoch"],
         sidereal_time=found["lstHours"],
@@ -170,18 +160,16 @@ def _night(found: dict[str, Any]) -> NightWindows:
 
 def _place(what: Any, pa: Numbers | None) -> tuple[float, float, float]:
     """Right ascension, declination and position angle, degrees."""
-    ra, dec = (what.icrs.ra, what.icrs.dec) if is_coordinate(what) else what
-    return number("ra", ra, "deg", 0, 360), number("dec", dec, "deg", -90, 90), optional("pa", pa, "deg") or 0.0
-
-
-def _weather(temperature: Numbers | None, pressure: Numbers | None, humidity: Numbers | None) -> list[float]:
-    given = (
-        optional("temperature", temperature, "K", low=0),
-        optional("pressure", pressure, "mbar", low=0),
-        optional("relative_humidity", humidity, low=0, high=1),
-    )
-    defaults = (DEFAULT_TEMPERATURE, DEFAULT_PRESSURE, DEFAULT_HUMIDITY)
-    return [default if value is None else value for value, default in zip(given, defaults)]
+    if is_coordinate(what):
+        ra, dec = direction(what, None)
+    elif isinstance(what, (tuple, list, np.ndarray)) and len(what) == 2:
+        ra, dec = direction(*what)
+    else:
+        raise TypeError(
+            "what must be the name of a file, a Document, a pair of right ascension and declination, or a SkyCoord, "
+            f"not {type(what).__name__}"
+        )
+    return ra, dec, optional("pa", pa, "deg", *RANGES["pa"]) or 0.0
 
 
 def windows(
@@ -193,7 +181,7 @@ def windows(
     airmass: Numbers | None = None,
     moon: Numbers | None = None,
     minimum: Numbers = 0.0,
-    horizon_limit: Numbers = 25.0,
+    horizon_limit: Numbers = HORIZON_LIMIT,
     pressure: Numbers | None = None,
     pa: Numbers | None = None,
     temperature: Numbers | None = None,
@@ -215,19 +203,20 @@ def windows(
     airmass : float, optional
         Greatest airmass, from 1 to 40.
     moon : float, optional
-        Least distance from the Moon while that is up, degrees.
+        Least distance from the Moon while that is up, degrees from 0 to 180.
     minimum : float, default 0
-        Length of the shortest window that counts, minutes.
+        Length of the shortest window that counts, minutes up to 1440.
     horizon_limit : float, default 25
-        Altitude above which the field must be, degrees.
+        Altitude above which the field must be, degrees from -90 to 90.
     pressure : float, optional
-        Millibar; without it the document's, or 660.
+        Millibar; without it the document's, or 660. For a place 0 means no refraction.
     pa : float, optional
-        Of a place: position angle, degrees; 0 without it.
+        Of a place: position angle, from the north of the date through east, degrees from -360 to 360; 0 without it. It
+        decides where the rotator ends a window: a field that culminates north of the zenith needs one near 180.
     temperature, relative_humidity : float, optional
         Of a place: kelvin, and from 0 to 1; 283 and 0.2 without them.
     config : path, optional
-        A configuration file; without it the built-in instrument counts.
+        A configuration file; without it that with which the document was read, or the built-in one.
 
     Returns
     -------
@@ -237,7 +226,7 @@ def windows(
     Raises
     ------
     TypeError, ValueError
-        For an argument that cannot be meant.
+        For an invalid argument.
     veko.Error
         For a document or a configuration that cannot be read.
 
@@ -252,14 +241,14 @@ def windows(
     first, final = evening("night", night), evening("last", night if last is None else last)
     if final < first:
         raise ValueError("last is before night")
-    if is_coordinate(what) or (isinstance(what, (tuple, list)) and len(what) == 2):
-        weather = _weather(temperature, pressure, relative_humidity)
-        text = _veko.windows_of_place(_place(what, pa), weather, first, final, config_name(config), options)
-    else:
+    if isinstance(what, (Document, str, bytes, os.PathLike)):
         for name, value in {"pa": pa, "temperature": temperature, "relative_humidity": relative_humidity}.items():
             if value is not None:
                 raise TypeError(f"{name} is for a place; a document has its own")
-        xml, file = source(what)
-        low = optional("pressure", pressure, "mbar", low=0)
-        text = _veko.windows_of_document(xml, file, low, first, final, config_name(config), options)
+        text = _veko.windows_of_document(
+            source(what), pressure_of(pressure), first, final, configuration(what, config), options
+        )
+    else:
+        air = weather(temperature, pressure, relative_humidity)
+        text = _veko.windows_of_place(_place(what, pa), air, first, final, config_name(config), options)
     return [_night(found) for found in json.loads(text)["nights"]]

@@ -7,8 +7,10 @@ import os
 import pathlib
 import shutil
 import subprocess
+from typing import Any
 
 import pytest
+import veko
 from hypothesis import settings
 
 # The same cases in every run, and nothing kept in the tree.
@@ -18,7 +20,15 @@ settings.load_profile("fixed")
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 PROGRAM = os.environ["VEKO_CONFIGURE"]
 VEKO = os.environ["VEKO"]
+LIBRARY_PLACES = os.environ["LIBRARY_PLACES"]
 EXAMPLES = sorted((ROOT / "examples").glob("*.xml"))
+SOMBRERO = ROOT / "examples/sombrero_south.xml"
+
+
+NIGHT: dict[str, Any] = {"twilight": -15, "airmass": 2, "moon": 30, "minimum": 20, "horizon_limit": 28, "pressure": 700}
+NIGHT_OPTIONS = ["--twilight", "-15", "--airmass", "2", "--moon", "30", "--minimum", "20", "--horizon_limit", "28"]
+NIGHT_OPTIONS += ["--pressure", "700"]
+"""What is asked of a night, in Python and on the command line."""
 
 
 def golden(name: str) -> list[dict[str, str]]:
@@ -30,6 +40,12 @@ def golden(name: str) -> list[dict[str, str]]:
 def run(*arguments: object) -> subprocess.CompletedProcess[str]:
     """What a program does with its arguments."""
     return subprocess.run([str(argument) for argument in arguments], capture_output=True, text=True)
+
+
+def m64(**changes: Any) -> veko.Pointing:
+    """The pointing of docs/position.md."""
+    values: dict[str, Any] = {"ra": 194.182151, "dec": 21.781378, "pa": 30, "mjd_tai": 60783.98, "pressure": 770, **changes}
+    return veko.Pointing(**values)
 
 
 def replaced(text: str, old: str, new: str) -> str:
@@ -50,3 +66,19 @@ def other_config(tmp_path: pathlib.Path) -> pathlib.Path:
     text = replaced(text, '<VEKO x0="0.0" y0="0.0" r0="0.0"/>', '<VEKO x0="1.5" y0="-2.25" r0="7"/>')
     focal_plane_map.write_text(text)
     return config
+
+
+@pytest.fixture
+def newer_config(other_config: pathlib.Path) -> pathlib.Path:
+    """The same with a data model version of its own."""
+    for file in other_config.parent.glob("*.xml"):
+        file.write_text(file.read_text().replace('datamver="8.00"', 'datamver="9.00"'))
+    return other_config
+
+
+@pytest.fixture
+def newer_document(tmp_path: pathlib.Path) -> pathlib.Path:
+    """The example with that data model version."""
+    document = tmp_path / "newer.xml"
+    document.write_text(replaced(SOMBRERO.read_text(), 'datamver="8.00"', 'datamver="9.00"'))
+    return document

@@ -9,9 +9,8 @@ from typing import Any
 import numpy as np
 import pytest
 import veko
-from conftest import EXAMPLES, PROGRAM, ROOT, VEKO, replaced, run
+from conftest import EXAMPLES, PROGRAM, ROOT, SOMBRERO, VEKO, replaced, run
 
-SOMBRERO = ROOT / "examples/sombrero_south.xml"
 ESTIMATES: dict[str, Any] = {"epoch": 2027.4, "hour_angle": 0.25, "pressure": 700, "horizon_limit": 30}
 OPTIONS = ["--epoch", "2027.4", "--ha", "0.25", "--pressure", "700", "--horizon_limit", "30"]
 
@@ -35,6 +34,15 @@ def test_configure_takes_what_the_command_line_takes(tmp_path: pathlib.Path, oth
     theirs = tmp_path / "theirs.xml"
     assert run(PROGRAM, "-i", SOMBRERO, "-o", theirs, *OPTIONS, "-c", other_config).returncode == 0
     assert veko.configure(SOMBRERO, **ESTIMATES, config=other_config).xml == theirs.read_bytes()
+
+
+def test_a_document_in_memory_is_configured_without_its_file(newer_document: pathlib.Path, newer_config: pathlib.Path) -> None:
+    expected = veko.configure(newer_document, config=newer_config)
+    document = veko.read(newer_document, config=newer_config)
+    newer_document.unlink()
+    again = veko.configure(document)
+    assert (again.xml, again.name, again.config) == (expected.xml, str(newer_document), newer_config)
+    assert (document.configured, again.configured) == (False, True)
 
 
 FAULTS = {
@@ -103,6 +111,19 @@ def test_a_document_has_every_field_and_target_of_its_text(example: pathlib.Path
         np.testing.assert_array_equal([found["x"], found["y"]], plate)
 
 
+def test_what_a_document_has_cannot_be_changed() -> None:
+    document: Any = veko.read(SOMBRERO)
+    with pytest.raises(AttributeError):
+        document.pa = 77
+    with pytest.raises(ValueError, match="read-only"):
+        document.targets["ra"][0] = 77
+
+
+def test_a_field_without_a_centre_has_none(tmp_path: pathlib.Path) -> None:
+    fields = veko.read(ROOT / "examples/virgo_two_fields.xml").fields
+    np.testing.assert_array_equal(np.isnan(fields["ra"]), [False, True])
+
+
 def test_groups_and_motions_are_read(tmp_path: pathlib.Path) -> None:
     star = '<target targname="α" targuse="C" targra="190.10000" targdec="-11.60000" targepoch="2016" targpmra="1.5" ' \
            'targpmdec="-2" targparal="0.25" targrv="30" targprio="3" targsrvy="S"/>'
@@ -130,17 +151,12 @@ def test_a_table_has_the_columns_with_their_units() -> None:
     assert table["name"].unit is None
 
 
-@pytest.mark.parametrize("fault", FAULTS)
-def test_check_finds_what_veko_check_finds(fault: str, tmp_path: pathlib.Path) -> None:
-    document = changed(tmp_path, *FAULTS[fault])
-    program = json.loads(run(VEKO, "check", "--format", "json", document).stdout)
-    expected = [problem for file in program["documents"] for problem in file["problems"]]
-    found = veko.check(document)
-    assert found
-    assert any(problem.severity == "error" for problem in found)
-    assert found == [
+def problems_of(*arguments: object) -> list[veko.Problem]:
+    """What veko check finds."""
+    found = json.loads(run(VEKO, "check", "--format", "json", *arguments).stdout)
+    return [
         veko.Problem(
-            str(document),
+            file["file"],
             problem["code"],
             problem["severity"],
             problem["line"],
@@ -151,8 +167,25 @@ def test_check_finds_what_veko_check_finds(fault: str, tmp_path: pathlib.Path) -
             problem["help"],
             problem["fix"]["text"] if problem["fix"] else None,
         )
-        for problem in expected
+        for file in found["documents"]
+        for problem in file["problems"]
     ]
+
+
+@pytest.mark.parametrize("fault", FAULTS)
+def test_check_finds_what_veko_check_finds(fault: str, tmp_path: pathlib.Path) -> None:
+    document = changed(tmp_path, *FAULTS[fault])
+    found = veko.check(document)
+    assert any(problem.severity == "error" for problem in found)
+    assert found == problems_of(document)
+
+
+def test_check_takes_what_the_command_line_takes(newer_document: pathlib.Path, newer_config: pathlib.Path) -> None:
+    expected = problems_of(newer_document, *OPTIONS, "--field_radius", "0.01", "-c", newer_config)
+    assert {"VK401", "VK617"} <= {problem.code for problem in expected}
+    assert veko.check(newer_document, **ESTIMATES, field_radius=0.01, config=newer_config) == expected
+    document = veko.read(newer_document, config=newer_config)
+    assert veko.check(document, **ESTIMATES, field_radius=0.01) == expected
 
 
 def test_check_finds_problems_of_the_instrument_too(other_config: pathlib.Path) -> None:
@@ -166,3 +199,27 @@ def test_a_document_in_memory_is_checked_without_its_file(tmp_path: pathlib.Path
     document = veko.read(changed(tmp_path, 'targuse="G"', 'targuse="S"'))
     (tmp_path / "field.xml").unlink()
     assert [problem.code for problem in veko.check(document)] == ["VK106"]
+
+
+def test_a_document_is_written_whole_or_not_at_all(tmp_path: pathlib.Path) -> None:
+    document = veko.configure(SOMBRERO)
+    document.write(tmp_path / "output.xml")
+    assert (tmp_path / "output.xml").read_bytes() == document.xml
+    with pytest.raises(veko.Error, match="^File open error: Unable to open output file$"):
+        document.write(tmp_path / "no_folder" / "output.xml")
+
+
+def test_things_tell_what_they_are() -> None:
+    document = veko.configure(SOMBRERO)
+    (night,) = veko.windows(SOMBRERO, "2027-04-01")
+    window = night.windows[0]
+    shown = [document, veko.Bundle(), veko.compare(document, document), window, window.best, night]
+    assert [repr(thing).replace(str(ROOT) + "/", "") for thing in shown] == [
+        "<veko.Document examples/sombrero_south.xml, configured: fields 1, targets 604>",
+        "<veko.Bundle of 603 fibres>",
+        "<veko.Comparison: same True, fields 1, differences 0>",
+        "<veko.Window 2027-04-01 21:42 to 04:42 UTC, from horizon to horizon>",
+        f"<veko.Moment 2027-04-02 {window.best.utc:%H:%M:%S} UTC, hour angle 0.00, altitude 49.5>",
+        "<veko.NightWindows 2027-04-01, field 1: "
+        "<veko.Window 2027-04-01 21:42 to 04:42 UTC, from horizon to horizon>>",
+    ]

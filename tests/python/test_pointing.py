@@ -1,11 +1,13 @@
-"""Pointings of the plate: against another program, the exact run, and each other."""
+"""Pointings of the plate: against another program, veko_configure, and each other."""
 
 import contextlib
 import copy
+import multiprocessing
 import pathlib
 import pickle
-import re
+import shutil
 import subprocess
+import sys
 import threading
 import xml.etree.ElementTree as ElementTree
 from collections.abc import Callable
@@ -15,7 +17,7 @@ import hypothesis.extra.numpy as hnp
 import numpy as np
 import pytest
 import veko
-from conftest import EXAMPLES, PROGRAM, golden
+from conftest import EXAMPLES, LIBRARY_PLACES, PROGRAM, SOMBRERO, golden, m64, run
 from hypothesis import given
 from hypothesis import strategies as st
 from numpy.typing import NDArray
@@ -24,12 +26,6 @@ Floats = NDArray[np.float64]
 
 CHAIN_TOLERANCE_MM = 1e-8  # rounding on two ways from the sky to the plate, as the C++ tests have it
 WAY_BACK_TOLERANCE_DEG = 1e-7 / 3.6  # 0.1 mas, in docs/accuracy.md from 30 degrees of altitude on
-
-
-def m64(**changes: Any) -> veko.Pointing:
-    """The pointing of docs/position.md."""
-    values: dict[str, Any] = {"ra": 194.182151, "dec": 21.781378, "pa": 30, "mjd_tai": 60783.98, "pressure": 770, **changes}
-    return veko.Pointing(**values)
 
 
 def degrees(row: dict[str, str], *names: str) -> list[float]:
@@ -101,12 +97,12 @@ def test_the_field_centre_stands_where_the_worked_example_has_it() -> None:
 
 def configured(example: pathlib.Path, folder: pathlib.Path) -> ElementTree.Element:
     output = folder / example.name
-    subprocess.run([PROGRAM, "-i", example, "-o", output], check=True)
+    assert run(PROGRAM, "-i", example, "-o", output).returncode == 0
     return ElementTree.parse(output).getroot()
 
 
 @pytest.mark.parametrize("example", EXAMPLES, ids=lambda example: str(example.stem))
-def test_a_pointing_has_the_numbers_of_the_exact_run(example: pathlib.Path, tmp_path: pathlib.Path) -> None:
+def test_a_pointing_has_the_numbers_of_veko_configure(example: pathlib.Path, tmp_path: pathlib.Path) -> None:
     before, after = ElementTree.parse(example).getroot(), configured(example, tmp_path)
     given_conditions = next(before.iter("conditions")).attrib
     conditions: dict[str, Any] = {name: float(text) for name, text in given_conditions.items() if text != "%%%"}
@@ -119,6 +115,7 @@ def test_a_pointing_has_the_numbers_of_the_exact_run(example: pathlib.Path, tmp_
     written = next(after.iter("conditions"))
     assert f"{pointing.hour_angle:.4f}" == written.attrib["ha"]
     limits = next(after.iter("hour_angle_limits")).attrib
+    # A document has the smaller as the latest.
     assert [f"{limit:.4f}" for limit in pointing.hour_angle_limits()] == [limits["latest"], limits["earliest"]]
     bundle = veko.Bundle()
     for field in after.iter("field"):
@@ -134,6 +131,37 @@ def test_a_pointing_has_the_numbers_of_the_exact_run(example: pathlib.Path, tmp_
         assert len(seen) >= 600
         for fibre, target in seen.items():
             assert here[abs(fibre)] == (target.attrib["targra"], target.attrib["targdec"])
+
+
+@pytest.mark.parametrize("is_other", [False, True], ids=["built-in", "other"])
+def test_thousands_of_places_have_the_bits_of_the_library(is_other: bool, other_config: pathlib.Path) -> None:
+    numbers = np.random.default_rng(20270402)
+    config = other_config if is_other else None
+    centre, pa, conditions = (190.25, -11.5), 37.5, (61497.0625, 281.5, 770.0, 0.25)
+    air = dict(zip(("mjd_tai", "temperature", "pressure", "relative_humidity"), conditions))
+    pointing = veko.Pointing(*centre, pa, **air, config=config)
+    size = 5000
+    place = np.array(centre)[:, np.newaxis] + numbers.uniform(-1, 1, (2, size))
+    motion = {
+        "epoch": numbers.uniform(1950, 2026, size),
+        "pm_ra": numbers.uniform(-500, 500, size),
+        "pm_dec": numbers.uniform(-500, 500, size),
+        "parallax": numbers.uniform(0.001, 0.5, size),
+        "rv": numbers.uniform(-200, 200, size),
+    }
+    x, y = numbers.uniform(-200, 200, (2, size))
+    found = *pointing.sky_to_plate(*place, **motion), *pointing.plate_to_sky(x, y)
+
+    def radians(degrees: Any) -> Floats:
+        return np.asarray(degrees) / 180 * np.pi
+
+    start = np.array([*radians(centre), radians(pa), *conditions])
+    rows = np.column_stack([*radians(place), *motion.values(), x, y])
+    result = subprocess.run(
+        [LIBRARY_PLACES, config or ":/configure.xml"], input=start.tobytes() + rows.tobytes(), capture_output=True
+    )
+    expected = np.frombuffer(result.stdout).reshape(size, 4).T
+    np.testing.assert_array_equal(found, [*expected[:2], *(expected[2:] * 180 / np.pi)])
 
 
 def catalogue_place(target: ElementTree.Element) -> tuple[tuple[float, float], dict[str, float]]:
@@ -162,7 +190,7 @@ def test_two_pointings_in_turn_give_the_bits_of_each_alone(other_config: pathlib
         assert numbers_of(south) == south_alone
 
 
-def test_eight_threads_give_the_bits_of_one(other_config: pathlib.Path) -> None:
+def test_eight_threads_give_the_bits_of_one_while_others_use_the_rest(other_config: pathlib.Path) -> None:
     pointings = [m64(pa=pa, config=config) for pa in (0, 30, 60, 90) for config in (None, other_config)]
     alone = [numbers_of(pointing) for pointing in pointings]
     together: list[list[bytes]] = [[] for _ in pointings]
@@ -171,7 +199,14 @@ def test_eight_threads_give_the_bits_of_one(other_config: pathlib.Path) -> None:
         for turn in range(10):
             together[i].append(numbers_of(pointings[(i + turn) % len(pointings)]))
 
+    def use_the_rest(config: pathlib.Path | None) -> None:
+        document = veko.configure(SOMBRERO, config=config)
+        veko.check(document)
+        veko.report(document)
+        veko.windows(document, "2027-04-01")
+
     threads = [threading.Thread(target=use, args=(i,)) for i in range(len(pointings))]
+    threads += [threading.Thread(target=use_the_rest, args=(config,)) for config in (None, other_config)]
     for thread in threads:
         thread.start()
     for thread in threads:
@@ -180,14 +215,47 @@ def test_eight_threads_give_the_bits_of_one(other_config: pathlib.Path) -> None:
         assert results == [alone[(i + turn) % len(pointings)] for turn in range(10)]
 
 
-def test_pickled_and_copied_pointings_give_the_same_bits(other_config: pathlib.Path) -> None:
-    pointing = m64(pa=350, config=other_config)
+def test_pickled_and_copied_pointings_give_the_same_bits(
+    other_config: pathlib.Path, monkeypatch: pytest.MonkeyPatch
+) -> None:
+    monkeypatch.chdir(other_config.parent)
+    pointing = m64(pa=350, config=other_config.name)
+    monkeypatch.chdir("/")
     for fibre in (12, 304):
-        assert numbers_of(pickle.loads(pickle.dumps(pointing))) == numbers_of(pointing)
-        copied = copy.copy(pointing)
-        assert numbers_of(copied) == numbers_of(pointing)
+        copies = pickle.loads(pickle.dumps(pointing)), copy.copy(pointing), copy.deepcopy(pointing)
+        assert [numbers_of(copied) for copied in copies] == [numbers_of(pointing)] * 3
         pointing.place(194.25, 21.8, fibre)
-        assert numbers_of(copied) != numbers_of(pointing)
+        assert numbers_of(pointing) not in [numbers_of(copied) for copied in copies]
+
+
+def test_a_copy_needs_no_file(other_config: pathlib.Path) -> None:
+    pointing = m64(config=other_config)
+    shutil.rmtree(other_config.parent)
+    assert numbers_of(copy.copy(pointing)) == numbers_of(pointing)
+    with pytest.raises(veko.Error, match=f"^Unable to open config file: {other_config}$"):
+        pickle.loads(pickle.dumps(pointing))
+
+
+def test_a_child_can_call_while_a_thread_of_its_parent_is_in_a_call() -> None:
+    thread = threading.Thread(target=veko.windows, args=((190, -11.6), "2000-01-01", "2003-01-01"))
+    thread.start()
+    with multiprocessing.get_context("fork").Pool(2) as pool:
+        found = pool.map_async(len, [veko.Bundle()] * 4).get(timeout=60)
+    thread.join()
+    assert found == [603] * 4
+
+
+def test_the_interpreter_ends_while_a_thread_is_in_a_call() -> None:
+    program = """
+import threading, time, veko
+pointing = veko.Pointing(190, -11.6, epoch=2027.25)
+def use():
+    while True:
+        pointing.plate_to_sky(range(5000), 0)
+threading.Thread(target=use, daemon=True).start()
+time.sleep(0.2)
+"""
+    assert run(sys.executable, "-c", program).returncode == 0
 
 
 def test_a_scalar_gives_a_scalar_and_an_array_its_shape() -> None:
@@ -252,36 +320,21 @@ def test_a_place_behind_the_telescope_is_nan_as_are_masked_elements() -> None:
     np.testing.assert_array_equal(np.isnan(x), [True, False])
 
 
-ANY: Any = M64
-BAD_CALLS = [
-    (lambda: m64(mjd_tai=None), TypeError, "one of epoch and mjd_tai must be given, and not both"),
-    (lambda: m64(epoch=2025), TypeError, "one of epoch and mjd_tai must be given, and not both"),
-    (lambda: m64(dec=90.5), ValueError, "dec must be from -90 to 90, not 90.5"),
-    (lambda: m64(ra=float("nan")), ValueError, "ra must be a finite number, not nan"),
-    (lambda: m64(ra=[1, 2]), TypeError, "ra must be one number, not an array"),
-    (lambda: m64(pa="north"), TypeError, "pa must be numbers, not str of <U5"),
-    (lambda: m64(relative_humidity=20), ValueError, "relative_humidity must be from 0 to 1, not 20"),
-    (lambda: m64(pressure=-1), ValueError, "pressure must be from 0 to inf, not -1"),
-    (lambda: M64.sky_to_plate(1), TypeError, "dec is missing: give ra and dec, or a SkyCoord alone"),
-    (lambda: M64.sky_to_plate(1, [0, -91]), ValueError, "dec must be from -90 to 90 degrees"),
-    (lambda: M64.place(194, 90.5, 304), ValueError, "dec must be from -90 to 90 degrees"),
-    (lambda: M64.sky_to_plate(1, "x"), TypeError, "dec must be numbers, not str of <U1"),
-    (lambda: M64.sky_to_plate(1, 2, rv=3), ValueError, "epoch is missing: without it the motion of a place does not count"),
-    (
-        lambda: M64.plate_to_sky([1, 2], [1, 2, 3]),
-        ValueError,
-        "the shapes of these arguments do not fit together: x (2,), y (3,)",
-    ),
-    (lambda: M64.plate_to_sky(1j, 0), TypeError, "x must be numbers, not complex of complex128"),
-    (lambda: ANY.place(194, 21, 1.5), TypeError, "fibre must be an integer, not float"),
-    (lambda: M64.place(194, 21, -3), ValueError, "fibre must be the number of a fibre, not -3"),
-]
+class Series:
+    """An array as data frames have it, with a method where masked arrays have their mask."""
+
+    def __init__(self, values: list[float]) -> None:
+        self.values = values
+
+    def __array__(self) -> Floats:
+        return np.array(self.values)
+
+    def mask(self) -> None:
+        """Nothing that counts."""
 
 
-@pytest.mark.parametrize(("call", "kind", "message"), BAD_CALLS, ids=[message for _, _, message in BAD_CALLS])
-def test_a_bad_argument_is_named(call: Any, kind: type[Exception], message: str) -> None:
-    with pytest.raises(kind, match=f"^{re.escape(message)}$"):
-        call()
+def test_columns_of_data_frames_are_taken() -> None:
+    np.testing.assert_array_equal(M64.sky_to_plate(Series([194.2]), 21.8), M64.sky_to_plate([194.2], 21.8))
 
 
 def test_failures_are_those_of_the_run_and_leave_the_pointing_alone(capfd: pytest.CaptureFixture[str]) -> None:
@@ -301,7 +354,7 @@ def resident_pages() -> int:
     return int(pathlib.Path("/proc/self/statm").read_text().split()[1])
 
 
-def test_a_hundred_thousand_calls_leave_no_memory_behind() -> None:
+def test_many_calls_leave_no_memory_behind() -> None:
     def call(times: int) -> None:
         for _ in range(times):
             M64.plate_to_sky(1.0, 2.0)

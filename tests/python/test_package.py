@@ -1,0 +1,42 @@
+"""The package as a whole."""
+
+import ast
+import subprocess
+import sys
+import types
+
+import veko
+from conftest import ROOT
+from veko import _veko
+
+
+def test_the_stub_has_the_names_of_the_module() -> None:
+    stub = ast.parse((ROOT / "python/veko/_veko.pyi").read_text()).body
+    named = {part.name for part in stub if isinstance(part, (ast.FunctionDef, ast.ClassDef))}
+    assert named | {"version"} == {name for name in dir(_veko) if not name.startswith("_")}
+
+
+def test_everything_that_is_offered_tells_what_it_is() -> None:
+    offered = [getattr(veko, name) for name in veko.__all__ if name != "__version__"]
+    members = [member for thing in offered if isinstance(thing, type) for member in vars(thing).items()]
+    for name, member in members:
+        if not name.startswith("_") and isinstance(member, (types.FunctionType, property)):
+            assert member.__doc__, name
+    assert all(thing.__doc__ for thing in offered)
+
+
+def test_the_package_does_without_astropy() -> None:
+    program = """
+import sys
+sys.modules["astropy"] = None
+import veko
+document = veko.configure("examples/sombrero_south.xml")
+veko.Pointing(190, -11.6, epoch=2027.25).sky_to_plate(document.targets["ra"], document.targets["dec"])
+veko.windows((190, -11.6), "2027-04-01")
+try:
+    document.table()
+except ImportError:
+    print("no table")
+"""
+    result = subprocess.run([sys.executable, "-c", program], capture_output=True, text=True)
+    assert (result.returncode, result.stdout, result.stderr) == (0, "no table\n", "")
