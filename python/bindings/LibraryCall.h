@@ -50,11 +50,18 @@ private:
     PyThreadState* state_ = PyEval_SaveThread();
 };
 
-/** Does something in the library while other threads of the interpreter go on. @param work uses no Python object */
-template <typename Work> auto inLibrary(Work work) {
+/** Does something while other threads of the interpreter go on. @param work uses no Python object */
+template <typename Work> auto withoutInterpreter(Work work) {
     const InterpreterReleased released;
-    const LibraryCall call;
     return work();
+}
+
+/** The same in the library, one call at a time. */
+template <typename Work> auto inLibrary(Work work) {
+    return withoutInterpreter([&] {
+        const LibraryCall call;
+        return work();
+    });
 }
 
 /** Lets Ctrl-C end a long call between two parts of its work. */

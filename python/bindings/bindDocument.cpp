@@ -151,12 +151,14 @@ py::bytes bytesOf(const QByteArray& content) {
     return {content.constData(), static_cast<std::size_t>(content.size())};
 }
 
+// Files need nothing that is process-wide, and a pipe may take its time.
+
 py::bytes readBytes(const std::string& name) {
-    return bytesOf(inLibrary([&] { return loadFile(name); }));
+    return bytesOf(withoutInterpreter([&] { return loadFile(name); }));
 }
 
 void writeBytes(const std::string& name, const std::string& bytes) {
-    inLibrary([&] { writeFile(name, QByteArray::fromStdString(bytes)); });
+    withoutInterpreter([&] { writeFile(name, QByteArray::fromStdString(bytes)); });
 }
 
 /** @param input the name of a file, or a document */

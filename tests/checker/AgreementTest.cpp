@@ -21,7 +21,7 @@ using namespace pos;
 namespace {
 
 constexpr unsigned int kSeed = 20270401;
-constexpr int kDocuments = 20000;
+constexpr int kDocuments = 14000;
 
 /** Chooses at random. */
 class Choice {

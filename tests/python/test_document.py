@@ -1,8 +1,10 @@
 """Documents: read, configured and checked as the programs do it."""
 
 import json
+import os
 import pathlib
 import re
+import threading
 import xml.etree.ElementTree as ElementTree
 from typing import Any
 
@@ -207,6 +209,18 @@ def test_a_document_is_written_whole_or_not_at_all(tmp_path: pathlib.Path) -> No
     assert (tmp_path / "output.xml").read_bytes() == document.xml
     with pytest.raises(veko.Error, match="^File open error: Unable to open output file$"):
         document.write(tmp_path / "no_folder" / "output.xml")
+
+
+def test_a_pipe_does_not_hold_up_other_threads(tmp_path: pathlib.Path) -> None:
+    pipe = tmp_path / "pipe"
+    os.mkfifo(pipe)
+    read: list[veko.Document] = []
+    thread = threading.Thread(target=lambda: read.append(veko.read(pipe)))
+    thread.start()
+    assert len(veko.Bundle()) == 603
+    pipe.write_bytes(SOMBRERO.read_bytes())
+    thread.join()
+    assert read[0].xml == SOMBRERO.read_bytes()
 
 
 def test_things_tell_what_they_are() -> None:
