@@ -25,6 +25,12 @@ EXAMPLES = sorted((ROOT / "examples").glob("*.xml"))
 SOMBRERO = ROOT / "examples/sombrero_south.xml"
 
 
+CHAIN_TOLERANCE_MM = 1e-8
+"""Rounding on two ways from the sky to the plate, as the C++ tests have it."""
+PLACEMENT_TOLERANCE_MM = 1e-4
+"""The field-centre solve ends when a place is this near to its fibre."""
+SECOND = 1 / 3600
+"""How near the hour-angle solve comes, hours."""
 NIGHT: dict[str, Any] = {"twilight": -15, "airmass": 2, "moon": 30, "minimum": 20, "horizon_limit": 28, "pressure": 700}
 NIGHT_OPTIONS = ["--twilight", "-15", "--airmass", "2", "--moon", "30", "--minimum", "20", "--horizon_limit", "28"]
 NIGHT_OPTIONS += ["--pressure", "700"]

@@ -1,12 +1,13 @@
 """The package as a whole."""
 
 import ast
-import subprocess
+import pickle
 import sys
 import types
 
+import numpy as np
 import veko
-from conftest import ROOT
+from conftest import ROOT, SOMBRERO, run
 from veko import _veko
 
 
@@ -25,6 +26,17 @@ def test_everything_that_is_offered_tells_what_it_is() -> None:
     assert all(thing.__doc__ for thing in offered)
 
 
+def test_what_is_a_value_survives_pickling() -> None:
+    document = veko.configure(SOMBRERO)
+    values = [document, veko.compare(document, document), *veko.windows(document, "2027-04-01"), *veko.check(document)]
+    for value in values:
+        again = pickle.loads(pickle.dumps(value))
+        assert repr(again) == repr(value)
+    np.testing.assert_array_equal(pickle.loads(pickle.dumps(document)).targets, document.targets)
+    np.testing.assert_array_equal(pickle.loads(pickle.dumps(veko.Bundle())).x, veko.Bundle().x)
+    assert pickle.loads(pickle.dumps(veko.report(document))) == veko.report(document)
+
+
 def test_the_package_does_without_astropy() -> None:
     program = """
 import sys
@@ -38,5 +50,5 @@ try:
 except ImportError:
     print("no table")
 """
-    result = subprocess.run([sys.executable, "-c", program], capture_output=True, text=True)
+    result = run(sys.executable, "-c", program)
     assert (result.returncode, result.stdout, result.stderr) == (0, "no table\n", "")
