@@ -20,7 +20,7 @@ struct CommandLine {
     std::string configFile;            ///< name of the configuration file, ":/configure.xml" when not given
     std::optional<std::string> input;  ///< name of the field definition, bytes as given
     std::optional<std::string> output; ///< name of the document to write, bytes as given
-    Estimates estimates;
+    Estimates estimates;               ///< values for the observation from outside its document
 };
 
 /** The options in the order of the help listing. */
