@@ -1,15 +1,16 @@
 """Fields for a 603-fibre integral-field unit, with the numbers of `veko_configure`.
 
 `Pointing` leads from the sky to the plate and back, `Bundle` has the fibres. `read` reads a field definition, `check`
-finds what is wrong with one, `configure` runs on it, `report` makes a page of it, and `compare` tells what differs between
-two. `windows` tells when a field or a place can be observed.
+finds what is wrong with one, `configure` runs on it, `report` makes a page of it, and `compare` tells what differs
+between two. `windows` tells when a field or a place can be observed.
 
-Angles on the sky are degrees, places on the plate millimetres, hour angles hours. Where a signature has `Numbers`, arrays
-of any shape are taken, and give arrays, or one number, as the text below it says; where astropy is installed, its
+Angles on the sky are degrees, places on the plate millimetres, hour angles hours. Where a signature has `Numbers`,
+arrays of any shape are taken, and give arrays, or one number, as the text below it says; where astropy is installed, its
 quantities, times, coordinates and columns of tables too. A `PathLike` is a text, bytes or a `pathlib.Path`, a `Date` a
 `datetime.date` or a text YYYY-MM-DD. "A run" is one of the program `veko_configure`, which `configure` is, to the byte.
 
-What a run or the library refuses is an `Error`, an invalid argument a `ValueError` or a `TypeError`. Nothing is printed.
+What a run or the library refuses is an `Error`, an invalid argument a `ValueError` or a `TypeError`. Nothing is
+printed.
 """
 
 from ._bundle import Bundle

@@ -22,8 +22,8 @@ class Bundle:
     ids : array of int
         The numbers of the fibres.
     names : array of str
-        Their spaxel names, the `spaxel` of a document's targets. Those that begin with "S" see the sky beside the science
-        target; a run gives them targets of `use` "S".
+        Their spaxel names, the `spaxel` of a document's targets. Those that begin with "S" see the sky beside the
+        science target; a run gives them targets of `use` "S".
     statuses : array of str
         "enabled", "disabled", "broken", "bad ferrule", "no magnet", "no prism" or "absent".
     dx, dy : array of float

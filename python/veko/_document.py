@@ -46,10 +46,11 @@ class Document:
         One row for each field: centre `ra` and `dec` (degrees; NaN where the document has none), number of `targets`.
     targets : structured array
         One row for each target, in document order: number of its `field` and `group` (from 1; group 0 is none), `name`,
-        `survey`, `use` ("T" science, "G" guide star, "S" sky; a run only keeps "C", "E" and "R"), `priority`, `configid`,
-        `fibre` (negative for one that cannot be used, 0 for none), `automatic` (made by a run), `ra` and `dec` (ICRS,
-        degrees), `epoch` (Julian years; 0 or less for a target that does not move), `pm_ra` and `pm_dec` (mas/yr),
-        `parallax` (arcsec), `rv` (km/s), `x` and `y` (on the plate, mm; NaN where the document has none), `spaxel`.
+        `survey`, `use` ("T" science, "G" guide star, "S" sky; a run only keeps "C", "E" and "R"), `priority`,
+        `configid`, `fibre` (negative for one that cannot be used, 0 for none), `automatic` (made by a run), `ra` and
+        `dec` (ICRS, degrees), `epoch` (Julian years; 0 or less for a target that does not move), `pm_ra` and `pm_dec`
+        (mas/yr), `parallax` (arcsec), `rv` (km/s), `x` and `y` (on the plate, mm; NaN where the document has none),
+        `spaxel`.
 
     Examples
     --------
@@ -194,8 +195,8 @@ def configure(
         Julian epoch of the observation, years on the scale TAI, from 1960 to 2200. It, `hour_angle` and `pressure` take
         the place of the document's values.
     hour_angle : float, optional
-        Hour angle of the first field's centre, positive west of the meridian, hours from -12 to 12. The date moves, by up
-        to half a day, until it is reached.
+        Hour angle of the first field's centre, positive west of the meridian, hours from -12 to 12. The date moves, by
+        up to half a day, until it is reached.
     pressure : float, optional
         Millibar, above 0.
     horizon_limit : float, default 25

@@ -137,8 +137,8 @@ class Pointing:
         Parameters
         ----------
         ra, dec : array_like
-            Catalogue places: ICRS, degrees. In place of both, a SkyCoord; where it has a proper motion, this counts, with
-            its `obstime`, distance and radial velocity, as far as the arguments below are not given.
+            Catalogue places: ICRS, degrees. In place of both, a SkyCoord; where it has a proper motion, this counts,
+            with its `obstime`, distance and radial velocity, as far as the arguments below are not given.
         epoch : array_like or astropy.time.Time, optional
             Julian epoch of the places, years up to 2200. Without it, or where it is 0 or less, they do not move.
         pm_ra, pm_dec : array_like, optional
@@ -279,8 +279,8 @@ class Pointing:
     def hour_angle_limits(self, horizon_limit: Numbers = HORIZON_LIMIT) -> tuple[float, float]:
         """The hour angles that a run writes as limits: how far the field can be followed from where it is now.
 
-        They begin and end at the horizon limit, or where the rotator is at one of its ends; the field must pass `check` now.
-        Where it does not, they mean nothing: ask `windows`, which knows all intervals of a night.
+        They begin and end at the horizon limit, or where the rotator is at one of its ends; the field must pass `check`
+        now. Where it does not, they mean nothing: ask `windows`, which knows all intervals of a night.
 
         Parameters
         ----------
@@ -290,8 +290,9 @@ class Pointing:
         Returns
         -------
         smaller, larger : float
-            Hours; of a field that never sets, up to a turn beyond -12 and 12. Both are 0 for a field that is below the limit
-            now, and NaN for one that has no limit. A document has the smaller as `latest`, the larger as `earliest`.
+            Hours; of a field that never sets, up to a turn beyond -12 and 12. Both are 0 for a field that is below the
+            limit now, and NaN for one that has no limit. A document has the smaller as `latest`, the larger as
+            `earliest`.
 
         Raises
         ------

@@ -16,6 +16,7 @@ from ._arguments import RANGES, Numbers, PathLike, config_name, direction, is_co
 from ._document import Document, configuration, source
 from ._options import HORIZON_LIMIT, Date, evening, pressure_of, weather, window_options
 
+
 @dataclass(frozen=True, repr=False)
 class Moment:
     """Where a field stands at an instant.

@@ -50,7 +50,14 @@ def run(*arguments: object) -> subprocess.CompletedProcess[str]:
 
 def m64(**changes: Any) -> veko.Pointing:
     """The pointing of docs/position.md."""
-    values: dict[str, Any] = {"ra": 194.182151, "dec": 21.781378, "pa": 30, "mjd_tai": 60783.98, "pressure": 770, **changes}
+    values: dict[str, Any] = {
+        "ra": 194.182151,
+        "dec": 21.781378,
+        "pa": 30,
+        "mjd_tai": 60783.98,
+        "pressure": 770,
+        **changes,
+    }
     return veko.Pointing(**values)
 
 

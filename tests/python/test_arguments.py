@@ -10,9 +10,7 @@ from conftest import SOMBRERO, m64
 ANY: Any = veko
 M64: Any = m64()
 NIGHT = "2027-04-02"
-NO_PLACE = (
-    "what must be the name of a file, a Document, a pair of right ascension and declination, or a SkyCoord, not "
-)
+NO_PLACE = "what must be the name of a file, a Document, a pair of right ascension and declination, or a SkyCoord, not "
 BAD_CALLS = [
     (lambda: m64(mjd_tai=None), TypeError, "one of epoch and mjd_tai must be given, and not both"),
     (lambda: m64(epoch=2025), TypeError, "one of epoch and mjd_tai must be given, and not both"),
@@ -31,10 +29,18 @@ BAD_CALLS = [
     (lambda: veko.Bundle("a\0b"), ValueError, "config holds a NUL, which no name of a file can"),
     (lambda: M64.sky_to_plate(1), TypeError, "dec is missing: give ra and dec, or a SkyCoord alone"),
     (lambda: M64.sky_to_plate(1, [0, -91]), ValueError, "dec must be from -90 to 90, not -91"),
-    (lambda: M64.sky_to_plate(1, 2, epoch=2016, parallax=50), ValueError, "parallax must be from -0.77 to 0.77, not 50"),
+    (
+        lambda: M64.sky_to_plate(1, 2, epoch=2016, parallax=50),
+        ValueError,
+        "parallax must be from -0.77 to 0.77, not 50",
+    ),
     (lambda: M64.sky_to_plate(1, 2, epoch=57388), ValueError, "epoch must be at most 2200, not 57388"),
     (lambda: M64.sky_to_plate(1, "x"), TypeError, "dec must be numbers, not str"),
-    (lambda: M64.sky_to_plate(1, 2, rv=3), ValueError, "epoch is missing: without it the motion of a place does not count"),
+    (
+        lambda: M64.sky_to_plate(1, 2, rv=3),
+        ValueError,
+        "epoch is missing: without it the motion of a place does not count",
+    ),
     (
         lambda: M64.plate_to_sky([1, 2], [1, 2, 3]),
         ValueError,
@@ -55,7 +61,11 @@ BAD_CALLS = [
     (lambda: ANY.read(5), TypeError, "path must be the name of a file, not int"),
     (lambda: ANY.check(None), TypeError, "document must be the name of a file, not NoneType"),
     (lambda: veko.windows((190, 0), "soon"), ValueError, "night is not a date YYYY-MM-DD: soon"),
-    (lambda: ANY.windows((190, 0), 61000), TypeError, "night must be a date without a time, or a text YYYY-MM-DD, not int"),
+    (
+        lambda: ANY.windows((190, 0), 61000),
+        TypeError,
+        "night must be a date without a time, or a text YYYY-MM-DD, not int",
+    ),
     (lambda: veko.windows((190, 0), NIGHT, "2027-04-01"), ValueError, "last is before night"),
     (lambda: veko.windows((190, 0), NIGHT, airmass=0.5), ValueError, "airmass must be from 1 to 40, not 0.5"),
     (lambda: veko.windows(SOMBRERO, NIGHT, pa=3), TypeError, "pa is for a place; a document has its own"),

@@ -55,7 +55,9 @@ def test_times_are_taken_on_every_scale() -> None:
 def test_coordinates_are_taken_in_every_frame_with_their_motion() -> None:
     ra, dec = np.array([[194.2, 194.3]]), np.array([[21.8], [21.7]])
     place = SkyCoord(*np.broadcast_arrays(ra, dec), unit="deg")
-    np.testing.assert_allclose(M64.sky_to_plate(place.galactic), M64.sky_to_plate(ra, dec), rtol=0, atol=CHAIN_TOLERANCE_MM)
+    np.testing.assert_allclose(
+        M64.sky_to_plate(place.galactic), M64.sky_to_plate(ra, dec), rtol=0, atol=CHAIN_TOLERANCE_MM
+    )
     motion = {"pm_ra_cosdec": 120 * u.mas / u.yr, "pm_dec": -80 * u.mas / u.yr}
     star = SkyCoord(194.25 * u.deg, 21.8 * u.deg, obstime=Time(2016, format="jyear"), **motion)
     expected = M64.sky_to_plate(194.25, 21.8, epoch=star.obstime.tt.jyear, pm_ra=120, pm_dec=-80)
@@ -67,7 +69,9 @@ def test_coordinates_are_taken_in_every_frame_with_their_motion() -> None:
     np.testing.assert_allclose(moved.sky_to_plate(star), [0, -20], rtol=0, atol=PLACEMENT_TOLERANCE_MM)
     galaxy = SkyCoord(190 * u.deg, -11.6 * u.deg)
     assert veko.windows(galaxy, "2027-04-01") == veko.windows((190, -11.6), "2027-04-01")
-    assert veko.Pointing(galaxy, pa=20, epoch=2027).field_centre == veko.Pointing(190, -11.6, 20, epoch=2027).field_centre
+    assert (
+        veko.Pointing(galaxy, pa=20, epoch=2027).field_centre == veko.Pointing(190, -11.6, 20, epoch=2027).field_centre
+    )
 
 
 def test_a_coordinate_brings_distance_and_radial_velocity_with_its_proper_motion() -> None:

@@ -38,7 +38,9 @@ def test_configure_takes_what_the_command_line_takes(tmp_path: pathlib.Path, oth
     assert veko.configure(SOMBRERO, **ESTIMATES, config=other_config).xml == theirs.read_bytes()
 
 
-def test_a_document_in_memory_is_configured_without_its_file(newer_document: pathlib.Path, newer_config: pathlib.Path) -> None:
+def test_a_document_in_memory_is_configured_without_its_file(
+    newer_document: pathlib.Path, newer_config: pathlib.Path
+) -> None:
     expected = veko.configure(newer_document, config=newer_config)
     document = veko.read(newer_document, config=newer_config)
     newer_document.unlink()
@@ -127,8 +129,10 @@ def test_a_field_without_a_centre_has_none(tmp_path: pathlib.Path) -> None:
 
 
 def test_groups_and_motions_are_read(tmp_path: pathlib.Path) -> None:
-    star = '<target targname="α" targuse="C" targra="190.10000" targdec="-11.60000" targepoch="2016" targpmra="1.5" ' \
-           'targpmdec="-2" targparal="0.25" targrv="30" targprio="3" targsrvy="S"/>'
+    star = (
+        '<target targname="α" targuse="C" targra="190.10000" targdec="-11.60000" targepoch="2016" targpmra="1.5" '
+        'targpmdec="-2" targparal="0.25" targrv="30" targprio="3" targsrvy="S"/>'
+    )
     document = veko.read(changed(tmp_path, "</field>", f"<group>{star}</group><group>{star}</group></field>"))
     assert document.targets["group"].tolist() == [0, 0, 1, 2]
     last = document.targets[-1]

@@ -35,9 +35,9 @@ def test_a_season_is_planned(tmp_path: pathlib.Path) -> None:
 
 
 def squeezed(pointing: veko.Pointing, offsets: NDArray[np.float64]) -> NDArray[np.float64]:
-    """By how much refraction moves offsets from a place, east and north: the textbook's first order in the refractivity.
+    """By how much refraction moves offsets from a place, east and north: the first order in the refractivity n - 1.
 
-    A small field is squeezed by n - 1, along the vertical by (n - 1) / cos² z, and turned with the direction to the pole.
+    A small field is squeezed by it, along the vertical by (n - 1) / cos² z, and turned with the direction to the pole.
     """
     refractivity = 79.2e-6 * pointing.pressure / pointing.temperature  # of visible light; millibar and kelvin
     tan_z = 1 / np.tan(np.radians(pointing.altitude))

@@ -309,7 +309,9 @@ def test_what_is_no_place_gives_nan_there_and_nowhere_else(x: Floats, y: Floats)
     good = np.isfinite(x) & np.isfinite(y)
     np.testing.assert_array_equal(np.isfinite(ra), good)
     np.testing.assert_array_equal(np.isfinite(dec), good)
-    np.testing.assert_allclose(M64.sky_to_plate(ra, dec), np.where(good, (x, y), np.nan), rtol=0, atol=WAY_BACK_TOLERANCE_MM)
+    np.testing.assert_allclose(
+        M64.sky_to_plate(ra, dec), np.where(good, (x, y), np.nan), rtol=0, atol=WAY_BACK_TOLERANCE_MM
+    )
 
 
 def test_a_place_behind_the_telescope_is_nan_as_are_masked_elements() -> None:

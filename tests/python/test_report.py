@@ -32,7 +32,9 @@ def test_a_notebook_shows_a_document_as_its_page(tmp_path: pathlib.Path) -> None
     assert failed.startswith(f"<pre>{document}:10:17: ") and "field is below the horizon limit" in failed
 
 
-def test_a_report_is_of_the_instrument_of_its_document(newer_document: pathlib.Path, newer_config: pathlib.Path) -> None:
+def test_a_report_is_of_the_instrument_of_its_document(
+    newer_document: pathlib.Path, newer_config: pathlib.Path
+) -> None:
     document = veko.read(newer_document, config=newer_config)
     assert document._repr_html_().startswith("<iframe")
     assert veko.report(document).html == veko.report(newer_document, config=newer_config).html

@@ -70,7 +70,9 @@ def test_a_night_without_a_window_has_a_reason() -> None:
     assert night.reason is not None and "airmass is never below 1.5" in night.reason
 
 
-def test_windows_are_of_the_instrument_that_is_asked_for(newer_document: pathlib.Path, newer_config: pathlib.Path) -> None:
+def test_windows_are_of_the_instrument_that_is_asked_for(
+    newer_document: pathlib.Path, newer_config: pathlib.Path
+) -> None:
     latitude = newer_config.read_text().replace("<latitude>28.760583<", "<latitude>-28.760583<")
     newer_config.write_text(latitude)
     nights = veko.windows(newer_document, "2027-04-01", config=newer_config)
@@ -87,7 +89,9 @@ def test_a_leap_second_is_the_first_of_the_next_day() -> None:
     # 2016 ended with one. The field culminates in it.
     (night,) = veko.windows((29.8665, -11.6), "2016-12-31", twilight="none")
     instants = [moment.utc for window in night.windows for moment in (window.start, window.best, window.end)]
-    assert datetime.datetime(2017, 1, 1, tzinfo=datetime.timezone.utc) in [instant.replace(microsecond=0) for instant in instants]
+    assert datetime.datetime(2017, 1, 1, tzinfo=datetime.timezone.utc) in [
+        instant.replace(microsecond=0) for instant in instants
+    ]
 
 
 class Interrupted(Exception):
@@ -112,5 +116,3 @@ def test_a_signal_ends_a_long_call() -> None:
     finally:
         signal.setitimer(signal.ITIMER_REAL, 0)
         signal.signal(signal.SIGALRM, previous)
-
-
