@@ -18,8 +18,10 @@
 #include "xmlSerialise.h"
 
 #include <limits>
+#include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -50,7 +52,8 @@ struct TargetRow {
 
 /** What a document holds. */
 struct DocumentTables {
-    double positionAngle = 0.0; ///< degrees
+    double positionAngle = 0.0;               ///< degrees
+    std::map<std::string, double> conditions; ///< those that it has, in its own units
     std::vector<FieldRow> fields;
     std::vector<TargetRow> targets;
 };
@@ -69,6 +72,21 @@ TargetRow targetRow(const QDomElement& element, std::int32_t field, std::int32_t
             numberAt(element, attr::targx),
             numberAt(element, attr::targy),
             element.attribute(attr::ifuSpaxel).toStdString()};
+}
+
+/** The conditions that a document has, by the names of the package. */
+std::map<std::string, double> conditionsOf(const QDomElement& element) {
+    std::map<std::string, double> conditions;
+    for (const auto& [name, attribute] : {std::pair("epoch", attr::epoch),
+                                          {"hour_angle", attr::ha},
+                                          {"temperature", attr::temperature},
+                                          {"pressure", attr::pressure},
+                                          {"relative_humidity", attr::relativeHumidity}}) {
+        if (const auto value = numberOf(element.attribute(attribute))) {
+            conditions[name] = *value;
+        }
+    }
+    return conditions;
 }
 
 void addTargets(const QDomElement& field, std::int32_t number, std::vector<TargetRow>& targets) {
@@ -91,6 +109,7 @@ DocumentTables readTables(const Source& source, const std::string& configFile) {
     const QDomElement root = load(source).documentElement();
     DocumentTables tables;
     tables.positionAngle = findObservationElement(root).attribute(attr::pa).toDouble();
+    tables.conditions = conditionsOf(findConditionsElement(root));
     std::int32_t number = 0;
     for (QDomElement field = findFieldElement(root, QDomElement()); !field.isNull();
          field = findFieldElement(root, field)) {
@@ -142,6 +161,7 @@ py::dict document(const Source& source, const std::string& configFile) {
     const DocumentTables tables = inLibrary([&] { return readTables(source, configFile); });
     py::dict result;
     result["pa"] = tables.positionAngle;
+    result["conditions"] = tables.conditions;
     result["fields"] = columnsOf(tables.fields);
     result["targets"] = columnsOf(tables.targets);
     return result;

@@ -13,10 +13,12 @@ What a run or the library refuses is an `Error`, an invalid argument a `ValueErr
 printed.
 """
 
+from ._arguments import Numbers, PathLike
 from ._bundle import Bundle
 from ._check import Problem, check
 from ._comparison import Comparison, compare
 from ._document import Document, configure, read
+from ._options import Date
 from ._pointing import Pointing
 from ._report import Page, report
 from ._veko import Error
@@ -26,11 +28,14 @@ from ._windows import Moment, NightWindows, Window, windows
 __all__ = [
     "Bundle",
     "Comparison",
+    "Date",
     "Document",
     "Error",
     "Moment",
     "NightWindows",
+    "Numbers",
     "Page",
+    "PathLike",
     "Pointing",
     "Problem",
     "Window",

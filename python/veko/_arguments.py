@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import datetime
 import math
 import os
 from typing import Any
@@ -27,6 +28,8 @@ def file_name(name: str, value: PathLike) -> bytes:
     if not isinstance(value, (str, bytes, os.PathLike)):
         raise TypeError(f"{name} must be the name of a file, not {type(value).__name__}")
     encoded = os.fsencode(value)
+    if encoded.lstrip().startswith(b"<"):
+        raise ValueError(f"{name} must be the name of a file, not its text")
     if b"\0" in encoded:
         raise ValueError(f"{name} holds a NUL, which no name of a file can")
     return encoded
@@ -99,12 +102,14 @@ def optional(
 
 def julian_epoch(value: Numbers) -> Numbers:
     """An epoch: Julian years, or a Time of astropy, whose instant the years then mean on the scale TAI."""
+    if isinstance(value, (str, datetime.date)):
+        raise TypeError(f"epoch must be Julian years or a Time of astropy, not {type(value).__name__}")
     return value.tai.jyear if hasattr(value, "tai") else value
 
 
 def is_coordinate(value: Any) -> bool:
     """Whether it is a SkyCoord of astropy."""
-    return hasattr(value, "icrs")
+    return hasattr(value, "transform_to")
 
 
 def _of_coordinate(coordinate: Any) -> dict[str, Numbers]:
@@ -112,7 +117,10 @@ def _of_coordinate(coordinate: Any) -> dict[str, Numbers]:
     from astropy.coordinates import RadialDifferential  # type: ignore[import]
     from astropy.units import parallax
 
-    place = coordinate.icrs
+    try:
+        place = coordinate.icrs
+    except AttributeError:  # so SkyCoord tells a frame that lacks what it needs
+        raise ValueError(f"ra cannot be converted to ICRS: it is a SkyCoord of the frame {coordinate.name}") from None
     sphere = place.spherical
     known = {"ra": sphere.lon, "dec": sphere.lat}
     motion = place.data.differentials.get("s")
@@ -129,7 +137,7 @@ def catalogue_place(ra: Numbers, dec: Numbers | None, **motion: Numbers | None) 
     """A catalogue place, or many, by the name of each number, in the units of the library; what is not given is 0."""
     if is_coordinate(ra):
         if dec is not None:
-            raise TypeError("ra is a SkyCoord, beside which there is no dec")
+            raise TypeError("ra is a SkyCoord, beside which there is no dec; what follows needs its name")
         known = _of_coordinate(ra)
         ra, dec = known["ra"], known["dec"]
         motion = {name: known.get(name) if value is None else value for name, value in motion.items()}

@@ -7,9 +7,10 @@ from numpy.typing import NDArray
 
 from . import _veko
 from ._arguments import PathLike, config_name
+from ._values import Values
 
 
-class Bundle:
+class Bundle(Values):
     """The fibres of the bundle, in ascending number. The arrays cannot be written to.
 
     Parameters
@@ -59,7 +60,7 @@ class Bundle:
     orientation: float
 
     def __init__(self, config: PathLike | None = None) -> None:
-        vars(self).update(_veko.bundle(config_name(config)))
+        self.__setstate__(_veko.bundle(config_name(config)))
 
     def __len__(self) -> int:
         return len(self.ids)

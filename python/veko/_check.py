@@ -8,7 +8,7 @@ from typing import Any
 
 from . import _veko
 from ._arguments import Numbers, PathLike
-from ._document import Document, configuration, source
+from ._document import Document, about, configuration, source
 from ._options import HORIZON_LIMIT, estimates, field_radius_degrees
 
 
@@ -19,7 +19,7 @@ class Problem:
     Attributes
     ----------
     file : str
-        Name of the document.
+        Name of the document, or of the file of its configuration that the problem is in.
     code : str
         Of the rule, such as "VK106"; `veko check --explain VK106` tells more.
     severity : str
@@ -90,7 +90,9 @@ def check(
     """
     radius = field_radius_degrees(field_radius)
     values = estimates(epoch, hour_angle, pressure, horizon_limit)
-    found = json.loads(_veko.check(source(document), configuration(document, config), values, radius))
+    given = source(document)
+    with about(given[1]):
+        found = json.loads(_veko.check(given, configuration(document, config), values, radius))
     return [_problem(file["file"], problem) for file in found["documents"] for problem in file["problems"]]
 
 

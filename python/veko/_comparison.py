@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import html
 import json
 from collections.abc import Sequence
 from dataclasses import dataclass
@@ -14,7 +15,7 @@ from ._document import Document, source
 
 @dataclass(frozen=True, eq=False, repr=False)
 class Comparison:
-    """Two documents beside each other; as a text it tells all, and a notebook shows a picture of what moved.
+    """Two documents beside each other; as a text it tells all, to which a notebook adds a picture of what moved.
 
     Attributes
     ----------
@@ -42,8 +43,8 @@ class Comparison:
     def __repr__(self) -> str:
         return f"<veko.Comparison: same {self.same}, fields {len(self.fields)}, differences {len(self.differences)}>"
 
-    def _repr_svg_(self) -> str:
-        return self.picture
+    def _repr_html_(self) -> str:
+        return f"<pre>{html.escape(self.text)}</pre>{self.picture}"
 
 
 def compare(

@@ -2,8 +2,10 @@
 
 from __future__ import annotations
 
+import contextlib
 import html
 import os
+from collections.abc import Iterator
 from dataclasses import dataclass
 from typing import Any
 
@@ -11,8 +13,9 @@ import numpy as np
 from numpy.typing import NDArray
 
 from . import _veko
-from ._arguments import Numbers, PathLike, config_name, file_name
+from ._arguments import BUILT_IN, Numbers, PathLike, config_name, file_name
 from ._options import HORIZON_LIMIT, estimates
+from ._values import Values
 
 UNITS = {
     "ra": "deg",
@@ -28,7 +31,7 @@ UNITS = {
 
 
 @dataclass(frozen=True, eq=False, repr=False)
-class Document:
+class Document(Values):
     """A field definition, configured or not; `read` and `configure` make it. Nothing of it can be changed.
 
     Attributes
@@ -38,10 +41,13 @@ class Document:
     xml : bytes
         The whole text.
     config : path or None
-        The configuration with which it was read, which `check`, `windows` and `report` take for it, too; None for the
-        built-in one.
+        The configuration with which it was read, which `check`, `configure`, `windows` and `report` take for it, too;
+        None for the built-in one.
     pa : float
         Position angle of the observation, degrees; 0 where the document has none.
+    conditions : dict
+        Those of `epoch` (Julian years), `hour_angle` (hours), `temperature` (K), `pressure` (mbar) and
+        `relative_humidity` that the document has, by the names that `Pointing` takes.
     fields : structured array
         One row for each field: centre `ra` and `dec` (degrees; NaN where the document has none), number of `targets`.
     targets : structured array
@@ -65,8 +71,12 @@ class Document:
     xml: bytes
     config: PathLike | None
     pa: float
+    conditions: dict[str, Any]
     fields: NDArray[np.void]
     targets: NDArray[np.void]
+
+    def __post_init__(self) -> None:
+        self.__setstate__(vars(self))
 
     @property
     def configured(self) -> bool:
@@ -114,20 +124,31 @@ class Document:
 
 
 def structured(columns: dict[str, NDArray[Any]]) -> NDArray[np.void]:
-    """Columns of one length as one structured array, which cannot be written to."""
+    """Columns of one length as one structured array."""
     rows = np.empty(len(next(iter(columns.values()))), [(name, column.dtype) for name, column in columns.items()])
     for name, column in columns.items():
         rows[name] = column
-    rows.flags.writeable = False
     return rows
+
+
+@contextlib.contextmanager
+def about(name: bytes) -> Iterator[None]:
+    """Notes at an error which document it is about, where its message does not tell."""
+    try:
+        yield
+    except _veko.Error as error:
+        if os.fsdecode(name) not in str(error):
+            error.add_note(f"The document is {os.fsdecode(name)}")
+        raise
 
 
 def document_of(xml: bytes, name: bytes, config: PathLike | None) -> Document:
     """The document of a text."""
-    parts = _veko.document((xml, name), config_name(config))
-    return Document(
-        os.fsdecode(name), xml, config, parts["pa"], structured(parts["fields"]), structured(parts["targets"])
-    )
+    with about(name):
+        parts = _veko.document((xml, name), config_name(config))
+    everywhere = None if config is None or config_name(config) == BUILT_IN else os.path.abspath(config)
+    fields, targets = structured(parts["fields"]), structured(parts["targets"])
+    return Document(os.fsdecode(name), xml, everywhere, parts["pa"], parts["conditions"], fields, targets)
 
 
 def source(document: Document | PathLike) -> tuple[bytes, bytes]:
@@ -160,7 +181,8 @@ def read(path: PathLike, *, config: PathLike | None = None) -> Document:
     Raises
     ------
     veko.Error
-        For a document that the run could not read either, with its message. `check` tells where it is wrong.
+        For a document whose fields and targets the run could not read either, with its message. `check` tells where it
+        is wrong.
 
     Examples
     --------
@@ -193,7 +215,8 @@ def configure(
         The document to write, which may be the input. Without it nothing is written.
     epoch : float or astropy.time.Time, optional
         Julian epoch of the observation, years on the scale TAI, from 1960 to 2200. It, `hour_angle` and `pressure` take
-        the place of the document's values.
+        the place of the document's values. Where an hour angle is known, from here or from the document, the date moves
+        to it: for an instant of your own give both, see docs/python.md.
     hour_angle : float, optional
         Hour angle of the first field's centre, positive west of the meridian, hours from -12 to 12. The date moves, by
         up to half a day, until it is reached.
@@ -202,12 +225,13 @@ def configure(
     horizon_limit : float, default 25
         Altitude above which the first field must be, degrees from -90 to 90.
     config : path, optional
-        A configuration file; without it that with which the document was read, or the built-in one.
+        A configuration file; without it that with which the document was read, or the built-in one, whose name is
+        ":/configure.xml".
 
     Returns
     -------
     Document
-        The configured document.
+        The configured document. In memory it has the name of its input.
 
     Raises
     ------
@@ -231,5 +255,6 @@ def configure(
         config = input.config if config is None else config
     else:
         given = name = file_name("input", input)
-    xml = _veko.configure(given, to, config_name(config), values)
+    with about(name):
+        xml = _veko.configure(given, to, config_name(config), values)
     return document_of(xml, name if to is None else to, config)

@@ -41,7 +41,8 @@ class Pointing:
     Parameters
     ----------
     ra, dec : float
-        Field centre: ICRS, at the date of the pointing, degrees; `dec` is from -90 to 90. In place of both, a SkyCoord.
+        Field centre: ICRS, at the date of the pointing, degrees; `dec` is from -90 to 90. In place of both, a SkyCoord,
+        whose motion does not count.
     pa : float, default 0
         Position angle, from the north of the date through east, degrees from -360 to 360.
     epoch : float or astropy.time.Time
@@ -151,8 +152,8 @@ class Pointing:
         Returns
         -------
         x, y : array, or float
-            Places on the plate, mm. NaN where an argument is not finite, and for a place that is 90 degrees or more
-            away from the field centre.
+            Places on the plate, mm. NaN where an argument is not finite or is masked, and for a place that is 90
+            degrees or more away from the field centre.
 
         Raises
         ------

@@ -7,7 +7,7 @@ from dataclasses import dataclass
 
 from . import _veko
 from ._arguments import Numbers, PathLike, file_name, number
-from ._document import Document, configuration, source
+from ._document import Document, about, configuration, source
 from ._options import HORIZON_LIMIT, Date, estimates, evening, field_radius_degrees, window_options
 
 
@@ -28,7 +28,7 @@ class Page:
 
     def _repr_html_(self) -> str:
         page = html.escape(self.html)
-        return f'<iframe srcdoc="{page}" style="width: 100%; height: 50em; border: 0"></iframe>'
+        return f'<iframe srcdoc="{page}" style="width: 100%; height: 75em; border: 0"></iframe>'
 
     def write(self, path: PathLike) -> None:
         """Writes the page to a file, whole or not at all. Raises `veko.Error` where that is not possible."""
@@ -84,9 +84,10 @@ def report(
     >>> import veko
     >>> veko.report("examples/sombrero_south.xml").write("/dev/null")
     """
-    return Page(
-        _veko.report(
-            source(document),
+    given = source(document)
+    with about(given[1]):
+        page = _veko.report(
+            given,
             None if night is None else evening("night", night),
             configuration(document, config),
             estimates(epoch, hour_angle, pressure, horizon_limit),
@@ -94,4 +95,4 @@ def report(
             field_radius_degrees(field_radius),
             number("exposure", exposure, "min", 0, 1440),
         )
-    )
+    return Page(page)

@@ -13,7 +13,7 @@ import numpy as np
 
 from . import _veko
 from ._arguments import RANGES, Numbers, PathLike, config_name, direction, is_coordinate, optional
-from ._document import Document, configuration, source
+from ._document import Document, about, configuration, source
 from ._options import HORIZON_LIMIT, Date, evening, pressure_of, weather, window_options
 
 
@@ -194,7 +194,7 @@ def windows(
     Parameters
     ----------
     what : path, Document, pair of float or SkyCoord
-        A field definition; or a place, ICRS, degrees.
+        A field definition; or a place that stays, ICRS, degrees.
     night : datetime.date or str
         Date of the evening at the site, from 1900 to 2100; of a season, that of the first night.
     last : datetime.date or str, optional
@@ -246,9 +246,11 @@ def windows(
         for name, value in {"pa": pa, "temperature": temperature, "relative_humidity": relative_humidity}.items():
             if value is not None:
                 raise TypeError(f"{name} is for a place; a document has its own")
-        text = _veko.windows_of_document(
-            source(what), pressure_of(pressure), first, final, configuration(what, config), options
-        )
+        given = source(what)
+        with about(given[1]):
+            text = _veko.windows_of_document(
+                given, pressure_of(pressure), first, final, configuration(what, config), options
+            )
     else:
         air = weather(temperature, pressure, relative_humidity)
         text = _veko.windows_of_place(_place(what, pa), air, first, final, config_name(config), options)

@@ -59,6 +59,12 @@ BAD_CALLS = [
     ),
     (lambda: veko.configure(SOMBRERO, hour_angle=100), ValueError, "hour_angle must be from -12 to 12, not 100"),
     (lambda: ANY.read(5), TypeError, "path must be the name of a file, not int"),
+    (lambda: veko.check(SOMBRERO.read_bytes()), ValueError, "document must be the name of a file, not its text"),
+    (
+        lambda: m64(mjd_tai=None, epoch="2027-04-02"),
+        TypeError,
+        "epoch must be Julian years or a Time of astropy, not str",
+    ),
     (lambda: ANY.check(None), TypeError, "document must be the name of a file, not NoneType"),
     (lambda: veko.windows((190, 0), "soon"), ValueError, "night is not a date YYYY-MM-DD: soon"),
     (

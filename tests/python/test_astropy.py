@@ -111,5 +111,12 @@ def test_a_wrong_unit_is_refused_by_name(call: Any, message: str) -> None:
 
 
 def test_a_coordinate_has_no_second_argument() -> None:
-    with pytest.raises(TypeError, match="^ra is a SkyCoord, beside which there is no dec$"):
-        M64.sky_to_plate(SkyCoord(194, 21, unit="deg"), 21)
+    with pytest.raises(
+        TypeError, match="^ra is a SkyCoord, beside which there is no dec; what follows needs its name$"
+    ):
+        M64.place(SkyCoord(194, 21, unit="deg"), 304)
+
+
+def test_a_coordinate_that_does_not_lead_to_the_sky_is_refused() -> None:
+    with pytest.raises(ValueError, match="^ra cannot be converted to ICRS: it is a SkyCoord of the frame altaz$"):
+        M64.sky_to_plate(SkyCoord(194, 21, unit="deg", frame="altaz"))

@@ -1,6 +1,7 @@
 """The bundle as arrays."""
 
 import pathlib
+import pickle
 import xml.etree.ElementTree as ElementTree
 
 import numpy as np
@@ -23,6 +24,13 @@ def test_the_bundle_is_that_of_its_definition() -> None:
     x = float(definition.attrib["centre_x"]) + bundle.dx * np.cos(angle) - bundle.dy * np.sin(angle)
     y = float(definition.attrib["centre_y"]) + bundle.dx * np.sin(angle) + bundle.dy * np.cos(angle)
     np.testing.assert_allclose([bundle.x, bundle.y], [x, y], rtol=0, atol=1e-12)
+
+
+def test_the_arrays_of_a_bundle_cannot_be_written_to() -> None:
+    bundle = veko.Bundle()
+    for again in (bundle, pickle.loads(pickle.dumps(bundle))):
+        with pytest.raises(ValueError, match="read-only"):
+            again.x[0] = 77
 
 
 def test_a_configuration_that_cannot_be_read_is_an_error_with_the_message_of_the_run(tmp_path: pathlib.Path) -> None:

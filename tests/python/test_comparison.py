@@ -1,5 +1,6 @@
 """Comparisons, as `veko compare` makes them."""
 
+import html
 import json
 import pathlib
 from typing import Any
@@ -18,4 +19,5 @@ def test_a_comparison_is_that_of_the_program(tmp_path: pathlib.Path) -> None:
         assert (found.same, found.fields, found.differences) == (False, expected["fields"], expected["differences"])
         assert str(found) == run(VEKO, "compare", first, second, *options).stdout
     run(VEKO, "compare", first, second, *options, "--picture", tmp_path / "picture.svg")
-    assert found._repr_svg_() == (tmp_path / "picture.svg").read_text()
+    picture = (tmp_path / "picture.svg").read_text()
+    assert found._repr_html_() == f"<pre>{html.escape(str(found))}</pre>{picture}"

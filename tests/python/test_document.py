@@ -1,8 +1,10 @@
 """Documents: read, configured and checked as the programs do it."""
 
+import copy
 import json
 import os
 import pathlib
+import pickle
 import re
 import threading
 import xml.etree.ElementTree as ElementTree
@@ -11,7 +13,7 @@ from typing import Any
 import numpy as np
 import pytest
 import veko
-from conftest import EXAMPLES, PROGRAM, ROOT, SOMBRERO, VEKO, replaced, run
+from conftest import EXAMPLES, PROGRAM, ROOT, SECOND, SOMBRERO, VEKO, replaced, run
 
 ESTIMATES: dict[str, Any] = {"epoch": 2027.4, "hour_angle": 0.25, "pressure": 700, "horizon_limit": 30}
 OPTIONS = ["--epoch", "2027.4", "--ha", "0.25", "--pressure", "700", "--horizon_limit", "30"]
@@ -45,7 +47,7 @@ def test_a_document_in_memory_is_configured_without_its_file(
     document = veko.read(newer_document, config=newer_config)
     newer_document.unlink()
     again = veko.configure(document)
-    assert (again.xml, again.name, again.config) == (expected.xml, str(newer_document), newer_config)
+    assert (again.xml, again.name, again.config) == (expected.xml, str(newer_document), str(newer_config))
     assert (document.configured, again.configured) == (False, True)
 
 
@@ -119,8 +121,9 @@ def test_what_a_document_has_cannot_be_changed() -> None:
     document: Any = veko.read(SOMBRERO)
     with pytest.raises(AttributeError):
         document.pa = 77
-    with pytest.raises(ValueError, match="read-only"):
-        document.targets["ra"][0] = 77
+    for again in (document, pickle.loads(pickle.dumps(document)), copy.deepcopy(document)):
+        with pytest.raises(ValueError, match="read-only"):
+            again.targets["ra"][0] = 77
 
 
 def test_a_field_without_a_centre_has_none(tmp_path: pathlib.Path) -> None:
@@ -205,6 +208,39 @@ def test_a_document_in_memory_is_checked_without_its_file(tmp_path: pathlib.Path
     document = veko.read(changed(tmp_path, 'targuse="G"', 'targuse="S"'))
     (tmp_path / "field.xml").unlink()
     assert [problem.code for problem in veko.check(document)] == ["VK106"]
+
+
+def test_a_document_has_its_conditions_by_the_names_that_a_pointing_takes(tmp_path: pathlib.Path) -> None:
+    document = veko.read(SOMBRERO)
+    assert document.conditions == {
+        "epoch": 2027.25,
+        "hour_angle": -1,
+        "temperature": 281.5,
+        "pressure": 770,
+        "relative_humidity": 0.25,
+    }
+    centre = document.fields[0]
+    pointing = veko.Pointing(centre["ra"], centre["dec"], document.pa, **document.conditions)
+    assert (pointing.temperature, pointing.pressure) == (281.5, 770)
+    assert pointing.hour_angle == pytest.approx(-1, abs=SECOND)
+    assert "pressure" not in veko.read(changed(tmp_path, 'pressure="770', 'pressure="%%%')).conditions
+
+
+def test_an_error_notes_the_document_where_its_message_does_not_tell_it(tmp_path: pathlib.Path) -> None:
+    low = veko.read(changed(tmp_path, *FAULTS["below the horizon"]))
+    with pytest.raises(veko.Error) as caught:
+        veko.configure(low)
+    assert (str(caught.value), caught.value.__notes__) == (
+        "field is below the horizon limit",
+        [f"The document is {low.name}"],
+    )
+    broken = changed(tmp_path, *FAULTS["no temperature"])
+    with pytest.raises(veko.Error) as caught:
+        veko.windows(broken, "2027-04-01")
+    assert caught.value.__notes__ == [f"The document is {broken}"]
+    with pytest.raises(veko.Error) as caught:
+        veko.report(broken)
+    assert str(broken) in str(caught.value) and not hasattr(caught.value, "__notes__")
 
 
 def test_a_document_is_written_whole_or_not_at_all(tmp_path: pathlib.Path) -> None:

@@ -13,17 +13,17 @@ namespace {
 
 constexpr double kPanelSize = PlateView::kSize;
 
-/** What the picture says about itself, and its colours, by day and by night. */
+/** What the picture says about itself, and its colours, by day and by night; it may stand in a page beside others. */
 constexpr const char* kHead = R"(<title>How the fibres moved</title>
 <desc>Each dot is a fibre in the first document. Its arrow points to where it is in the second one, and is as long as the
 bar tells.</desc>
 <style>
-:root{--paper:#fff;--ink:#1a1f24;--soft:#8a949e;--accent:#b3261e}
-@media (prefers-color-scheme:dark){:root{--paper:#12161b;--ink:#e6e9ec;--soft:#6b7680;--accent:#ff8a80}}
-rect{fill:var(--paper)}text{fill:var(--ink)}circle{fill:var(--soft)}line{stroke:var(--accent)}path{fill:var(--accent)}
-.bar{stroke-width:3}
+.veko-moved{--paper:#fff;--ink:#1a1f24;--soft:#8a949e;--accent:#b3261e}
+@media (prefers-color-scheme:dark){.veko-moved{--paper:#12161b;--ink:#e6e9ec;--soft:#6b7680;--accent:#ff8a80}}
+.veko-moved rect{fill:var(--paper)}.veko-moved text{fill:var(--ink)}.veko-moved circle{fill:var(--soft)}
+.veko-moved line{stroke:var(--accent)}.veko-moved path{fill:var(--accent)}.veko-moved .bar{stroke-width:3}
 </style>
-<defs><marker id="head" viewBox="0 0 6 6" refX="5" refY="3" markerWidth="4" markerHeight="4" orient="auto">
+<defs><marker id="veko-moved-head" viewBox="0 0 6 6" refX="5" refY="3" markerWidth="4" markerHeight="4" orient="auto">
 <path d="M0 0 6 3 0 6z"/></marker></defs>
 <rect width="100%" height="100%"/>
 )";
@@ -83,7 +83,7 @@ std::string arrowsOf(const std::vector<PointPair>& pairs, const PlateView& view,
         if (lengthOf({first, second}) > 0) {
             const Pixel from = view.at({first.x, first.y});
             arrows += line(from, {from.x + (second.x - first.x) * scale, from.y - (second.y - first.y) * scale},
-                           "marker-end=\"url(#head)\"");
+                           "marker-end=\"url(#veko-moved-head)\"");
         }
     }
     const double shown = roundBelow(longest);
@@ -143,7 +143,7 @@ std::string pictureOf(const FieldComparison& field, double top) {
 std::string comparisonPicture(const Comparison& comparison) {
     const auto rows = static_cast<double>(std::max<std::size_t>(comparison.fields.size(), 1));
     std::string picture =
-        R"(<svg xmlns="http://www.w3.org/2000/svg" font-family="sans-serif" font-size="16" role="img")";
+        R"(<svg xmlns="http://www.w3.org/2000/svg" class="veko-moved" font-family="sans-serif" font-size="16" role="img")";
     picture +=
         " viewBox=\"0 0 " + pictureText(2 * kPanelSize, 0) + ' ' + pictureText(rows * kPanelSize, 0) + "\">\n" + kHead;
     if (comparison.fields.empty()) {
