@@ -202,16 +202,17 @@ py::bytes configure(const std::variant<Source, std::string>& input, const std::o
     }));
 }
 
-/** The problems of the instrument and of a document, as JSON. */
-std::string check(const Source& source, const std::string& configFile, const Estimates& estimates,
+/** The problems of the instrument and of documents, as JSON. */
+std::string check(const std::vector<Source>& sources, const std::string& configFile, const Estimates& estimates,
                   double fieldRadiusDeg) {
     return inLibrary([&] {
         const double fieldRadius = degreesToRadians(fieldRadiusDeg);
         CheckedInstrument instrument = checkInstrument(configFile, fieldRadius);
         const CheckOptions options{estimates, fieldRadius, instrument.isSound};
-        const auto& [xml, name] = source;
-        instrument.files.push_back(
-            {name, checkDocument(QByteArray::fromStdString(xml), name, *instrument.instrument, options)});
+        for (const auto& [xml, name] : sources) {
+            instrument.files.push_back(
+                {name, checkDocument(QByteArray::fromStdString(xml), name, *instrument.instrument, options)});
+        }
         return problemJson(instrument.files);
     });
 }

@@ -3,12 +3,13 @@
 from __future__ import annotations
 
 import json
+from collections.abc import Iterable
 from dataclasses import dataclass
 from typing import Any
 
 from . import _veko
 from ._arguments import Numbers, PathLike
-from ._document import Document, about, configuration, source
+from ._document import Document, configuration, source
 from ._options import HORIZON_LIMIT, estimates, field_radius_degrees
 
 
@@ -50,7 +51,7 @@ class Problem:
 
 
 def check(
-    document: Document | PathLike,
+    documents: Document | PathLike | Iterable[Document | PathLike],
     *,
     epoch: Numbers | None = None,
     hour_angle: Numbers | None = None,
@@ -59,21 +60,22 @@ def check(
     field_radius: Numbers = 1.0,
     config: PathLike | None = None,
 ) -> list[Problem]:
-    """Finds every problem of a field definition, as `veko check` does.
+    """Finds every problem of field definitions, as `veko check` does.
 
     Parameters
     ----------
-    document : path or Document
-        The field definition; it need not be well-formed.
+    documents : path or Document, or several
+        The field definitions; they need not be well-formed.
     epoch, hour_angle, pressure, horizon_limit, config
-        As `configure` takes them. The files of a configuration are checked, too.
+        As `configure` takes them. The files of a configuration are checked, too, once for all documents.
     field_radius : float, default 1
         How far apart centre and targets of a field may be, degrees, above 0 and up to 90.
 
     Returns
     -------
     list of Problem
-        In document order. With an error among them the run fails; without one it passes.
+        Those of the configuration, then those of each document, in the order of their places. With an error among them a
+        run fails; without one it passes.
 
     Raises
     ------
@@ -90,9 +92,13 @@ def check(
     """
     radius = field_radius_degrees(field_radius)
     values = estimates(epoch, hour_angle, pressure, horizon_limit)
-    given = source(document)
-    with about(given[1]):
-        found = json.loads(_veko.check(given, configuration(document, config), values, radius))
+    if not isinstance(documents, Iterable) or isinstance(documents, (str, bytes)):
+        documents = [documents]
+    several = list(documents)
+    configs = {configuration(document, config) for document in several} or {configuration(b"", config)}
+    if len(configs) > 1:
+        raise ValueError("config is missing: the documents were read with different ones")
+    found = json.loads(_veko.check([source(document) for document in several], configs.pop(), values, radius))
     return [_problem(file["file"], problem) for file in found["documents"] for problem in file["problems"]]
 
 

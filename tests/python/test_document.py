@@ -204,6 +204,16 @@ def test_check_finds_problems_of_the_instrument_too(other_config: pathlib.Path) 
     assert str(problem).startswith(f"{other_config}:{problem.line}:{problem.column}: error: ")
 
 
+def test_check_takes_many_documents(tmp_path: pathlib.Path, other_config: pathlib.Path) -> None:
+    faulty = changed(tmp_path, *FAULTS["no guide star"])
+    expected = problems_of(SOMBRERO, faulty, "-c", other_config)
+    assert {problem.file for problem in expected} > {str(faulty)}
+    assert veko.check([SOMBRERO, veko.read(faulty)], config=other_config) == expected
+    assert veko.check([]) == []
+    with pytest.raises(ValueError, match="^config is missing: the documents were read with different ones$"):
+        veko.check([SOMBRERO, veko.read(faulty, config=other_config)])
+
+
 def test_a_document_in_memory_is_checked_without_its_file(tmp_path: pathlib.Path) -> None:
     document = veko.read(changed(tmp_path, 'targuse="G"', 'targuse="S"'))
     (tmp_path / "field.xml").unlink()
