@@ -93,7 +93,7 @@ std::string whenElse(const std::vector<Stretch>& stretches, const Night& night) 
     const bool isWholeNight = begin == night.begin && end == night.end;
     return isWholeNight ? "In this night "
                         : "From " + utcText(begin, 0).substr(11, 5) + " to " + utcText(end, 0).substr(11, 5) +
-                              " UTC, as far as all else allows it, ";
+                              " UTC, while all else holds, ";
 }
 
 std::string minutesText(double days) {
