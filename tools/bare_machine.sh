@@ -16,11 +16,12 @@ make_bare_machine() {
     cp -a "$folder/base/." "$machine"
     cp /etc/resolv.conf "$machine/etc/resolv.conf"
     mount -t proc proc "$machine/proc"
+    mount -t sysfs -o ro sysfs "$machine/sys"
     mount -t devpts -o newinstance,ptmxmode=0666 devpts "$machine/dev/pts"
 }
 
 remove_bare_machine() {
-    umount "$machine/proc" "$machine/dev/pts" || true
+    umount "$machine/proc" "$machine/sys" "$machine/dev/pts" || true
     rm -rf --one-file-system "$machine"
 }
 
