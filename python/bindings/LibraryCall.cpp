@@ -36,6 +36,7 @@ void prepareLibrary() {
     qInitResources_config_files();
     qInitResources_plate_files();
     qInitResources_check_files();
+    Py_AtExit([] { callMutex().lock(); }); // for good
     pthread_atfork([] { callMutex().lock(); }, [] { callMutex().unlock(); }, [] { callMutex().unlock(); });
 }
 

@@ -8,6 +8,7 @@
 #include "PosConfig.h"
 
 #include <QtGlobal>
+#include <exception>
 #include <mutex>
 #include <pybind11/pybind11.h>
 #include <string>
@@ -52,8 +53,17 @@ private:
 
 /** Does something while other threads of the interpreter go on. @param work uses no Python object */
 template <typename Work> auto withoutInterpreter(Work work) {
-    const InterpreterReleased released;
-    return work();
+    std::exception_ptr failure;
+    {
+        const InterpreterReleased released;
+        try {
+            return work();
+        } catch (...) {
+            // Not on its way while the interpreter may end the thread.
+            failure = std::current_exception();
+        }
+    }
+    std::rethrow_exception(failure);
 }
 
 /** The same in the library, one call at a time. */
@@ -74,7 +84,7 @@ inline void endAtSignals() {
 /**
  * Sets, once and for good, what the library needs of its process: the seed of Qt's hashes, with which the same document
  * gives the same bytes, and UTF-8 for Qt's names of files. A fork waits for the call under way, which its child would
- * otherwise wait for without end.
+ * otherwise wait for without end, and so does the end of the process, which takes apart what the call uses.
  */
 void prepareLibrary();
 

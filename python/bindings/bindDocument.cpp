@@ -82,7 +82,8 @@ std::map<std::string, double> conditionsOf(const QDomElement& element) {
                                           {"temperature", attr::temperature},
                                           {"pressure", attr::pressure},
                                           {"relative_humidity", attr::relativeHumidity}}) {
-        if (const auto value = numberOf(element.attribute(attribute))) {
+        const auto value = numberOf(element.attribute(attribute));
+        if (value && (attribute != attr::epoch || *value != 0)) { // 0 is none
             conditions[name] = *value;
         }
     }
@@ -181,25 +182,35 @@ void writeBytes(const std::string& name, const std::string& bytes) {
     withoutInterpreter([&] { writeFile(name, QByteArray::fromStdString(bytes)); });
 }
 
+/** The document in a file, or as it is. */
+Source sourceOf(const std::variant<Source, std::string>& input) {
+    if (const auto* const source = std::get_if<Source>(&input)) {
+        return *source;
+    }
+    const auto& name = std::get<std::string>(input);
+    const QByteArray text = withoutInterpreter([&] { return loadingFieldDefinition([&] { return loadFile(name); }); });
+    return {text.toStdString(), name};
+}
+
 /** @param input the name of a file, or a document */
 py::bytes configure(const std::variant<Source, std::string>& input, const std::optional<std::string>& output,
                     const std::string& configFile, const Estimates& estimates) {
-    return bytesOf(inLibrary([&] {
+    // A configuration that cannot be read is told before an input that cannot be.
+    inLibrary([&] { static_cast<void>(openConfig(configFile).get<double>("default_epoch")); });
+    const Source source = sourceOf(input);
+    const QByteArray configured = inLibrary([&] {
         const PosConfig config = openConfig(configFile);
-        static_cast<void>(config.get<double>("default_epoch")); // told before an input that cannot be read
-        const auto* const source = std::get_if<Source>(&input);
-        const QDomDocument document =
-            source != nullptr ? load(*source) : loadFieldDefinition(std::get<std::string>(input));
+        const QDomDocument document = loadingFieldDefinition([&] { return load(source); });
         configureDocument(config, document, estimates);
         if (output) {
             checkOutput(config, *output);
         }
-        QByteArray text = serialiseXml(document);
-        if (output) {
-            writeFile(*output, text);
-        }
-        return text;
-    }));
+        return serialiseXml(document);
+    });
+    if (output) {
+        withoutInterpreter([&] { writeFile(*output, configured); });
+    }
+    return bytesOf(configured);
 }
 
 /** The problems of the instrument and of documents, as JSON. */

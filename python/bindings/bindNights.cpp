@@ -68,7 +68,7 @@ public:
         }
         std::stable_sort(found.begin(), found.end(),
                          [](const FieldNight& a, const FieldNight& b) { return a.field < b.field; });
-        return windowJson(found, {{}, telescope_});
+        return withoutInterpreter([&] { return windowJson(found, {{}, telescope_}); });
     }
 
 private:

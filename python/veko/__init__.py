@@ -4,10 +4,10 @@
 finds what is wrong with one, `configure` runs on it, `report` makes a page of it, and `compare` tells what differs
 between two. `windows` tells when a field or a place can be observed.
 
-Angles on the sky are degrees, places on the plate millimetres, hour angles hours. Where a signature has `Numbers`,
-arrays of any shape are taken, and give arrays, or one number, as the text below it says; where astropy is installed, its
-quantities, times, coordinates and columns of tables too. A `PathLike` is a text, bytes or a `pathlib.Path`, a `Date` a
-`datetime.date` or a text YYYY-MM-DD. "A run" is one of the program `veko_configure`, which `configure` is, to the byte.
+Angles on the sky are degrees, places on the plate millimetres, hour angles hours. In signatures `Numbers` is a number, an
+array, or a quantity, column, time or coordinate of astropy: `sky_to_plate` and `plate_to_sky` take arrays of any shape,
+all else takes one number. A `PathLike` is the name of a file, a `Date` a `datetime.date` or a text YYYY-MM-DD. "A run" is
+one of the program `veko_configure`, which `configure` is, to the byte.
 
 What a run or the library refuses is an `Error`, an invalid argument a `ValueError` or a `TypeError`. Nothing is
 printed.

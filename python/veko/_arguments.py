@@ -13,10 +13,7 @@ from numpy.typing import NDArray
 from . import _veko
 
 Numbers = Any
-"""Numbers of any shape, or a quantity of astropy."""
 PathLike = str | bytes | os.PathLike[str] | os.PathLike[bytes]
-
-BUILT_IN = b":/configure.xml"
 
 RANGES = _veko.ranges()
 _MOTION_UNITS = {"epoch": "yr", "pm_ra": "mas/yr", "pm_dec": "mas/yr", "parallax": "arcsec", "rv": "km/s"}
@@ -27,7 +24,10 @@ def file_name(name: str, value: PathLike) -> bytes:
     """The name of a file."""
     if not isinstance(value, (str, bytes, os.PathLike)):
         raise TypeError(f"{name} must be the name of a file, not {type(value).__name__}")
-    encoded = os.fsencode(value)
+    try:
+        encoded = os.fsencode(value)
+    except UnicodeEncodeError:
+        raise ValueError(f"{name} has characters that no name of a file can have here: {value!r}") from None
     if encoded.lstrip().startswith(b"<"):
         raise ValueError(f"{name} must be the name of a file, not its text")
     if b"\0" in encoded:
@@ -36,8 +36,8 @@ def file_name(name: str, value: PathLike) -> bytes:
 
 
 def config_name(config: PathLike | None) -> bytes:
-    """The name of a configuration; the built-in one for None."""
-    return BUILT_IN if config is None else file_name("config", config)
+    """The name of a configuration; the built-in one, whose files begin with ":", for None."""
+    return b":/configure.xml" if config is None else file_name("config", config)
 
 
 def numbers(name: str, value: Numbers, unit: str = "") -> NDArray[np.float64]:
@@ -78,7 +78,7 @@ def require_range(name: str, array: NDArray[np.float64], low: float, high: float
     """Refuses finite numbers beyond a range."""
     beyond = _veko.first_beyond(array, low, high)
     if beyond is not None:
-        wanted = f"from {low:g} to {high:g}" if low > -math.inf else f"at most {high:g}"
+        wanted = f"from {low:.10g} to {high:.10g}" if low > -math.inf else f"at most {high:g}"
         raise ValueError(f"{name} must be {wanted}, not {beyond:.10g}")
 
 
@@ -108,15 +108,16 @@ def julian_epoch(value: Numbers) -> Numbers:
 
 
 def is_coordinate(value: Any) -> bool:
-    """Whether it is a SkyCoord of astropy."""
+    """Whether it is a SkyCoord of astropy, or a frame with data."""
     return hasattr(value, "transform_to")
 
 
 def _of_coordinate(coordinate: Any) -> dict[str, Numbers]:
     """What a SkyCoord tells of its places; of motions where it has a proper motion."""
-    from astropy.coordinates import RadialDifferential  # type: ignore[import]
+    from astropy.coordinates import RadialDifferential, SkyCoord  # type: ignore[import]
     from astropy.units import parallax
 
+    coordinate = SkyCoord(coordinate)
     try:
         place = coordinate.icrs
     except AttributeError:  # so SkyCoord tells a frame that lacks what it needs
@@ -148,7 +149,7 @@ def catalogue_place(ra: Numbers, dec: Numbers | None, **motion: Numbers | None) 
     if motion.get("epoch") is not None:
         motion["epoch"] = julian_epoch(motion["epoch"])
     elif any(value is not None for value in motion.values()):
-        raise ValueError("epoch is missing: without it the motion of a place does not count")
+        raise ValueError("epoch is missing: without it, or a SkyCoord's obstime, the motion of a place does not count")
     for name, value in motion.items():
         if value is None:
             values[name] = _ZERO

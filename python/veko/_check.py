@@ -8,7 +8,7 @@ from dataclasses import dataclass
 from typing import Any
 
 from . import _veko
-from ._arguments import Numbers, PathLike
+from ._arguments import Numbers, PathLike, config_name
 from ._document import Document, configuration, source
 from ._options import HORIZON_LIMIT, estimates, field_radius_degrees
 
@@ -22,7 +22,7 @@ class Problem:
     file : str
         Name of the document, or of the file of its configuration that the problem is in.
     code : str
-        Of the rule, such as "VK106"; `veko check --explain VK106` tells more.
+        The code of the rule, such as "VK106"; `veko check --explain VK106` tells more.
     severity : str
         "error": the run fails. "warning": it passes, but probably does not do what is meant. "note": it passes.
     line, column, end_line, end_column : int
@@ -95,10 +95,12 @@ def check(
     if not isinstance(documents, Iterable) or isinstance(documents, (str, bytes)):
         documents = [documents]
     several = list(documents)
-    configs = {configuration(document, config) for document in several} or {configuration(b"", config)}
+    configs = {configuration(document, config) for document in several} or {config_name(config)}
     if len(configs) > 1:
-        raise ValueError("config is missing: the documents were read with different ones")
-    found = json.loads(_veko.check([source(document) for document in several], configs.pop(), values, radius))
+        raise ValueError("config is missing: the documents do not share one")
+    found = json.loads(
+        _veko.check([source("documents", document) for document in several], configs.pop(), values, radius)
+    )
     return [_problem(file["file"], problem) for file in found["documents"] for problem in file["problems"]]
 
 

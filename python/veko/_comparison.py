@@ -4,7 +4,7 @@ from __future__ import annotations
 
 import html
 import json
-from collections.abc import Sequence
+from collections.abc import Iterable
 from dataclasses import dataclass
 from typing import Any
 
@@ -53,7 +53,7 @@ def compare(
     *,
     plate_tolerance: Numbers = 0.0,
     sky_tolerance: Numbers = 0.0,
-    ignore: Sequence[str] = (),
+    ignore: Iterable[str] = (),
 ) -> Comparison:
     """Tells what differs between two field definitions, as `veko compare` does.
 
@@ -65,7 +65,7 @@ def compare(
         Up to this, places on the plate are the same; micrometres, up to 1e6.
     sky_tolerance : float, default 0
         Up to this, places on the sky are the same; arcsec, up to 3600.
-    ignore : sequence of str, optional
+    ignore : iterable of str, optional
         Names of attributes and elements that are left out.
 
     Returns
@@ -86,14 +86,15 @@ def compare(
     >>> veko.compare(veko.configure(example), veko.configure(example)).same
     True
     """
-    if isinstance(ignore, (str, bytes)) or not all(isinstance(name, str) for name in ignore):
-        raise TypeError("ignore must be a sequence of names")
+    names: list[Any] = list(ignore) if isinstance(ignore, Iterable) and not isinstance(ignore, (str, bytes)) else [None]
+    if not all(isinstance(name, str) for name in names):
+        raise TypeError("ignore must be names of attributes and elements")
     found, text, picture = _veko.compare(
-        source(first),
-        source(second),
+        source("first", first),
+        source("second", second),
         number("plate_tolerance", plate_tolerance, "um", 0, 1e6),
         number("sky_tolerance", sky_tolerance, "arcsec", 0, 3600),
-        list(ignore),
+        names,
     )
     facts = json.loads(found)
     return Comparison(facts["same"], facts["fields"], facts["differences"], text, picture)

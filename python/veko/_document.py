@@ -13,7 +13,7 @@ import numpy as np
 from numpy.typing import NDArray
 
 from . import _veko
-from ._arguments import BUILT_IN, Numbers, PathLike, config_name, file_name
+from ._arguments import Numbers, PathLike, config_name, file_name
 from ._options import HORIZON_LIMIT, estimates
 from ._values import Values
 
@@ -32,7 +32,9 @@ UNITS = {
 
 @dataclass(frozen=True, eq=False, repr=False)
 class Document(Values):
-    """A field definition, configured or not; `read` and `configure` make it. Nothing of it can be changed.
+    """A field definition, configured or not; `read` and `configure` make it.
+
+    Its attributes and arrays cannot be written to.
 
     Attributes
     ----------
@@ -47,7 +49,8 @@ class Document(Values):
         Position angle of the observation, degrees; 0 where the document has none.
     conditions : dict
         Those of `epoch` (Julian years), `hour_angle` (hours), `temperature` (K), `pressure` (mbar) and
-        `relative_humidity` that the document has, by the names that `Pointing` takes.
+        `relative_humidity` that the document has, by the names that `Pointing` takes. A run takes hour angle 0 where
+        there is none.
     fields : structured array
         One row for each field: centre `ra` and `dec` (degrees; NaN where the document has none), number of `targets`.
     targets : structured array
@@ -133,12 +136,11 @@ def structured(columns: dict[str, NDArray[Any]]) -> NDArray[np.void]:
 
 @contextlib.contextmanager
 def about(name: bytes) -> Iterator[None]:
-    """Notes at an error which document it is about, where its message does not tell."""
+    """Notes at an error which document it is about."""
     try:
         yield
     except _veko.Error as error:
-        if os.fsdecode(name) not in str(error):
-            error.add_note(f"The document is {os.fsdecode(name)}")
+        error.add_note(f"The document is {os.fsdecode(name)}")
         raise
 
 
@@ -146,16 +148,16 @@ def document_of(xml: bytes, name: bytes, config: PathLike | None) -> Document:
     """The document of a text."""
     with about(name):
         parts = _veko.document((xml, name), config_name(config))
-    everywhere = None if config is None or config_name(config) == BUILT_IN else os.path.abspath(config)
+    everywhere = None if config is None or config_name(config).startswith(b":") else os.path.abspath(config)
     fields, targets = structured(parts["fields"]), structured(parts["targets"])
     return Document(os.fsdecode(name), xml, everywhere, parts["pa"], parts["conditions"], fields, targets)
 
 
-def source(document: Document | PathLike) -> tuple[bytes, bytes]:
+def source(argument: str, document: Document | PathLike) -> tuple[bytes, bytes]:
     """The text and the name of a document."""
     if isinstance(document, Document):
         return document.xml, os.fsencode(document.name)
-    name = file_name("document", document)
+    name = file_name(argument, document)
     return _veko.read_bytes(name), name
 
 
@@ -225,7 +227,7 @@ def configure(
     horizon_limit : float, default 25
         Altitude above which the first field must be, degrees from -90 to 90.
     config : path, optional
-        A configuration file; without it that with which the document was read, or the built-in one, whose name is
+        A configuration file. Without it that of the `Document` counts; for a file the built-in one, whose name is
         ":/configure.xml".
 
     Returns
@@ -251,7 +253,7 @@ def configure(
     to = None if output is None else file_name("output", output)
     given: bytes | tuple[bytes, bytes]
     if isinstance(input, Document):
-        given = _, name = source(input)
+        given = _, name = source("input", input)
         config = input.config if config is None else config
     else:
         given = name = file_name("input", input)

@@ -24,11 +24,11 @@ def hour_angle_hours(hour_angle: Numbers | None) -> float | None:
     return optional("hour_angle", hour_angle, "hourangle", *RANGES["hour_angle"])
 
 
-def pressure_of(document_pressure: Numbers | None) -> float | None:
-    """What takes the place of the pressure of a document, millibar."""
-    value = optional("pressure", document_pressure, "mbar", *RANGES["pressure"])
+def pressure_millibar(pressure: Numbers | None) -> float | None:
+    """What takes the place of the pressure of a document."""
+    value = optional("pressure", pressure, "mbar", *RANGES["pressure"])
     if value == 0:
-        raise ValueError("pressure must be above 0, with which a run takes that of its document")
+        raise ValueError("pressure must be above 0: with 0 a run takes that of its document")
     return value
 
 
@@ -54,7 +54,7 @@ def estimates(
     return _veko.Estimates(
         None if epoch is None else date_epoch(epoch),
         hour_angle_hours(hour_angle),
-        pressure_of(pressure),
+        pressure_millibar(pressure),
         horizon(horizon_limit),
     )
 
@@ -72,9 +72,10 @@ def evening(name: str, date: Date) -> str:
     if isinstance(date, datetime.datetime) or not isinstance(date, (str, datetime.date)):
         raise TypeError(f"{name} must be a date without a time, or a text YYYY-MM-DD, not {type(date).__name__}")
     try:
-        return (datetime.date.fromisoformat(date) if isinstance(date, str) else date).isoformat()
+        day = datetime.datetime.strptime(date, "%Y-%m-%d").date() if isinstance(date, str) else date
     except ValueError:
         raise ValueError(f"{name} is not a date YYYY-MM-DD: {date}") from None
+    return day.isoformat()
 
 
 def sun_altitude(twilight: str | Numbers) -> float | None:

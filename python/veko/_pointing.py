@@ -29,7 +29,7 @@ def _date(epoch: Numbers | None, mjd_tai: Numbers | None) -> float:
         raise TypeError("one of epoch and mjd_tai must be given, and not both")
     if mjd_tai is None:
         return _veko.mjd_of_epoch(date_epoch(epoch))
-    first, last = (round(_veko.mjd_of_epoch(year)) for year in RANGES["date"])
+    first, last = map(_veko.mjd_of_epoch, RANGES["date"])
     return number("mjd_tai", mjd_tai.tai.mjd if hasattr(mjd_tai, "tai") else mjd_tai, "d", first, last)
 
 
@@ -184,8 +184,8 @@ class Pointing:
         Returns
         -------
         ra, dec : array, or float
-            ICRS at the date of the pointing, degrees; `ra` from 0 to 360. NaN where an argument is not finite, and
-            where the optics see no sky.
+            ICRS at the date of the pointing, degrees; `ra` from 0 to 360. NaN where an argument is not finite or is
+            masked, and where the optics see no sky.
 
         Raises
         ------

@@ -84,7 +84,7 @@ def report(
     >>> import veko
     >>> veko.report("examples/sombrero_south.xml").write("/dev/null")
     """
-    given = source(document)
+    given = source("document", document)
     with about(given[1]):
         page = _veko.report(
             given,

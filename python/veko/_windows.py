@@ -14,7 +14,7 @@ import numpy as np
 from . import _veko
 from ._arguments import RANGES, Numbers, PathLike, config_name, direction, is_coordinate, optional
 from ._document import Document, about, configuration, source
-from ._options import HORIZON_LIMIT, Date, evening, pressure_of, weather, window_options
+from ._options import HORIZON_LIMIT, Date, evening, pressure_millibar, weather, window_options
 
 
 @dataclass(frozen=True, repr=False)
@@ -163,7 +163,7 @@ def _place(what: Any, pa: Numbers | None) -> tuple[float, float, float]:
     """Right ascension, declination and position angle, degrees."""
     if is_coordinate(what):
         ra, dec = direction(what, None)
-    elif isinstance(what, (tuple, list, np.ndarray)) and len(what) == 2:
+    elif isinstance(what, (tuple, list)) and len(what) == 2 or np.shape(what) == (2,):
         ra, dec = direction(*what)
     else:
         raise TypeError(
@@ -200,7 +200,8 @@ def windows(
     last : datetime.date or str, optional
         The last night of a season.
     twilight : str or float, default "nautical"
-        "civil", "nautical", "astronomical" or "none"; or the altitude below which the Sun must be, degrees.
+        "civil", "nautical", "astronomical" or "none"; or the altitude below which the Sun must be,
+        degrees from -90 to 0.
     airmass : float, optional
         Greatest airmass, from 1 to 40.
     moon : float, optional
@@ -217,7 +218,7 @@ def windows(
     temperature, relative_humidity : float, optional
         Of a place: kelvin, and from 0 to 1; 283 and 0.2 without them.
     config : path, optional
-        A configuration file; without it that with which the document was read, or the built-in one.
+        A configuration file. Without it that of the `Document` counts; for all else the built-in one.
 
     Returns
     -------
@@ -246,10 +247,10 @@ def windows(
         for name, value in {"pa": pa, "temperature": temperature, "relative_humidity": relative_humidity}.items():
             if value is not None:
                 raise TypeError(f"{name} is for a place; a document has its own")
-        given = source(what)
+        given = source("what", what)
         with about(given[1]):
             text = _veko.windows_of_document(
-                given, pressure_of(pressure), first, final, configuration(what, config), options
+                given, pressure_millibar(pressure), first, final, configuration(what, config), options
             )
     else:
         air = weather(temperature, pressure, relative_humidity)

@@ -61,6 +61,9 @@ def m64(**changes: Any) -> veko.Pointing:
     return veko.Pointing(**values)
 
 
+M64: Any = m64()
+
+
 def replaced(text: str, old: str, new: str) -> str:
     """A text in which something stands in the place of what stands there once."""
     assert text.count(old) == 1, old

@@ -5,16 +5,15 @@ from typing import Any
 
 import pytest
 import veko
-from conftest import SOMBRERO, m64
+from conftest import M64, SOMBRERO, m64
 
 ANY: Any = veko
-M64: Any = m64()
 NIGHT = "2027-04-02"
 NO_PLACE = "what must be the name of a file, a Document, a pair of right ascension and declination, or a SkyCoord, not "
 BAD_CALLS = [
     (lambda: m64(mjd_tai=None), TypeError, "one of epoch and mjd_tai must be given, and not both"),
     (lambda: m64(epoch=2025), TypeError, "one of epoch and mjd_tai must be given, and not both"),
-    (lambda: m64(mjd_tai=2461497.5), ValueError, "mjd_tai must be from 36934 to 124594, not 2461497.5"),
+    (lambda: m64(mjd_tai=2461497.5), ValueError, "mjd_tai must be from 36934.5 to 124594.5, not 2461497.5"),
     (lambda: veko.Pointing(0, 0, epoch=61497), ValueError, "epoch must be from 1960 to 2200, not 61497"),
     (lambda: m64(dec=90.5), ValueError, "dec must be from -90 to 90, not 90.5"),
     (lambda: m64(ra=float("nan")), ValueError, "ra must be a finite number, not nan"),
@@ -39,7 +38,7 @@ BAD_CALLS = [
     (
         lambda: M64.sky_to_plate(1, 2, rv=3),
         ValueError,
-        "epoch is missing: without it the motion of a place does not count",
+        "epoch is missing: without it, or a SkyCoord's obstime, the motion of a place does not count",
     ),
     (
         lambda: M64.plate_to_sky([1, 2], [1, 2, 3]),
@@ -55,17 +54,20 @@ BAD_CALLS = [
     (
         lambda: veko.configure(SOMBRERO, pressure=0),
         ValueError,
-        "pressure must be above 0, with which a run takes that of its document",
+        "pressure must be above 0: with 0 a run takes that of its document",
     ),
     (lambda: veko.configure(SOMBRERO, hour_angle=100), ValueError, "hour_angle must be from -12 to 12, not 100"),
     (lambda: ANY.read(5), TypeError, "path must be the name of a file, not int"),
-    (lambda: veko.check(SOMBRERO.read_bytes()), ValueError, "document must be the name of a file, not its text"),
+    (lambda: veko.check(SOMBRERO.read_bytes()), ValueError, "documents must be the name of a file, not its text"),
     (
         lambda: m64(mjd_tai=None, epoch="2027-04-02"),
         TypeError,
         "epoch must be Julian years or a Time of astropy, not str",
     ),
-    (lambda: ANY.check(None), TypeError, "document must be the name of a file, not NoneType"),
+    (lambda: ANY.check(None), TypeError, "documents must be the name of a file, not NoneType"),
+    (lambda: veko.read("\ud800"), ValueError, "path has characters that no name of a file can have here: '\\ud800'"),
+    (lambda: veko.windows("<a/>", NIGHT), ValueError, "what must be the name of a file, not its text"),
+    (lambda: veko.windows((190, 0), "20270402"), ValueError, "night is not a date YYYY-MM-DD: 20270402"),
     (lambda: veko.windows((190, 0), "soon"), ValueError, "night is not a date YYYY-MM-DD: soon"),
     (
         lambda: ANY.windows((190, 0), 61000),
@@ -89,7 +91,17 @@ BAD_CALLS = [
         "The night of 1850-01-01 is not between 1900 and 2100, the years in which Sun and Moon are known",
     ),
     (lambda: veko.report(SOMBRERO, field_radius=0), ValueError, "field_radius must be above 0"),
-    (lambda: veko.compare(SOMBRERO, SOMBRERO, ignore="ha"), TypeError, "ignore must be a sequence of names"),
+    (
+        lambda: veko.compare(SOMBRERO, SOMBRERO, ignore="ha"),
+        TypeError,
+        "ignore must be names of attributes and elements",
+    ),
+    (
+        lambda: ANY.compare(SOMBRERO, SOMBRERO, ignore=None),
+        TypeError,
+        "ignore must be names of attributes and elements",
+    ),
+    (lambda: ANY.compare(5, SOMBRERO), TypeError, "first must be the name of a file, not int"),
 ]
 
 

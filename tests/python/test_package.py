@@ -7,7 +7,7 @@ import types
 
 import numpy as np
 import veko
-from conftest import ROOT, SOMBRERO, run
+from conftest import PROGRAM, ROOT, SOMBRERO, run
 from veko import _veko
 
 
@@ -18,12 +18,18 @@ def test_the_stub_has_the_names_of_the_module() -> None:
 
 
 def test_everything_that_is_offered_tells_what_it_is() -> None:
-    offered = [getattr(veko, name) for name in veko.__all__ if name != "__version__"]
+    aliases = {"Date", "Numbers", "PathLike", "__version__"}
+    offered = [getattr(veko, name) for name in veko.__all__ if name not in aliases]
     members = [member for thing in offered if isinstance(thing, type) for member in vars(thing).items()]
     for name, member in members:
         if not name.startswith("_") and isinstance(member, (types.FunctionType, property)):
             assert member.__doc__, name
-    assert all(thing.__doc__ for thing in offered)
+    # A dataclass without a docstring gets its signature.
+    assert all(thing.__doc__ and not thing.__doc__.startswith(f"{thing.__name__}(") for thing in offered)
+
+
+def test_the_version_is_that_of_the_program() -> None:
+    assert f"version {veko.__version__}\n" in run(PROGRAM, "--version").stdout
 
 
 def test_what_is_a_value_survives_pickling() -> None:

@@ -30,7 +30,7 @@ QDomDocument& keptDocument() {
 bool loadDocument(const std::string& input, QDomDocument& document) {
     document.clear(); // before there are two
     try {
-        document = loadFieldDefinition(input);
+        document = loadingFieldDefinition([&] { return loadXmlFile(input); });
         return true;
     } catch (const std::runtime_error& error) {
         std::cerr << error.what() << std::endl;
@@ -72,14 +72,6 @@ bool saveDocument(const PosConfig& config, const std::string& output, const QDom
 }
 
 } // namespace
-
-QDomDocument pos::loadFieldDefinition(const std::string& input) {
-    try {
-        return loadXmlFile(input);
-    } catch (const std::runtime_error& error) {
-        throw std::runtime_error(std::string("Error parsing field definition file: ") + error.what());
-    }
-}
 
 void pos::checkOutput(const PosConfig& config, const std::string& output) {
     refuseIfSame(output, config.name(), "configuration file");

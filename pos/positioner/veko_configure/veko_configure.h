@@ -5,19 +5,22 @@
 #ifndef POS_VEKO_CONFIGURE_H
 #define POS_VEKO_CONFIGURE_H
 
-#include <QDomDocument>
+#include <stdexcept>
 #include <string>
 
 namespace pos {
 
 class PosConfig;
 
-/**
- * Loads a field definition.
- *
- * @throw std::runtime_error "Error parsing field definition file: ", and what loadXmlFile throws
- */
-QDomDocument loadFieldDefinition(const std::string& input);
+/** Does a step of loading a field definition. @throw std::runtime_error "Error parsing field definition file: ", and
+ * its own */
+template <typename Step> auto loadingFieldDefinition(const Step& step) {
+    try {
+        return step();
+    } catch (const std::runtime_error& error) {
+        throw std::runtime_error(std::string("Error parsing field definition file: ") + error.what());
+    }
+}
 
 /**
  * Refuses an output that would replace a file that every run needs.
