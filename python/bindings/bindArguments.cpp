@@ -1,5 +1,6 @@
 #include "bindings.h"
 
+#include "CheckedDocument.h"
 #include "ConditionsXML.h"
 #include "Estimates.h"
 #include "Quantity.h"
@@ -66,6 +67,8 @@ std::map<std::string, std::pair<double, double>> ranges() {
 
 void bindArguments(py::module_& module) {
     // None of these uses what is process-wide.
+    module.attr("horizon_limit") = kHorizonLimitDeg;
+    module.attr("field_radius") = kFieldRadiusDeg;
     module.def("default_weather", &defaultWeather);
     module.def("mjd_of_epoch", &mjdOfEpoch);
     module.def("ranges", &ranges);

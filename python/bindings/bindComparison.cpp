@@ -2,7 +2,6 @@
 #include "Source.h"
 #include "bindings.h"
 
-#include "angles.h"
 #include "comparisonRecords.h"
 
 #include <array>
@@ -18,10 +17,7 @@ namespace py = pybind11;
 /** A comparison as JSON, as a text and as SVG. Tolerances are micrometres and arcsec. */
 std::array<std::string, 3> compare(const Source& first, const Source& second, double plateTolerance,
                                    double skyTolerance, const std::vector<std::string>& ignored) {
-    CompareOptions options{plateTolerance / 1000, degreesToRadians(skyTolerance / 3600)};
-    for (const std::string& name : ignored) {
-        options.ignored.insert(QString::fromStdString(name));
-    }
+    const CompareOptions options = compareOptions(plateTolerance, skyTolerance, ignored);
     return inLibrary([&] {
         const QDomDocument firstDocument = load(first);
         const Comparison comparison = compareDocuments(firstDocument, load(second), options);

@@ -10,7 +10,7 @@ from typing import Any
 from . import _veko
 from ._arguments import Numbers, PathLike, config_name
 from ._document import Document, configuration, source
-from ._options import HORIZON_LIMIT, estimates, field_radius_degrees
+from ._options import FIELD_RADIUS, HORIZON_LIMIT, estimates, field_radius_degrees
 
 
 @dataclass(frozen=True)
@@ -57,7 +57,7 @@ def check(
     hour_angle: Numbers | None = None,
     pressure: Numbers | None = None,
     horizon_limit: Numbers = HORIZON_LIMIT,
-    field_radius: Numbers = 1.0,
+    field_radius: Numbers = FIELD_RADIUS,
     config: PathLike | None = None,
 ) -> list[Problem]:
     """Finds every problem of field definitions, as `veko check` does.

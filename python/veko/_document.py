@@ -144,11 +144,11 @@ def about(name: bytes) -> Iterator[None]:
         raise
 
 
-def document_of(xml: bytes, name: bytes, config: PathLike | None) -> Document:
+def document_of(xml: bytes, name: bytes, config: bytes) -> Document:
     """The document of a text."""
     with about(name):
-        parts = _veko.document((xml, name), config_name(config))
-    everywhere = None if config is None or config_name(config).startswith(b":") else os.path.abspath(config)
+        parts = _veko.document((xml, name), config)
+    everywhere = None if config.startswith(b":") else os.path.abspath(os.fsdecode(config))
     fields, targets = structured(parts["fields"]), structured(parts["targets"])
     return Document(os.fsdecode(name), xml, everywhere, parts["pa"], parts["conditions"], fields, targets)
 
@@ -194,7 +194,7 @@ def read(path: PathLike, *, config: PathLike | None = None) -> Document:
     array(['M 104', 'invented guide star 1'], dtype='<U21')
     """
     name = file_name("path", path)
-    return document_of(_veko.read_bytes(name), name, config)
+    return document_of(_veko.read_bytes(name), name, config_name(config))
 
 
 def configure(
@@ -254,9 +254,9 @@ def configure(
     given: bytes | tuple[bytes, bytes]
     if isinstance(input, Document):
         given = _, name = source("input", input)
-        config = input.config if config is None else config
     else:
         given = name = file_name("input", input)
+    instrument = configuration(input, config)
     with about(name):
-        xml = _veko.configure(given, to, config_name(config), values)
-    return document_of(xml, name if to is None else to, config)
+        xml = _veko.configure(given, to, instrument, values)
+    return document_of(xml, name if to is None else to, instrument)

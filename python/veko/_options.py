@@ -9,7 +9,8 @@ from ._arguments import RANGES, Numbers, julian_epoch, number, optional
 
 Date = str | datetime.date
 
-HORIZON_LIMIT = 25.0
+HORIZON_LIMIT = _veko.horizon_limit
+FIELD_RADIUS = _veko.field_radius
 TWILIGHTS = _veko.twilights()
 _WEATHER = _veko.default_weather()
 

@@ -8,7 +8,7 @@ from dataclasses import dataclass
 from . import _veko
 from ._arguments import Numbers, PathLike, file_name, number
 from ._document import Document, about, configuration, source
-from ._options import HORIZON_LIMIT, Date, estimates, evening, field_radius_degrees, window_options
+from ._options import FIELD_RADIUS, HORIZON_LIMIT, Date, estimates, evening, field_radius_degrees, window_options
 
 
 @dataclass(frozen=True)
@@ -48,7 +48,7 @@ def report(
     moon: Numbers | None = None,
     minimum: Numbers = 0.0,
     exposure: Numbers = 60.0,
-    field_radius: Numbers = 1.0,
+    field_radius: Numbers = FIELD_RADIUS,
     config: PathLike | None = None,
 ) -> Page:
     """Makes a page to see a field definition on, as `veko report` does.

@@ -9,6 +9,8 @@ Source = tuple[bytes, bytes]
 """The text of a document, and its name."""
 
 version: str
+horizon_limit: float
+field_radius: float
 
 class Error(RuntimeError): ...
 

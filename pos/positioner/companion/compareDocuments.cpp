@@ -280,6 +280,14 @@ bool isSame(const Comparison& comparison) {
 
 } // namespace
 
+CompareOptions compareOptions(double plateTolerance, double skyTolerance, const std::vector<std::string>& ignored) {
+    CompareOptions options{plateTolerance / 1000, degreesToRadians(skyTolerance / 3600)};
+    for (const std::string& name : ignored) {
+        options.ignored.insert(QString::fromStdString(name));
+    }
+    return options;
+}
+
 Comparison compareDocuments(const QDomDocument& first, const QDomDocument& second, const CompareOptions& options) {
     Comparison result = Comparer(options).compare(first.documentElement(), second.documentElement());
     result.options = options;

@@ -25,6 +25,9 @@ struct CompareOptions {
     std::set<QString> ignored = {}; ///< names of attributes and elements that are not compared
 };
 
+/** The same of numbers as a user gives them. @param plateTolerance micrometres @param skyTolerance arcsec */
+CompareOptions compareOptions(double plateTolerance, double skyTolerance, const std::vector<std::string>& ignored);
+
 /** A value that is not the same in both documents. */
 struct Difference {
     std::string place;                ///< where it stands: "field 1/fibre 304/targprio"

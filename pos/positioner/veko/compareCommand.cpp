@@ -3,7 +3,6 @@
 #include "OutputFile.h"
 #include "ReadDocument.h"
 #include "RunMessages.h"
-#include "angles.h"
 #include "comparisonRecords.h"
 #include "problemText.h"
 #include "rules.h"
@@ -43,14 +42,6 @@ QDomDocument documentOf(const std::string& name) {
     return read.parsed.document;
 }
 
-CompareOptions optionsOf(const CompareArguments& arguments) {
-    CompareOptions options{arguments.plateTolerance / 1000, degreesToRadians(arguments.skyTolerance / 3600)};
-    for (const std::string& name : arguments.ignored) {
-        options.ignored.insert(QString::fromStdString(name));
-    }
-    return options;
-}
-
 void writePicture(const CompareArguments& arguments, const Comparison& comparison) {
     refuseIfRead(arguments.picture,
                  {{"field definition", arguments.first, ""}, {"field definition", arguments.second, ""}});
@@ -61,8 +52,9 @@ int compare(const CompareArguments& arguments) {
     if (arguments.first == "-" && arguments.second == "-") {
         throw std::runtime_error("Only one of the documents can be the standard input");
     }
+    const CompareOptions options = compareOptions(arguments.plateTolerance, arguments.skyTolerance, arguments.ignored);
     const QDomDocument first = documentOf(arguments.first);
-    const Comparison comparison = compareDocuments(first, documentOf(arguments.second), optionsOf(arguments));
+    const Comparison comparison = compareDocuments(first, documentOf(arguments.second), options);
     if (!arguments.picture.empty()) {
         writePicture(arguments, comparison);
     }

@@ -12,8 +12,11 @@ namespace pos {
 
 class PosConfig;
 
-/** Does a step of loading a field definition. @throw std::runtime_error "Error parsing field definition file: ", and
- * its own */
+/**
+ * Does a step of loading a field definition.
+ *
+ * @throw std::runtime_error "Error parsing field definition file: ", and what the step throws
+ */
 template <typename Step> auto loadingFieldDefinition(const Step& step) {
     try {
         return step();
